@@ -1,0 +1,46 @@
+# The front door. On a fresh machine `make demo` and `make test` are all a newcomer needs: every
+# target installs the Debian packages it depends on first.
+
+JOBS ?= $(shell nproc)
+CMAKE_GEN = -G Ninja
+FUZZ_SECONDS ?= 20
+
+.PHONY: all deps build test test-asan test-tsan fuzz demo bench format clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+build: deps
+	cmake -S . -B build/release $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DORVANTA_TESTS=OFF
+	cmake --build build/release -j $(JOBS)
+
+# Debug build with AddressSanitizer and UBSan, every test, then short fuzz runs.
+test: deps test-asan fuzz
+
+test-asan:
+	cmake -S . -B build/asan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DORVANTA_SANITIZE=ON
+	cmake --build build/asan -j $(JOBS)
+	cd build/asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+	  ctest --output-on-failure -j $(JOBS)
+
+fuzz: deps
+	CC=clang CXX=clang++ cmake -S . -B build/fuzz $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	  -DORVANTA_FUZZ=ON -DORVANTA_TESTS=OFF
+	cmake --build build/fuzz -j $(JOBS)
+	FUZZ_SECONDS=$(FUZZ_SECONDS) bash fuzz/run-all.sh build/fuzz
+
+demo: build
+	bash scripts/demo.sh build/release/bin/orvanta
+
+bench: deps
+	cmake -S . -B build/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DORVANTA_TESTS=OFF -DORVANTA_BENCH=ON
+	cmake --build build/bench -j $(JOBS)
+	bash bench/run-all.sh build/bench
+
+format:
+	find orvanta tests tools bench fuzz -name '*.h' -o -name '*.cpp' | xargs clang-format -i
+
+clean:
+	rm -rf build

@@ -1,0 +1,26 @@
+#include "orvanta/codecs/ImageCodec.h"
+
+#include "orvanta/codecs/CodecManager.h"
+
+namespace Orvanta {
+
+bool ImageCodec::applyToFile(const char16_t* path, EditingOp* op) {
+    // Only rotations are ever applied in the file, and a codec that can apply one says so.
+    return false;
+}
+
+bool ImageCodec::getImageFileInformation(const char16_t* path, ImageType* type, CSize* size,
+                                         ImageQuality* quality) {
+    Codec* codec = CodecManager::getCodec(path);
+    if (!codec || codec->getCodecType() != CodecTypeImage) return false;
+    if (type) *type = codec->getImageType();
+    if (!size && !quality) return true;
+    try {
+        static_cast<ImageCodec*>(codec)->getInfo(path, size, quality);
+    } catch (...) {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace Orvanta

@@ -1,0 +1,56 @@
+#include "orvanta/codecs/OrvantaIU.h"
+
+#include "orvanta/codecs/BmpCodec.h"
+#include "orvanta/codecs/CodecManager.h"
+#include "orvanta/foundation/OrvantaSystem.h"
+
+using namespace Orvanta;
+
+namespace {
+// True while the flat interface is the one that started the library; a host that started it first
+// keeps it running past orvantaIUDeInit.
+bool gFlatInterfaceOwnsInit = true;
+}  // namespace
+
+extern "C" {
+
+void orvantaIUInit(void) {
+    if (isInited()) {
+        gFlatInterfaceOwnsInit = false;
+        return;
+    }
+    init();
+    CodecManager::registerCodec(BmpCodec::create());
+}
+
+void orvantaIUDeInit(void) {
+    if (isInited() && gFlatInterfaceOwnsInit) deinit();
+}
+
+int orvantaIUGetImageFileInformation(const char16_t* path, int* type, int* width, int* height, int* quality) {
+    // The host's ints pass through as the codec layer's enumerations, in and out.
+    ImageType imageType = static_cast<ImageType>(type ? *type : 0);
+    ImageQuality imageQuality = static_cast<ImageQuality>(quality ? *quality : 0);
+    CSize size(0, 0);
+    const bool known = ImageCodec::getImageFileInformation(path, type ? &imageType : nullptr, &size,
+                                                           quality ? &imageQuality : nullptr);
+    if (type) *type = imageType;
+    if (quality) *quality = imageQuality;
+    if (width) *width = size.cx;
+    if (height) *height = size.cy;
+    return known;
+}
+
+int orvantaIUGetImageFileInformationU8(const char* path, int* type, int* width, int* height, int* quality) {
+    return orvantaIUGetImageFileInformation(CString::fromUtf8(path ? path : ""), type, width, height, quality);
+}
+
+int orvantaIUIsFileTypeSupported(const char16_t* path) { return CodecManager::getCodec(path) != nullptr; }
+
+int orvantaIUIsFileTypeSupportedU8(const char* path) {
+    return orvantaIUIsFileTypeSupported(CString::fromUtf8(path ? path : ""));
+}
+
+int GetOrvantaVersion(void) { return 0x10001; }
+
+}  // extern "C"

@@ -1,0 +1,38 @@
+/* The flat image interface: plain C functions for a host that only wants to ask what an image file
+ * is, and to shrink and convert one in a single call.
+ *
+ * Call orvantaIUInit first and orvantaIUDeInit last; GetOrvantaVersion may be called at any time.
+ * Paths are UTF-16 (char16_t); each function that takes a path has a twin with the suffix U8 that
+ * takes it in UTF-8. Types: 1 JPEG, 2 TIFF, 3 BMP. Qualities: 0 normal, 1 draft, 2 high. */
+#ifndef ORVANTA_CODECS_ORVANTAIU_H
+#define ORVANTA_CODECS_ORVANTAIU_H
+
+#ifdef __cplusplus
+extern "C" {
+#else
+#include <uchar.h>
+#endif
+
+#define ORVANTA_IU_API __attribute__((visibility("default")))
+
+/* Starts the library and registers its codecs, unless the host started the library itself. */
+ORVANTA_IU_API void orvantaIUInit(void);
+/* Stops the library, if orvantaIUInit started it. */
+ORVANTA_IU_API void orvantaIUDeInit(void);
+/* Non-zero when the file's type is known and, if its size was asked, its header could be read.
+ * width and height are always written (0 when unknown). */
+ORVANTA_IU_API int orvantaIUGetImageFileInformation(const char16_t* path, int* type, int* width, int* height,
+                                                    int* quality);
+ORVANTA_IU_API int orvantaIUGetImageFileInformationU8(const char* path, int* type, int* width, int* height,
+                                                      int* quality);
+/* Non-zero when a codec is registered for the file's extension. */
+ORVANTA_IU_API int orvantaIUIsFileTypeSupported(const char16_t* path);
+ORVANTA_IU_API int orvantaIUIsFileTypeSupportedU8(const char* path);
+/* 0x10001. */
+ORVANTA_IU_API int GetOrvantaVersion(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,80 @@
+#include "orvanta/platform/FileSystem.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <sys/stat.h>
+#include <cstdio>
+
+namespace Orvanta::Platform {
+
+namespace {
+FileSystem gPosix;
+FileSystem* gCurrent = &gPosix;
+
+// The kernel may be interrupted by a signal before it moved a byte; such calls are simply retried.
+template <typename Call>
+auto retryOnInterrupt(Call call) {
+    decltype(call()) result;
+    do {
+        result = call();
+    } while (result == -1 && errno == EINTR);
+    return result;
+}
+}  // namespace
+
+int FileSystem::open(const char* path, int flags, mode_t mode) {
+    return retryOnInterrupt([&] { return ::open(path, flags | O_CLOEXEC, mode); });
+}
+int FileSystem::close(int fd) { return ::close(fd); }
+ssize_t FileSystem::read(int fd, void* buffer, std::size_t size) {
+    return retryOnInterrupt([&] { return ::read(fd, buffer, size); });
+}
+ssize_t FileSystem::write(int fd, const void* data, std::size_t size) {
+    return retryOnInterrupt([&] { return ::write(fd, data, size); });
+}
+off_t FileSystem::seek(int fd, off_t offset, int whence) { return ::lseek(fd, offset, whence); }
+int FileSystem::truncate(int fd, off_t size) {
+    return retryOnInterrupt([&] { return ::ftruncate(fd, size); });
+}
+int FileSystem::sync(int fd) { return retryOnInterrupt([&] { return ::fsync(fd); }); }
+int FileSystem::stat(int fd, struct stat* info) { return ::fstat(fd, info); }
+int FileSystem::stat(const char* path, struct stat* info) { return ::stat(path, info); }
+int FileSystem::lock(int fd, int operation) {
+    return retryOnInterrupt([&] { return ::flock(fd, operation); });
+}
+void* FileSystem::map(std::size_t size, int protection, int flags, int fd, off_t offset) {
+    return ::mmap(nullptr, size, protection, flags, fd, offset);
+}
+int FileSystem::unmap(void* address, std::size_t size) { return ::munmap(address, size); }
+int FileSystem::setTimes(int fd, const struct timespec times[2]) { return ::futimens(fd, times); }
+int FileSystem::rename(const char* from, const char* to) { return ::rename(from, to); }
+int FileSystem::renameNoReplace(const char* from, const char* to) {
+    int result = ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+    if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;
+    // A file system without the no-replace flag: check, then rename. Not atomic, but only such
+    // file systems take this path.
+    struct stat existing;
+    if (::lstat(to, &existing) == 0) {
+        errno = EEXIST;
+        return -1;
+    }
+    return ::rename(from, to);
+}
+int FileSystem::birthTime(int fd, struct timespec* time) {
+    struct statx info;
+    if (::statx(fd, "", AT_EMPTY_PATH, STATX_BTIME | STATX_CTIME, &info) != 0) return -1;
+    const struct statx_timestamp& t = (info.stx_mask & STATX_BTIME) ? info.stx_btime : info.stx_ctime;
+    time->tv_sec = t.tv_sec;
+    time->tv_nsec = t.tv_nsec;
+    return 0;
+}
+int FileSystem::unlink(const char* path) { return ::unlink(path); }
+
+FileSystem& FileSystem::current() { return *gCurrent; }
+void FileSystem::install(FileSystem* replacement) { gCurrent = replacement ? replacement : &gPosix; }
+
+}  // namespace Orvanta::Platform

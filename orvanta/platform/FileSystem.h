@@ -1,0 +1,47 @@
+#pragma once
+// FileSystem: the kernel calls through which every file operation of the library passes.
+//
+// Contract: the methods have the meaning and the error convention (−1 or MAP_FAILED with errno) of
+// the POSIX calls they are named after. The process uses one instance, `current()`, which is the
+// plain POSIX one unless a test has installed a substitute to simulate a full disk, a short write,
+// a failing rename or a crash at a chosen point. Installing is not thread-safe: tests do it while
+// no other thread does I/O.
+
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include <cstddef>
+
+namespace Orvanta::Platform {
+
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+
+    virtual int open(const char* path, int flags, mode_t mode);
+    virtual int close(int fd);
+    virtual ssize_t read(int fd, void* buffer, std::size_t size);
+    virtual ssize_t write(int fd, const void* data, std::size_t size);
+    virtual off_t seek(int fd, off_t offset, int whence);
+    virtual int truncate(int fd, off_t size);
+    virtual int sync(int fd);
+    virtual int stat(int fd, struct stat* info);
+    virtual int stat(const char* path, struct stat* info);
+    virtual int lock(int fd, int operation);
+    virtual void* map(std::size_t size, int protection, int flags, int fd, off_t offset);
+    virtual int unmap(void* address, std::size_t size);
+    virtual int setTimes(int fd, const struct timespec times[2]);
+    virtual int rename(const char* from, const char* to);
+    // rename that fails with EEXIST instead of replacing an existing file, as the platform's
+    // plain move does.
+    virtual int renameNoReplace(const char* from, const char* to);
+    // The creation time where the file system records one (statx birth time), else the change time.
+    virtual int birthTime(int fd, struct timespec* time);
+    virtual int unlink(const char* path);
+
+    // The instance in use, and the swap for tests. install(nullptr) restores the POSIX one.
+    static FileSystem& current();
+    static void install(FileSystem* replacement);
+};
+
+}  // namespace Orvanta::Platform

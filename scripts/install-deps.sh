@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and demonstrating Orvanta need.
+# Idempotent: packages already present are skipped, and apt is not touched when nothing is missing.
+set -euo pipefail
+
+packages=(
+  # toolchain
+  g++
+  cmake
+  ninja-build
+  pkg-config
+  clang
+  libclang-rt-14-dev
+  # tests and benchmarks
+  libgtest-dev
+  libgmock-dev
+  libbenchmark-dev
+  # libraries the engine links
+  libicu-dev
+  # reference decoders the tests compare against
+  imagemagick
+  # real photographs for the demo
+  lomiri-wallpapers-20.04
+  mate-backgrounds
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "install-deps: installing ${missing[*]}"
+SUDO=""
+[ "$(id -u)" -eq 0 ] || SUDO=sudo
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,48 @@
+#include "tests/support/FaultyFileSystem.h"
+
+namespace OrvantaTest {
+
+FaultyFileSystem::FaultyFileSystem() { Orvanta::Platform::FileSystem::install(this); }
+FaultyFileSystem::~FaultyFileSystem() { Orvanta::Platform::FileSystem::install(nullptr); }
+
+ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
+    if (mWriteBudget >= 0) {
+        if (mWriteBudget == 0) {
+            errno = ENOSPC;
+            return -1;
+        }
+        if (static_cast<long long>(size) > mWriteBudget) size = static_cast<std::size_t>(mWriteBudget);
+    }
+    const ssize_t written = FileSystem::write(fd, data, size);
+    if (written > 0) {
+        mBytesWritten += written;
+        if (mWriteBudget >= 0) mWriteBudget -= written;
+    }
+    return written;
+}
+
+int FaultyFileSystem::rename(const char* from, const char* to) {
+    if (mRenameError) {
+        errno = mRenameError;
+        return -1;
+    }
+    return FileSystem::rename(from, to);
+}
+
+int FaultyFileSystem::renameNoReplace(const char* from, const char* to) {
+    if (mRenameError) {
+        errno = mRenameError;
+        return -1;
+    }
+    return FileSystem::renameNoReplace(from, to);
+}
+
+int FaultyFileSystem::sync(int fd) {
+    if (mFailSync) {
+        errno = EIO;
+        return -1;
+    }
+    return FileSystem::sync(fd);
+}
+
+}  // namespace OrvantaTest

@@ -1,0 +1,31 @@
+#pragma once
+// TempDir: a fresh folder for the files one test makes, removed with everything in it at the end.
+
+#include <string>
+
+#include "orvanta/platform/CString.h"
+
+namespace OrvantaTest {
+
+class TempDir {
+public:
+    // base: where to make it; the system's temporary folder by default.
+    explicit TempDir(const std::string& base = std::string());
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+
+    const std::string& path() const { return mPath; }
+    std::string file(const std::string& name) const { return mPath + "/" + name; }
+    // The same path as UTF-16, for the library's interfaces.
+    Orvanta::CString wide(const std::string& name) const { return Orvanta::CString::fromUtf8(file(name)); }
+
+private:
+    std::string mPath;
+};
+
+// Reads or writes a whole file in a test, outside the library.
+std::string readFileBytes(const std::string& path);
+void writeFileBytes(const std::string& path, const std::string& bytes);
+
+}  // namespace OrvantaTest
