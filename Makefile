@@ -27,7 +27,7 @@ test-asan:
 
 fuzz: deps
 	CC=clang CXX=clang++ cmake -S . -B build/fuzz $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-	  -DORVANTA_FUZZ=ON -DORVANTA_TESTS=OFF
+	  -DORVANTA_FUZZ=ON -DORVANTA_TESTS=OFF -DORVANTA_TOOLS=OFF
 	cmake --build build/fuzz -j $(JOBS)
 	FUZZ_SECONDS=$(FUZZ_SECONDS) bash fuzz/run-all.sh build/fuzz
 

@@ -5,8 +5,16 @@ set -euo pipefail
 orvanta=$1
 out=${DEMO_OUT:-build/demo}
 mkdir -p "$out"
-mapfile -t photos < <(find /usr/share/backgrounds -type f \( -iname '*.jpg' -o -iname '*.jpeg' -o -iname '*.tif' -o -iname '*.tiff' -o -iname '*.bmp' \) | sort | head -n 12)
+mapfile -t photos < <(find /usr/share/backgrounds -type f \( -iname '*.jpg' -o -iname '*.jpeg' -o -iname '*.tif' -o -iname '*.tiff' -o -iname '*.bmp' \) | sort | head -n 8)
 [ ${#photos[@]} -gt 0 ] || { echo "demo: no photographs under /usr/share/backgrounds" >&2; exit 1; }
 
+# A few of the photographs as bitmaps too, made by ImageMagick, so every codec has real input.
+bitmaps=()
+for photo in "${photos[@]:0:3}"; do
+  bmp="$out/$(basename "${photo%.*}").bmp"
+  [ -f "$bmp" ] || /usr/bin/convert "$photo" -resize 1600x1600 -type TrueColor "BMP3:$bmp"
+  bitmaps+=("$bmp")
+done
+
 echo "== What each picture is (orvanta info)"
-"$orvanta" info "${photos[@]}" || true
+"$orvanta" info "${photos[@]}" "${bitmaps[@]}" || true

@@ -1,6 +1,7 @@
 #include "orvanta/codecs/BmpCodec.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cstring>
 #include <memory>
@@ -20,6 +21,45 @@ namespace {
 // count does not fit an int (such a header cannot describe a picture this library can hold).
 long long rowBytes(const BITMAPINFOHEADER& h) {
     return 4LL * ((static_cast<long long>(h.biBitCount) * h.biWidth + 31) / 32);
+}
+
+// One colour channel of a 32-bit pixel as a bit mask says where it lies.
+class ChannelMask {
+public:
+    explicit ChannelMask(DWORD mask) : mMask(mask) {
+        if (!mask) return;
+        mShift = std::countr_zero(mask);
+        mBits = std::popcount(mask >> mShift);
+    }
+    // The channel of a pixel widened or narrowed to 8 bits.
+    unsigned char extract(DWORD pixel) const {
+        if (!mMask) return 0;
+        const DWORD value = (pixel & mMask) >> mShift;
+        if (mBits >= 8) return static_cast<unsigned char>(value >> (mBits - 8));
+        return static_cast<unsigned char>(value * 255 / ((1u << mBits) - 1));
+    }
+
+private:
+    DWORD mMask;
+    int mShift = 0;
+    int mBits = 0;
+};
+
+// Rewrites 32-bit pixels laid out by arbitrary masks as blue, green, red and a fourth byte (alpha
+// where the file has an alpha mask).
+void remapThroughMasks(unsigned char* bits, int stride, CSize size, const DWORD masks[4]) {
+    const ChannelMask red(masks[0]), green(masks[1]), blue(masks[2]), alpha(masks[3]);
+    for (int y = 0; y < size.cy; ++y) {
+        unsigned char* p = bits + static_cast<std::ptrdiff_t>(y) * stride;
+        for (int x = 0; x < size.cx; ++x, p += 4) {
+            DWORD pixel;
+            std::memcpy(&pixel, p, 4);
+            p[0] = blue.extract(pixel);
+            p[1] = green.extract(pixel);
+            p[2] = red.extract(pixel);
+            p[3] = alpha.extract(pixel);
+        }
+    }
 }
 
 void reverseRows(unsigned char* bits, int stride, int height) {
@@ -49,6 +89,17 @@ Dib* BmpCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, in
     if (!file->read(&header, sizeof header) || header.biBitCount < 24) return nullptr;
     if (header.biWidth <= 0 || header.biHeight == 0 || header.biHeight == INT_MIN) return nullptr;
 
+    // Colour masks follow the 40-byte header (they are fields of the longer headers at the same place).
+    DWORD masks[4] = {};
+    if (header.biCompression == BI_BITFIELDS) {
+        const bool hasAlphaMask = header.biSize >= BmpFormat::kInfoHeaderWithAlphaMaskSize;
+        if (header.biBitCount != 32 || !file->read(masks, hasAlphaMask ? 16 : 12)) return nullptr;
+    } else if (header.biCompression != BI_RGB) {
+        return nullptr;  // run-length coded, or a JPEG or PNG inside
+    }
+    const bool standardMasks = header.biCompression == BI_RGB ||
+                               (masks[0] == 0x00ff0000 && masks[1] == 0x0000ff00 && masks[2] == 0x000000ff);
+
     const int height = header.biHeight < 0 ? -header.biHeight : header.biHeight;
     OwnedPtr<Dib> dib = DibSection::create(header.biWidth, height, header.biBitCount / 8);
     if (!dib) return nullptr;
@@ -58,6 +109,7 @@ Dib* BmpCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, in
     if (!file->seek(static_cast<int>(fileHeader.bfOffBits)) || !file->read(dib->getBits(), static_cast<int>(size)))
         return nullptr;
     if (header.biHeight > 0) reverseRows(dib->getBits(), dib->getStride(), height);
+    if (!standardMasks) remapThroughMasks(dib->getBits(), dib->getStride(), dib->getSize(), masks);
     if (originalSize) *originalSize = dib->getSize();
 
     return dib.detach();

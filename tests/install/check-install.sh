@@ -17,7 +17,7 @@ pcdir=$(dirname "$(find "$prefix" -name orvanta.pc | head -n 1)")
 
 # Sanitizer builds need their runtime in the consumers too.
 extra=""
-if nm -D "$(find "$prefix" -name 'liborvanta.so' | head -n 1)" 2>/dev/null | grep -q __asan_init; then
+if readelf -d "$(find "$prefix" -name 'liborvanta.so' | head -n 1)" | grep -q 'NEEDED.*libasan'; then
   extra="-fsanitize=address,undefined"
 fi
 
