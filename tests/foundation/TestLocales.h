@@ -1,0 +1,50 @@
+#pragma once
+// Locale and time zone settings for tests of dates in the user's locale.
+//
+// ensureLocale makes a locale such as "de_DE.UTF-8" available to setlocale: if the system lacks it,
+// it is built with localedef into a private folder under the temporary folder (kept and shared by
+// later test runs) that LOCPATH then points at. Tests skip when it cannot be had.
+
+#include <string>
+
+namespace OrvantaTest {
+
+bool ensureLocale(const std::string& name);
+
+// Sets the process's locale (all categories) for the lifetime of the object.
+class ScopedLocale {
+public:
+    explicit ScopedLocale(const std::string& name);
+    ~ScopedLocale();
+    ScopedLocale(const ScopedLocale&) = delete;
+    ScopedLocale& operator=(const ScopedLocale&) = delete;
+    bool ok() const { return mOk; }
+
+private:
+    std::string mSaved;
+    bool mOk = false;
+};
+
+// Sets TZ (a POSIX rule such as "CET-1CEST,M3.5.0,M10.5.0/3") for the lifetime of the object.
+class ScopedTimeZone {
+public:
+    explicit ScopedTimeZone(const char* rule);
+    ~ScopedTimeZone();
+    ScopedTimeZone(const ScopedTimeZone&) = delete;
+    ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
+
+private:
+    std::string mSaved;
+    bool mHadValue = false;
+};
+
+// Central European time with its daylight saving rule; needs no time zone database.
+constexpr const char* kCentralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
+
+}  // namespace OrvantaTest
+
+#define ORVANTA_REQUIRE_LOCALE(name)                                                                     \
+    do {                                                                                                 \
+        if (!OrvantaTest::ensureLocale(name))                                                            \
+            GTEST_SKIP() << "locale " << (name) << " is not installed and localedef could not build it"; \
+    } while (0)
