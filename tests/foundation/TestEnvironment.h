@@ -1,12 +1,14 @@
 #pragma once
-// Environment settings for tests: locales and time zones for dates in the user's locale, and
-// variables such as XDG_DATA_HOME, each set for the lifetime of an object.
+// Process settings for tests: locales and time zones for dates in the user's locale, variables
+// such as XDG_DATA_HOME, the current resource module; each set for the lifetime of an object.
 //
 // ensureLocale makes a locale such as "de_DE.UTF-8" available to setlocale: if the system lacks it,
 // it is built with localedef into a private folder under the temporary folder (kept and shared by
 // later test runs) that LOCPATH then points at. Tests skip when it cannot be had.
 
 #include <string>
+
+#include "orvanta/platform/ResourceModule.h"
 
 namespace OrvantaTest {
 
@@ -48,6 +50,21 @@ public:
 
 private:
     ScopedVariable mVariable;
+};
+
+// Makes a resource module the current one for the lifetime of the object.
+class ScopedResourceModule {
+public:
+    explicit ScopedResourceModule(Orvanta::Platform::ResourceModule* module)
+        : mSaved(Orvanta::Platform::ResourceModule::current()) {
+        Orvanta::Platform::ResourceModule::setCurrent(module);
+    }
+    ~ScopedResourceModule() { Orvanta::Platform::ResourceModule::setCurrent(mSaved); }
+    ScopedResourceModule(const ScopedResourceModule&) = delete;
+    ScopedResourceModule& operator=(const ScopedResourceModule&) = delete;
+
+private:
+    Orvanta::Platform::ResourceModule* mSaved;
 };
 
 // Central European time with its daylight saving rule; needs no time zone database.
