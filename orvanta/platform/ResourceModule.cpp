@@ -67,12 +67,13 @@ bool parsePicture(const unsigned char* data, std::size_t size, ResourcePicture* 
     if (pixelOffset < 0) pixelOffset = paletteEnd;
     const long long rows = h.biHeight < 0 ? -static_cast<long long>(h.biHeight) : h.biHeight;
     const long long sourceStride = rowBytes(h.biWidth, bitCount);
+    // Row counts are checked by division: a header may claim billions of rows of billions of bytes.
     if (paletteEnd > static_cast<long long>(dibSize) || pixelOffset < paletteEnd ||
-        sourceStride * rows > static_cast<long long>(dibSize) - pixelOffset)
+        rows > (static_cast<long long>(dibSize) - pixelOffset) / sourceStride)
         return false;
     const int targetBits = bitCount <= 8 ? 24 : bitCount;
     const long long targetStride = rowBytes(h.biWidth, targetBits);
-    if (targetStride * rows > INT_MAX) return false;
+    if (rows > INT_MAX / targetStride) return false;
 
     ResourcePicture picture;
     picture.header = h;

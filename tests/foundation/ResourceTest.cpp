@@ -222,6 +222,11 @@ TEST(ResourceBitmap, MalformedDataIsRefused) {
     const std::string hugePalette =
         packedDib(1, 1, 8, std::vector<Orvanta::RGBQUAD>(300), std::string(4, '\0'));
     EXPECT_FALSE(module.addBitmap(1, hugePalette.data(), hugePalette.size()));
+    // Sizes whose products overflow 64 bits must be refused, not wrapped into something small.
+    const std::string huge = packedDib(0x7fffffff, 0x7fffffff, 32, {}, std::string(64, '\0'));
+    EXPECT_FALSE(module.addBitmap(1, huge.data(), huge.size()));
+    const std::string hugeDown = packedDib(0x40000000, -0x7fff0000, 24, {}, std::string(64, '\0'));
+    EXPECT_FALSE(module.addBitmap(1, hugeDown.data(), hugeDown.size()));
     EXPECT_EQ(module.loadBitmap(1), nullptr) << "nothing was added";
 }
 
