@@ -56,8 +56,12 @@ bool buildLocale(const std::string& name, const std::string& folder) {
 }  // namespace
 
 bool ensureLocale(const std::string& name) {
-    if (localeLoads(name)) return true;
     const std::string folder = privateLocaleFolder();
+    const char* searched = std::getenv("LOCPATH");
+    const bool privateFolderInUse = searched && folder == searched;
+    if (!privateFolderInUse && localeLoads(name)) return true;
+    // The C library remembers a locale it failed to find in a folder, so it is built before it is
+    // ever looked for there.
     if (!buildLocale(name, folder)) return false;
     setenv("LOCPATH", folder.c_str(), 1);
     return localeLoads(name);
