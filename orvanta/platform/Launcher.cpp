@@ -71,18 +71,19 @@ bool startProgram(const std::string& program, const std::string& parameters,
 
 bool launch(const std::string& target, const std::string& parameters, const std::string& workingDirectory) {
     if (target.empty()) return false;
-    if (target[0] != '/' && isAddress(target)) return openWithDefault(target);
     std::string path = target;
     if (path[0] != '/' && !workingDirectory.empty()) path = workingDirectory + "/" + path;
     struct stat info;
-    if (FileSystem::current().stat(path.c_str(), &info) != 0) {
-        if (target.find('/') != std::string::npos) return false;
-        GText found(g_find_program_in_path(target.c_str()));
-        return found && startProgram(found.get(), parameters, workingDirectory);
+    if (FileSystem::current().stat(path.c_str(), &info) == 0) {
+        if (isProgram(path)) return startProgram(path, parameters, workingDirectory);
+        GText uri(g_filename_to_uri(path.c_str(), nullptr, nullptr));
+        return uri && openWithDefault(uri.get());
     }
-    if (isProgram(path)) return startProgram(path, parameters, workingDirectory);
-    GText uri(g_filename_to_uri(path.c_str(), nullptr, nullptr));
-    return uri && openWithDefault(uri.get());
+    // A file name may hold a colon, so an address is only what names no file.
+    if (isAddress(target)) return openWithDefault(target);
+    if (target.find('/') != std::string::npos) return false;
+    GText found(g_find_program_in_path(target.c_str()));
+    return found && startProgram(found.get(), parameters, workingDirectory);
 }
 
 }  // namespace Orvanta::Platform

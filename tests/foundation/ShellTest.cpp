@@ -286,9 +286,10 @@ TEST(ShellLaunch, StartsAProgramWithItsParametersInTheCurrentFolder) {
 
 TEST(ShellLaunch, RelativeProgramsAreFoundInTheCurrentFolder) {
     TempDir dir;
-    writeScript(dir.file("touch.sh"), "touch '" + dir.file("touched") + "'\n");
+    // The colon makes the name look like an address; a file of that name comes first.
+    writeScript(dir.file("run:touch.sh"), "touch '" + dir.file("touched") + "'\n");
     const CString before = Orvanta::setCurDirectory(CString::fromUtf8(dir.path()));
-    const bool started = Orvanta::launch(u"touch.sh");
+    const bool started = Orvanta::launch(u"run:touch.sh");
     Orvanta::setCurDirectory(before);
     ASSERT_TRUE(started);
     EXPECT_TRUE(waitForFile(dir.file("touched")));
