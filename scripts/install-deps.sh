@@ -17,6 +17,11 @@ packages=(
   libbenchmark-dev
   # libraries the engine links
   libicu-dev
+  # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)
+  uuid-dev
+  libglib2.0-dev
+  # locale sources, so the date tests can build en_US and de_DE locales with localedef
+  locales
   # reference decoders the tests compare against
   imagemagick
   # real photographs for the demo

@@ -67,6 +67,29 @@ struct FILETIME {
     DWORD dwHighDateTime;
 };
 
+// A calendar date and time of day in separate fields; wDayOfWeek counts from Sunday = 0.
+struct SYSTEMTIME {
+    WORD wYear;
+    WORD wMonth;
+    WORD wDayOfWeek;
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+};
+static_assert(sizeof(SYSTEMTIME) == 16);
+
+// A 128-bit identifier. Data1..Data3 are integers in the machine's byte order; stored on disk they
+// are little-endian, so the 16 bytes of a GUID on disk are its memory image on a little-endian host.
+struct GUID {
+    DWORD Data1;
+    WORD Data2;
+    WORD Data3;
+    BYTE Data4[8];
+};
+static_assert(sizeof(GUID) == 16);
+
 // Error numbers the library compares, with their Windows values.
 constexpr int ERROR_FILE_NOT_FOUND = 2;
 constexpr int ERROR_PATH_NOT_FOUND = 3;
