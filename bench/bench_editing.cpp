@@ -43,7 +43,9 @@ Dib* photo() {
         if (codec && codec->getCodecType() == CodecTypeImage)
             return OwnedPtr<Dib>(static_cast<ImageCodec*>(codec)->read(CString::fromUtf8(jpeg), &size, 0, 0));
         const std::string bmp = dir + "/photo24-decoded.bmp";
-        if (!std::filesystem::exists(bmp)) {
+        std::error_code error;
+        if (!std::filesystem::exists(bmp) ||
+            std::filesystem::last_write_time(bmp, error) < std::filesystem::last_write_time(jpeg, error)) {
             const std::string command = "/usr/bin/convert '" + jpeg + "' -depth 8 -type TrueColor 'BMP3:" + bmp + "'";
             if (std::system(command.c_str()) != 0) return OwnedPtr<Dib>();
         }
