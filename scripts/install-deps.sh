@@ -22,6 +22,8 @@ packages=(
   libglib2.0-dev
   # locale sources, so the date tests can build en_US and de_DE locales with localedef
   locales
+  # picture scaling by the platform (pixman compositing)
+  libpixman-1-dev
   # reference decoders the tests compare against
   imagemagick
   # real photographs for the demo
