@@ -17,6 +17,8 @@ packages=(
   libbenchmark-dev
   # libraries the engine links
   libicu-dev
+  # picture scaling by the platform (pixman compositing)
+  libpixman-1-dev
   # reference decoders the tests compare against
   imagemagick
   # real photographs for the demo
