@@ -5,12 +5,9 @@
 #include <cmath>
 #include <cstddef>
 
-namespace Orvanta {
+#include "orvanta/editing/DibPoint.h"
 
-int truncToInt(double v) {
-    if (!(v > -2147483649.0 && v < 2147483648.0)) return INT_MIN;
-    return static_cast<int>(v);
-}
+namespace Orvanta {
 
 PicFixCurve::Histogram PicFixCurve::brightnessHistogram(const unsigned char* buffer, int width, int height,
                                                         int deltaX, int deltaY) {

@@ -62,8 +62,4 @@ private:
     int mClipBudget = 0;
 };
 
-// Conversion toward zero of a double that may be out of range or not a number: such a value answers
-// INT_MIN, the integer-indefinite value of the x86 conversion instruction, so the result is defined.
-int truncToInt(double v);
-
 }  // namespace Orvanta
