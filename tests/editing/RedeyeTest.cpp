@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
-
-#include <unistd.h>
 
 #include "orvanta/codecs/BmpCodec.h"
 #include "orvanta/editing/EditableDib.h"
@@ -16,7 +13,7 @@
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
-#include "tests/support/TempDir.h"
+#include "tests/editing/Photographs.h"
 #include "tests/support/TestData.h"
 #include "tests/support/TestPictures.h"
 
@@ -544,16 +541,8 @@ TEST(RedeyeOp, RealPhotographBmp) {
 
 TEST(RedeyeOp, RealPhotographJpeg) {
     ORVANTA_REQUIRE_TESTDATA();
-    // Decoded by ImageMagick into a BMP, so that the test does not depend on the JPEG decoder.
-    if (access("/usr/bin/convert", X_OK) != 0) GTEST_SKIP() << "ImageMagick is not installed";
-    OrvantaTest::TempDir dir;
-    const std::string source = OrvantaTest::testDataPath("redeye/redeye-boldredeye-nikon-d40-300x226.jpg");
-    const std::string command =
-        "/usr/bin/convert '" + source + "' -type TrueColor 'BMP3:" + dir.file("photo.bmp") + "' 2>/dev/null";
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    OwnedPtr<BmpCodec> codec = BmpCodec::create();
-    OwnedPtr<Dib> photo = codec->read(dir.wide("photo.bmp"), nullptr, 0, 0);
-    ASSERT_NE(photo.get(), nullptr);
+    OwnedPtr<Dib> photo = OrvantaTest::loadPhotograph("redeye/redeye-boldredeye-nikon-d40-300x226.jpg");
+    if (!photo) GTEST_SKIP() << "no JPEG decoder here (neither the library's nor ImageMagick)";
     ASSERT_EQ(photo->getSize(), CSize(300, 226));
     checkPhotograph(photo, {{83, 101}, {225, 101}}, 16);
 }
