@@ -10,7 +10,9 @@
 
 namespace Orvanta {
 
-PicFixOp* PicFixOp::create() { return new PicFixOp(); }
+PicFixOp* PicFixOp::create() {
+    return new PicFixOp();
+}
 
 Dib* PicFixOp::doOp(Dib* dib, UndoOp** undo) {
     const CSize size = dib->getSize();
@@ -39,12 +41,13 @@ void PicFixOp::doOpInPlace(Dib* dib, UndoOp** undo) {
 void PicFixOp::fix(const DibWalker& source, DibWalker& dest) {
     if (source.getPixelSize() == 1) throw Exception(u"getPixel call expecting RGB dib");
     if (dest.getPixelSize() == 1) throw Exception(u"setPixel call expecting RGB dib");
-    const PicFixCurve curve =
-        PicFixCurve::build(PicFixCurve::brightnessHistogram(source.getBuffer(), source.width(), source.height(),
-                                                            source.getDeltaX(), source.getDeltaY()),
-                           source.totalPixels());
-    PicFixPixelMap(curve).mapView(source.getBuffer(), source.getDeltaX(), source.getDeltaY(), dest.getBuffer(),
-                                  dest.getDeltaX(), dest.getDeltaY(), dest.width(), dest.height());
+    const PicFixCurve curve = PicFixCurve::build(
+        PicFixCurve::brightnessHistogram(source.getBuffer(), source.width(), source.height(),
+                                         source.getDeltaX(), source.getDeltaY()),
+        source.totalPixels());
+    PicFixPixelMap(curve).mapView(source.getBuffer(), source.getDeltaX(), source.getDeltaY(),
+                                  dest.getBuffer(), dest.getDeltaX(), dest.getDeltaY(), dest.width(),
+                                  dest.height());
 }
 
 }  // namespace Orvanta

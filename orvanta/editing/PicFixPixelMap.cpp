@@ -2,11 +2,48 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "orvanta/platform/TargetClones.h"
 
 namespace Orvanta {
 
-PicFixPixelMap::PicFixPixelMap(const PicFixCurve& curve)
-    : mTop(new unsigned char[256 * 256]()), mBottom(new unsigned char[256 * 256]()) {
+namespace {
+
+constexpr unsigned kResultCount = 256 * 257 * 258 / 6;
+
+// The result index of each channel of a row of packed blue-green-red pixels (deltaX 3).
+ORVANTA_AVX2_CLONE
+void resultIndexes(const unsigned char* __restrict pixels, std::uint32_t* __restrict indexes, int width) {
+    for (int x = 0; x < width; ++x) {
+        const std::uint32_t b = pixels[3 * x], g = pixels[3 * x + 1], r = pixels[3 * x + 2];
+        const std::uint32_t top = std::max(std::max(r, g), b);
+        const std::uint32_t chroma = top - std::min(std::min(r, g), b);
+        const std::uint32_t start = top * (top + 1) * (top + 2) / 6 + chroma * (chroma + 1) / 2 + top;
+        indexes[3 * x] = start - b;
+        indexes[3 * x + 1] = start - g;
+        indexes[3 * x + 2] = start - r;
+    }
+}
+
+// The results of one row (M, d): for a = M - c from 0 to d, the formula itself in its stated order
+// (-ffp-contract=off keeps the compiler from fusing it). The curve is at most 255, so the value is
+// below 256 and its conversion in range.
+ORVANTA_AVX2_CLONE
+void fillRow(unsigned char* __restrict row, int top, int chroma, double k, double v, double s,
+             double oneMinusS) {
+    for (int a = 0; a <= chroma; ++a) {
+        const double shifted = v - a;
+        const double scaled = (top - a) * k;
+        const double c = shifted * oneMinusS + scaled * s;
+        row[a] = static_cast<unsigned char>(c < 0 ? 0 : static_cast<int>(c));
+    }
+}
+
+}  // namespace
+
+PicFixPixelMap::PicFixPixelMap(const PicFixCurve& curve) : mResults(new unsigned char[kResultCount]) {
     for (int m = 1; m < 256; ++m) {
         mK[m] = static_cast<double>(curve[m]) / m;
         mV[m] = m * mK[m];
@@ -15,56 +52,47 @@ PicFixPixelMap::PicFixPixelMap(const PicFixCurve& curve)
         mS[d] = d / 255.0;
         mOneMinusS[d] = 1 - mS[d];
     }
-    for (int m = 1; m < 256; ++m) {
-        for (int d = 0; d <= m; ++d) {
-            mTop[m * 256 + d] = static_cast<unsigned char>(channel(m, d, m));
-            mBottom[m * 256 + d] = static_cast<unsigned char>(channel(m, d, m - d));
-        }
-    }
-}
-
-// The formula itself, in its stated order; -ffp-contract=off keeps the compiler from fusing it.
-inline int PicFixPixelMap::channel(int brightness, int chroma, int c) const {
-    const double shifted = mV[brightness] - (brightness - c);
-    const double scaled = c * mK[brightness];
-    const double v = shifted * mOneMinusS[chroma] + scaled * mS[chroma];
-    // The curve is at most 255, so v is below 256 and the conversion is in range.
-    return v < 0 ? 0 : static_cast<int>(v);
+    // Brightness 0 is black, never mapped; its one entry is black too.
+    mResults[0] = 0;
+    for (int m = 1; m < 256; ++m)
+        for (int d = 0; d <= m; ++d)
+            fillRow(&mResults[resultIndex(m, d, m)], m, d, mK[m], mV[m], mS[d], mOneMinusS[d]);
 }
 
 bool PicFixPixelMap::mapPixel(unsigned char& r, unsigned char& g, unsigned char& b) const {
-    const int top = std::max({r, g, b});
+    const unsigned top = std::max({r, g, b});
     if (top == 0) return false;
-    const int chroma = top - std::min({r, g, b});
-    const int nr = channel(top, chroma, r), ng = channel(top, chroma, g), nb = channel(top, chroma, b);
-    r = static_cast<unsigned char>(nr);
-    g = static_cast<unsigned char>(ng);
-    b = static_cast<unsigned char>(nb);
+    const unsigned chroma = top - std::min({r, g, b});
+    const unsigned char nr = mResults[resultIndex(top, chroma, r)];
+    const unsigned char ng = mResults[resultIndex(top, chroma, g)];
+    b = mResults[resultIndex(top, chroma, b)];
+    r = nr;
+    g = ng;
     return true;
 }
 
 void PicFixPixelMap::mapView(const unsigned char* src, int srcDeltaX, int srcDeltaY, unsigned char* dst,
                              int dstDeltaX, int dstDeltaY, int width, int height) const {
-    const unsigned char* top = mTop.get();
-    const unsigned char* bottom = mBottom.get();
+    const unsigned char* results = mResults.get();
+    std::vector<std::uint32_t> indexes(static_cast<std::size_t>(width) * 3);
+    std::vector<unsigned char> packed;
     for (int y = 0; y < height; ++y) {
         const unsigned char* s = src + static_cast<ptrdiff_t>(srcDeltaY) * y;
         unsigned char* d = dst + static_cast<ptrdiff_t>(dstDeltaY) * y;
-        for (int x = 0; x < width; ++x, s += srcDeltaX, d += dstDeltaX) {
-            const int b = s[0], g = s[1], r = s[2];
-            const int hi = std::max({r, g, b});
-            if (hi == 0) continue;
-            const int lo = std::min({r, g, b});
-            const int chroma = hi - lo;
-            const int index = hi * 256 + chroma;
-            const unsigned char atTop = top[index];
-            const unsigned char atBottom = bottom[index];
-            // The channel that is neither the largest nor the smallest; when two channels tie, it
-            // equals one of them and its result is not used.
-            const unsigned char middle = static_cast<unsigned char>(channel(hi, chroma, r + g + b - hi - lo));
-            d[0] = b == hi ? atTop : b == lo ? atBottom : middle;
-            d[1] = g == hi ? atTop : g == lo ? atBottom : middle;
-            d[2] = r == hi ? atTop : r == lo ? atBottom : middle;
+        if (srcDeltaX != 3) {
+            // 4-byte or turned views: gather the row into packed pixels first.
+            packed.resize(static_cast<std::size_t>(width) * 3);
+            for (int x = 0; x < width; ++x)
+                std::copy_n(s + static_cast<ptrdiff_t>(srcDeltaX) * x, 3, &packed[3 * x]);
+            s = packed.data();
+        }
+        resultIndexes(s, indexes.data(), width);
+        const std::uint32_t* index = indexes.data();
+        for (int x = 0; x < width; ++x, s += 3, d += dstDeltaX, index += 3) {
+            if ((s[0] | s[1] | s[2]) == 0) continue;
+            d[0] = results[index[0]];
+            d[1] = results[index[1]];
+            d[2] = results[index[2]];
         }
     }
 }

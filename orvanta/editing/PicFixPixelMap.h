@@ -7,7 +7,7 @@
 // becomes trunc(max(0, (V - (M - c)) * (1 - s) + (c * k) * s)): grey pixels take the curve as an
 // addition (channel differences kept), saturated ones as a multiplication (ratios kept), and the rest
 // a blend by their own chroma. The results are the exact doubles of that formula, computed in that
-// order; the tables below only save recomputing the parts shared by many pixels.
+// order, once for every (M, m, c) there is; the pass over pixels only looks them up.
 
 #include <array>
 #include <memory>
@@ -29,19 +29,21 @@ public:
     void mapView(const unsigned char* src, int srcDeltaX, int srcDeltaY, unsigned char* dst, int dstDeltaX,
                  int dstDeltaY, int width, int height) const;
 
-private:
-    int channel(int brightness, int chroma, int c) const;
+    // Where the result for channel value c of a pixel of brightness M and chroma d is kept: the
+    // results of (M, d) form a row of d + 1 bytes, by M - c, and the rows lie in order of M, then d.
+    static unsigned resultIndex(unsigned brightness, unsigned chroma, unsigned c) {
+        return brightness * (brightness + 1) * (brightness + 2) / 6 + chroma * (chroma + 1) / 2 + brightness -
+               c;
+    }
 
+private:
     // Per brightness M: k = curve[M] / M and V = M * k.
     std::array<double, 256> mK{};
     std::array<double, 256> mV{};
     // Per chroma d = M - m: s = d / 255.0 and 1 - s.
     std::array<double, 256> mS{};
     std::array<double, 256> mOneMinusS{};
-    // The results for the largest channel (c = M) and the smallest (c = m), indexed M * 256 + d; only
-    // a middle channel needs the formula per pixel.
-    std::unique_ptr<unsigned char[]> mTop;
-    std::unique_ptr<unsigned char[]> mBottom;
+    std::unique_ptr<unsigned char[]> mResults;
 };
 
 }  // namespace Orvanta

@@ -10,7 +10,8 @@ namespace {
 
 // Pixel (x, y) of a view; the caller keeps (x, y) inside it.
 inline unsigned char* at(const CGrNav& nav, int x, int y) {
-    return nav.buffer + static_cast<std::ptrdiff_t>(nav.deltaY) * y + static_cast<std::ptrdiff_t>(nav.deltaX) * x;
+    return nav.buffer + static_cast<std::ptrdiff_t>(nav.deltaY) * y +
+           static_cast<std::ptrdiff_t>(nav.deltaX) * x;
 }
 
 // The largest search distance of the seed, whatever the box.
@@ -20,7 +21,9 @@ constexpr int kLeastRedness = 8;
 // A region that escapes the box above this redness is a red thing larger than the box, not a pupil.
 constexpr int kHighRedness = 128;
 
-bool reachesEdge(const CRect& r, int w, int h) { return r.left <= 0 || r.top <= 0 || r.right >= w || r.bottom >= h; }
+bool reachesEdge(const CRect& r, int w, int h) {
+    return r.left <= 0 || r.top <= 0 || r.right >= w || r.bottom >= h;
+}
 
 }  // namespace
 
@@ -48,8 +51,8 @@ struct RedeyeDetector::Regions {
             count[t] += count[t + 1];
             CRect& r = rect[t];
             const CRect& above = rect[t + 1];
-            r = CRect(std::min(r.left, above.left), std::min(r.top, above.top), std::max(r.right, above.right),
-                      std::max(r.bottom, above.bottom));
+            r = CRect(std::min(r.left, above.left), std::min(r.top, above.top),
+                      std::max(r.right, above.right), std::max(r.bottom, above.bottom));
         }
     }
 };

@@ -35,7 +35,8 @@ Dib* RedeyeOp::doOp(Dib* dib, UndoOp** undo) {
     const long long right = std::min(px + mRadius + 1, static_cast<long long>(size.cx));
     const long long bottom = std::min(py + mRadius + 1, static_cast<long long>(size.cy));
     if (right <= left || bottom <= top) return nullptr;
-    const CRect box(static_cast<int>(left), static_cast<int>(top), static_cast<int>(right), static_cast<int>(bottom));
+    const CRect box(static_cast<int>(left), static_cast<int>(top), static_cast<int>(right),
+                    static_cast<int>(bottom));
 
     DibWalker sourceBox(dib, box.left, box.top, box.width(), box.height());
     DibWalker destBox(result.get(), box.left, box.top, box.width(), box.height());
@@ -44,9 +45,9 @@ Dib* RedeyeOp::doOp(Dib* dib, UndoOp** undo) {
     mask1.fillSolid(0);
     mask2.fillSolid(0);
 
-    const CRect found = RedeyeDetector::detect(sourceBox.getGrNav(), destBox.getGrNav(), static_cast<int>(px - left),
-                                               static_cast<int>(py - top), mask1.getGrNav(), mask2.getGrNav(),
-                                               true, false);
+    const CRect found =
+        RedeyeDetector::detect(sourceBox.getGrNav(), destBox.getGrNav(), static_cast<int>(px - left),
+                               static_cast<int>(py - top), mask1.getGrNav(), mask2.getGrNav(), true, false);
     if (found == CRect()) return nullptr;
     if (undo) *undo = UndoOp::create(this, &sourceBox, box.topLeft());
     return result.detach();

@@ -175,7 +175,8 @@ TEST(PicFixCurve, GammaCurveKeepsBothEnds) {
 
 TEST(PicFixCurve, EachEndGivesUpAtMostThreePercent) {
     // 1000 pixels: budget 30, the tallest bin 500 so the limit 25.
-    const Histogram h = histogramOf({{0, 10}, {1, 10}, {2, 15}, {100, 500}, {200, 400}, {253, 20}, {254, 25}});
+    const Histogram h =
+        histogramOf({{0, 10}, {1, 10}, {2, 15}, {100, 500}, {200, 400}, {253, 20}, {254, 25}});
     ASSERT_EQ(totalOf(h), 980);
     const PicFixCurve c = PicFixCurve::build(h, 1000);
     EXPECT_EQ(c.getClipBudget(), 30);
@@ -310,6 +311,18 @@ TEST(PicFixPixelMap, TablesGiveTheFormulasExactDoublesForEveryColour) {
                 << "colour " << in.r << "," << in.g << "," << in.b << " gave " << got.r << "," << got.g << ","
                 << got.b << " wanted " << want.r << "," << want.g << "," << want.b;
         }
+        // The same pixels four bytes apart, written in place: the same colour bytes, the fourth kept.
+        std::vector<unsigned char> quads(static_cast<std::size_t>(count) * 4);
+        for (int i = 0; i < count; ++i) {
+            std::copy_n(&pixels[3 * i], 3, &quads[4 * i]);
+            quads[4 * i + 3] = static_cast<unsigned char>(i);
+        }
+        map.mapView(quads.data(), 4, 0, quads.data(), 4, 0, count, 1);
+        for (int i = 0; i < count; ++i) {
+            const bool black = (pixels[3 * i] | pixels[3 * i + 1] | pixels[3 * i + 2]) == 0;
+            for (int c = 0; c < 3; ++c) ASSERT_EQ(quads[4 * i + c], black ? 0 : out[3 * i + c]) << i;
+            ASSERT_EQ(quads[4 * i + 3], static_cast<unsigned char>(i));
+        }
     }
 }
 
@@ -336,7 +349,12 @@ TEST(PicFixOp, TinyFlatGreyPictureIsOnlyLiftedToMidGrey) {
 
 TEST(PicFixOp, AllBlackPictureStaysBlackAndIsNotWritten) {
     for (int width : {3, 4}) {
-        OwnedPtr<Dib> dib = makeDib(width, 3, [](int, int) { return Rgb{0, 0, 0}; }, 4);
+        OwnedPtr<Dib> dib = makeDib(
+            width, 3,
+            [](int, int) {
+                return Rgb{0, 0, 0};
+            },
+            4);
         // The fourth bytes carry a mark that only a write of the whole pixel memory would disturb.
         for (int i = 3; i < dib->getBitsSize(); i += 4) dib->getBits()[i] = 0x5A;
         const std::string before(reinterpret_cast<char*>(dib->getBits()), dib->getBitsSize());
@@ -458,7 +476,8 @@ TEST(PicFixOp, RealPhotographsMatchThePlainRule) {
             for (int x = 0; x < size.cx; ++x) {
                 const Rgb p = pixelAt(photo, x, y), got = pixelAt(out, x, y);
                 const Rgb want = p.r | p.g | p.b ? referencePixel(curve, p) : Rgb{0, 0, 0};
-                ASSERT_TRUE(got.r == want.r && got.g == want.g && got.b == want.b) << name << " at " << x << "," << y;
+                ASSERT_TRUE(got.r == want.r && got.g == want.g && got.b == want.b)
+                    << name << " at " << x << "," << y;
             }
         // The in-place form over the same pixels gives the same bytes.
         op->doOpInPlace(photo, nullptr);

@@ -26,7 +26,9 @@ struct Rgb {
     bool operator==(const Rgb&) const = default;
 };
 
-std::ostream& operator<<(std::ostream& os, const Rgb& c) { return os << "(" << c.r << "," << c.g << "," << c.b << ")"; }
+std::ostream& operator<<(std::ostream& os, const Rgb& c) {
+    return os << "(" << c.r << "," << c.g << "," << c.b << ")";
+}
 
 // A blue-first picture held in plain memory, with the views the detector takes.
 class Picture {
@@ -61,7 +63,9 @@ public:
         : mWidth(width), mHeight(height), mBytes(static_cast<std::size_t>(width) * height, value) {}
     CGrNav nav() { return CGrNav(mBytes.data(), mWidth, 1, mWidth, mHeight); }
     unsigned char get(int x, int y) const { return mBytes[static_cast<std::size_t>(y) * mWidth + x]; }
-    void set(int x, int y, int v) { mBytes[static_cast<std::size_t>(y) * mWidth + x] = static_cast<unsigned char>(v); }
+    void set(int x, int y, int v) {
+        mBytes[static_cast<std::size_t>(y) * mWidth + x] = static_cast<unsigned char>(v);
+    }
     int width() const { return mWidth; }
     int height() const { return mHeight; }
 
@@ -88,7 +92,9 @@ constexpr Rgb kGrey{60, 60, 60};
 constexpr Rgb kPupil{200, 40, 30};  // redness 227 - 71 = 156
 constexpr Rgb kRim{150, 60, 40};    // redness 194 - 100 = 94
 
-bool inside(int x, int y, const CRect& r) { return x >= r.left && x < r.right && y >= r.top && y < r.bottom; }
+bool inside(int x, int y, const CRect& r) {
+    return x >= r.left && x < r.right && y >= r.top && y < r.bottom;
+}
 
 Dib* toDib(Picture& p, int width, int height) {
     DibSection* dib = DibSection::create(width, height, 3);
@@ -97,7 +103,8 @@ Dib* toDib(Picture& p, int width, int height) {
         for (int x = 0; x < width; ++x) {
             const Rgb c = p.get(x, y);
             w.goTo(x, y);
-            w.setPixel(static_cast<unsigned char>(c.r), static_cast<unsigned char>(c.g), static_cast<unsigned char>(c.b));
+            w.setPixel(static_cast<unsigned char>(c.r), static_cast<unsigned char>(c.g),
+                       static_cast<unsigned char>(c.b));
         }
     return dib;
 }
@@ -110,7 +117,9 @@ Rgb pixelAt(Dib* dib, int x, int y) {
     return {r, g, b};
 }
 
-int redness(Rgb c) { return c.r - std::max(c.g, c.b); }
+int redness(Rgb c) {
+    return c.r - std::max(c.g, c.b);
+}
 
 }  // namespace
 
@@ -237,7 +246,8 @@ TEST(RedeyeDetector, ReconstructionReachesTheFixedPointAlongWindingPaths) {
         const int w = 17 + round * 5, h = 13 + round * 3;
         Plane m1(w, h), m2(w, h);
         for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) m1.set(x, y, round % 2 ? std::rand() % 256 : (std::rand() % 4 ? 0 : 255));
+            for (int x = 0; x < w; ++x)
+                m1.set(x, y, round % 2 ? std::rand() % 256 : (std::rand() % 4 ? 0 : 255));
         for (int y = 0; y < h; y += 4)
             for (int x = 0; x < w; ++x) m1.set(x, y, 120 + round);
         for (int y = 1; y < h; y += 2) m1.set((y / 2) % 2 ? 0 : w - 1, y, 140);
@@ -264,7 +274,8 @@ TEST(RedeyeDetector, ReconstructionReachesTheFixedPointAlongWindingPaths) {
                 }
         }
         for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) ASSERT_EQ(m2.get(x, y), want[y * w + x]) << round << ": " << x << "," << y;
+            for (int x = 0; x < w; ++x)
+                ASSERT_EQ(m2.get(x, y), want[y * w + x]) << round << ": " << x << "," << y;
     }
 }
 
@@ -444,7 +455,8 @@ TEST(RedeyeOp, ClickOnNothingLeavesNoHistoryAndKeepsRedo) {
 TEST(RedeyeOp, ClickOffThePictureFindsNothing) {
     Picture p = pupilPicture(40, 30, 20, 15);
     OwnedPtr<Dib> dib = toDib(p, 40, 30);
-    for (DibPoint click : {DibPoint(1.0, 0.5), DibPoint(-0.2, 0.5), DibPoint(1e12, -1e12), DibPoint(0.5, 1.7)}) {
+    for (DibPoint click :
+         {DibPoint(1.0, 0.5), DibPoint(-0.2, 0.5), DibPoint(1e12, -1e12), DibPoint(0.5, 1.7)}) {
         OwnedPtr<RedeyeOp> op = RedeyeOp::create(click, 8);
         UndoOp* raw = nullptr;
         OwnedPtr<Dib> out = op->doOp(dib, &raw);
@@ -510,7 +522,8 @@ void checkPhotograph(Dib* photo, std::vector<Eye> eyes, int radius) {
         const CRect box(eye.x - radius, eye.y - radius, eye.x + radius + 1, eye.y + radius + 1);
         for (int y = 0; y < size.cy; y += 1)
             for (int x = 0; x < size.cx; x += 1)
-                if (!inside(x, y, box)) ASSERT_EQ(pixelAt(editable, x, y), pixelAt(photo, x, y)) << x << "," << y;
+                if (!inside(x, y, box))
+                    ASSERT_EQ(pixelAt(editable, x, y), pixelAt(photo, x, y)) << x << "," << y;
         const std::string fixed = OrvantaTest::packedPixels(*editable);
 
         for (const Eye offset : {Eye{6, 0}, Eye{-5, 4}, Eye{0, -7}, Eye{4, 4}}) {
@@ -518,7 +531,8 @@ void checkPhotograph(Dib* photo, std::vector<Eye> eyes, int radius) {
             const DibPoint beside((eye.x + offset.x + 0.5) / size.cx, (eye.y + offset.y + 0.5) / size.cy);
             OwnedPtr<RedeyeOp> near = RedeyeOp::create(beside, radius);
             ASSERT_TRUE(other->doOp(near));
-            EXPECT_LE(redPixels(other, eye, radius / 2), 5) << "click beside by " << offset.x << "," << offset.y;
+            EXPECT_LE(redPixels(other, eye, radius / 2), 5)
+                << "click beside by " << offset.x << "," << offset.y;
         }
 
         ASSERT_TRUE(editable->undo(true));
