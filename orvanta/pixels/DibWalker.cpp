@@ -30,7 +30,7 @@ bool fitsIn(int x, int w, int extent) { return x >= 0 && w >= 0 && static_cast<l
 
 // Side of the square tiles in which a copy between views of crossing strides works, so that both the
 // rows read and the rows written stay in the first-level cache.
-constexpr int kTile = 32;
+constexpr int kTile = 64;
 
 inline void copy3(unsigned char* d, const unsigned char* s) {
     d[0] = s[0];

@@ -33,21 +33,33 @@ pixman_image_t* imageOver(const BITMAPINFOHEADER& header, const void* bits) {
                                              reinterpret_cast<std::uint32_t*>(base), stride);
 }
 
-// Per axis: shrinking averages the area a destination pixel covers (box reconstruction sampled by a
-// box as wide as the pixel); enlarging interpolates linearly between source pixels.
+// Per axis: shrinking averages the area a destination pixel covers (the source pixels as squares,
+// sampled by a box as wide as the destination pixel); enlarging interpolates linearly between
+// source pixels. From four source pixels per destination pixel on, the source pixels are taken as
+// points: one tap fewer each way, and the weights of the partly covered pixels at the ends then
+// matter little to the mean.
+constexpr double kPointSourceFrom = 4.0;
+// Filter phases per source pixel, as a power of two: 4 keep the averaging smooth across positions.
+constexpr int kSubsampleBits = 2;
+
+pixman_kernel_t reconstructionFor(double scale) {
+    if (scale <= 1.0) return PIXMAN_KERNEL_LINEAR;
+    return scale >= kPointSourceFrom ? PIXMAN_KERNEL_IMPULSE : PIXMAN_KERNEL_BOX;
+}
+
 void setGoodFilter(pixman_image_t* image, double scaleX, double scaleY) {
     if (scaleX <= 1.0 && scaleY <= 1.0) {
         pixman_image_set_filter(image, PIXMAN_FILTER_BILINEAR, nullptr, 0);
         return;
     }
-    const pixman_kernel_t reconstructX = scaleX > 1.0 ? PIXMAN_KERNEL_BOX : PIXMAN_KERNEL_LINEAR;
+    const pixman_kernel_t reconstructX = reconstructionFor(scaleX);
     const pixman_kernel_t sampleX = scaleX > 1.0 ? PIXMAN_KERNEL_BOX : PIXMAN_KERNEL_IMPULSE;
-    const pixman_kernel_t reconstructY = scaleY > 1.0 ? PIXMAN_KERNEL_BOX : PIXMAN_KERNEL_LINEAR;
+    const pixman_kernel_t reconstructY = reconstructionFor(scaleY);
     const pixman_kernel_t sampleY = scaleY > 1.0 ? PIXMAN_KERNEL_BOX : PIXMAN_KERNEL_IMPULSE;
     int count = 0;
     pixman_fixed_t* params = pixman_filter_create_separable_convolution(
         &count, pixman_double_to_fixed(scaleX > 1.0 ? scaleX : 1.0), pixman_double_to_fixed(scaleY > 1.0 ? scaleY : 1.0),
-        reconstructX, reconstructY, sampleX, sampleY, 2, 2);
+        reconstructX, reconstructY, sampleX, sampleY, kSubsampleBits, kSubsampleBits);
     if (params) {
         pixman_image_set_filter(image, PIXMAN_FILTER_SEPARABLE_CONVOLUTION, params, count);
         std::free(params);
