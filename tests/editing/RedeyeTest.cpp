@@ -10,7 +10,9 @@
 #include "orvanta/editing/RedeyeDetector.h"
 #include "orvanta/editing/RedeyeOp.h"
 #include "orvanta/editing/UndoOp.h"
+#include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/OwnedPtr.h"
+#include "orvanta/pixels/ByteDib.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
 #include "tests/editing/Photographs.h"
@@ -416,6 +418,32 @@ TEST(RedeyeOp, ClickOnAPupilCorrectsItAndKeepsThePatch) {
     EXPECT_EQ(record->getOriginalOpType(), 7);
     OwnedPtr<Dib> back = record->doOp(out, nullptr);
     EXPECT_EQ(OrvantaTest::packedPixels(*back), OrvantaTest::packedPixels(*dib));
+}
+
+TEST(RedeyeOp, FourBytePixelsAreCorrectedAlike) {
+    Picture p = pupilPicture(40, 30, 20, 15);
+    OwnedPtr<Dib> three = toDib(p, 40, 30);
+    OwnedPtr<Dib> four = DibSection::create(40, 30, 4);
+    DibWalker from(three.get()), to(four.get());
+    to.copyFrom(&from, false);
+    OwnedPtr<RedeyeOp> op = RedeyeOp::create(DibPoint(20.5 / 40, 15.5 / 30), 10);
+    OwnedPtr<Dib> a = op->doOp(three, nullptr);
+    OwnedPtr<Dib> b = op->doOp(four, nullptr);
+    ASSERT_NE(b.get(), nullptr);
+    EXPECT_EQ(b->getBytesPerPixel(), 4);
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 40; ++x) ASSERT_EQ(pixelAt(a, x, y), pixelAt(b, x, y)) << x << "," << y;
+}
+
+TEST(RedeyeOp, GreyPictureIsRefusedWithThePixelLayersMessage) {
+    OwnedPtr<Dib> grey = ByteDib::create(20, 20);
+    OwnedPtr<RedeyeOp> op = RedeyeOp::create(DibPoint(0.5, 0.5), 5);
+    try {
+        OwnedPtr<Dib> out = op->doOp(grey, nullptr);
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const Exception& e) {
+        EXPECT_EQ(std::u16string(e.getMessage()), u"DibSection only supports 3 or 4 channels.");
+    }
 }
 
 TEST(RedeyeOp, PatchIsTheBoxClippedToThePicture) {
