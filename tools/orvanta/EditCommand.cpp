@@ -1,5 +1,6 @@
 // orvanta edit: loads a picture, applies edits through the undo history, and writes the result.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -15,6 +16,8 @@
 #include "orvanta/editing/DownsizeOp.h"
 #include "orvanta/editing/EditableDib.h"
 #include "orvanta/editing/MirrorOp.h"
+#include "orvanta/editing/PicFixOp.h"
+#include "orvanta/editing/RedeyeOp.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/editing/SepiaOp.h"
 #include "orvanta/foundation/Exception.h"
@@ -82,6 +85,25 @@ bool parseDownsize(const std::string& value, CSize& target, int& method) {
     return true;
 }
 
+// "X,Y" or "X,Y,R": the click in fractions of the picture, the search radius in its pixels. Without R,
+// a twelfth of the shorter side (at least 4). The box must hold the pupil with a good margin of
+// skin around it: the threshold is chosen by the sharpest growth of the red region, and only a box
+// well larger than the pupil makes its final escape into the skin the sharpest.
+bool parseRedeye(const std::string& value, CSize pictureSize, DibPoint& click, int& radius) {
+    double f[3];
+    if (parseNumbers(value, 3, f)) {
+        if (!(f[2] >= 0.0 && f[2] <= 100000.0) || f[2] != static_cast<int>(f[2])) return false;
+        radius = static_cast<int>(f[2]);
+    } else if (parseNumbers(value, 2, f)) {
+        radius = std::max(4, static_cast<int>(std::min(pictureSize.cx, pictureSize.cy)) / 12);
+    } else {
+        return false;
+    }
+    if (!(0.0 <= f[0] && f[0] < 1.0 && 0.0 <= f[1] && f[1] < 1.0)) return false;
+    click = DibPoint(f[0], f[1]);
+    return true;
+}
+
 ImageCodec* imageCodecFor(const std::string& path) {
     Codec* codec = CodecManager::getCodec(CString::fromUtf8(path));
     if (!codec || codec->getCodecType() != CodecTypeImage) return nullptr;
@@ -139,6 +161,17 @@ int runOperation(const std::string& word, OwnedPtr<EditableDib>& picture) {
         double levels[3];
         if (!parseLevels(value, given, kSepiaLevels, levels)) return 2;
         op = SepiaOp::create(levels[0], levels[1], levels[2]);
+    } else if (word == "picfix") {
+        op = PicFixOp::create();
+    } else if (name == "redeye" && given) {
+        DibPoint click;
+        int radius = 0;
+        if (!parseRedeye(value, picture->getSize(), click, radius)) return 2;
+        op = RedeyeOp::create(click, radius);
+        if (!op) {
+            std::fprintf(stderr, "orvanta edit: no memory for a red-eye search of radius %d\n", radius);
+            return 1;
+        }
     } else if (word == "undo") {
         if (!picture->undo(true)) std::fprintf(stderr, "orvanta edit: nothing to undo\n");
         return 0;

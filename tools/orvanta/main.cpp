@@ -18,7 +18,7 @@ const std::vector<Command>& commands() {
          "  PATH  unreadable                     the codec could not read the file's header\n"
          "Exit status 1 if any file was not read, else 0.\n",
          runInfo},
-        {"edit", "edit SRC DST OP...  edits a picture: rotate, mirror, crop, downsize, tones, undo",
+        {"edit", "edit SRC DST OP...  edits a picture: rotate, mirror, crop, downsize, tones, fixes, undo",
          "usage: orvanta edit [--undo-limit=N] SRC DST OP...\n"
          "\n"
          "Reads SRC, applies each OP in order through the picture's undo history, and writes the\n"
@@ -32,6 +32,9 @@ const std::vector<Command>& commands() {
          "  colorize=R,G,B        map mid-grey to these levels (each inside 0..1)\n"
          "  bw[=R,G,B]            black and white (levels 0.5,0.5,0.5 by default)\n"
          "  sepia[=R,G,B]         sepia (levels 0.65,0.5,0.35 by default)\n"
+         "  picfix                automatic picture fix: lift dark pictures, stretch the contrast\n"
+         "  redeye=X,Y[,R]        remove a red eye clicked at fractions X,Y of the picture, searching\n"
+         "                        R pixels around it (default a twelfth of the shorter side)\n"
          "  undo                  take back the last edit (it can be redone)\n"
          "  redo                  do again the last edit taken back\n"
          "--undo-limit=N keeps at most N undo records (0: no limit); older edits are retired.\n"
