@@ -170,6 +170,7 @@ TEST(AsyncTaskTest, WaitWithoutWakeOnInputIgnoresMessages) {
     LoggingTask task(true);
     Gate gate;
     task.work = gate.work();
+    Platform::ensureMessageQueue();
     task.beginTask();
     Platform::postThreadMessage(Platform::currentThreadId(), WM_USER + 12, 0, 0);
     std::thread opener([&] { gate.open.set_value(); });
