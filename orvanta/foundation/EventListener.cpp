@@ -6,7 +6,9 @@
 
 namespace Orvanta {
 
-EventListener::EventListener() : mThreadId(Platform::currentThreadId()) { Platform::ensureMessageQueue(); }
+EventListener::EventListener() : mThreadId(Platform::currentThreadId()) {
+    Platform::ensureMessageQueue();
+}
 
 EventListener::~EventListener() {
     const UINT eventMessage = Platform::registerWindowMessage(kEventMessageName);

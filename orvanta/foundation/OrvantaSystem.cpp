@@ -46,7 +46,9 @@ void deinit() {
     OrvantaSystem::mgInstance = nullptr;
 }
 
-bool isInited() { return OrvantaSystem::instance() != nullptr; }
+bool isInited() {
+    return OrvantaSystem::instance() != nullptr;
+}
 
 void OrvantaSystem::registerDialog(RoutedContainer* dialog) {
     if (!mgInstance) return;
@@ -144,14 +146,16 @@ bool processMessage(MSG* msg, RoutedContainer* topLevel) {
             // A pop-up told to close usually unregisters itself, so walk a copy and skip the gone.
             const std::vector<PopupWindow*> popups(system->mPopups.begin(), system->mPopups.end());
             for (PopupWindow* popup : popups)
-                if (system->mPopups.count(popup) && popup->isWindow()) popup->sendMessage(kClosePopupMessage, 0, 0);
+                if (system->mPopups.count(popup) && popup->isWindow())
+                    popup->sendMessage(kClosePopupMessage, 0, 0);
         } else if (topLevel) {
             return system->routeWheel(msg, topLevel);
         }
     } else if (msg->message >= WM_KEYFIRST && msg->message <= WM_KEYLAST) {
         RoutedControl* focused = RoutedControl::getFocusedControl();
         if (focused && focused->preTranslateMessage(msg)) return true;
-        if (topLevel && msg->message == WM_KEYDOWN && msg->wParam == static_cast<WPARAM>(VK_TAB) && !controlDown) {
+        if (topLevel && msg->message == WM_KEYDOWN && msg->wParam == static_cast<WPARAM>(VK_TAB) &&
+            !controlDown) {
             RoutedContainer* scope = focused ? focused->getRoutingParent() : nullptr;
             if (!scope) scope = topLevel;
             if (shiftDown)
@@ -169,8 +173,8 @@ void sendEventLater(Event* event, EventListener* listener) {
     OrvantaSystem* system = OrvantaSystem::instance();
     if (!system || !event || !listener) return;
     event->ref();
-    Platform::postThreadMessage(listener->getThreadId(), system->getEventMessage(), reinterpret_cast<WPARAM>(event),
-                                reinterpret_cast<LPARAM>(listener));
+    Platform::postThreadMessage(listener->getThreadId(), system->getEventMessage(),
+                                reinterpret_cast<WPARAM>(event), reinterpret_cast<LPARAM>(listener));
 }
 
 void removeAllEventsFromQueue() {

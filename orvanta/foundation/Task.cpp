@@ -12,10 +12,18 @@ Task::Task(bool asynchronous) {
 
 Task::~Task() = default;
 
-bool Task::wasKilled() { return getTaskHelper()->wasKilled(); }
-TaskStatus Task::getTaskStatus() { return getTaskHelper()->getStatus(); }
-bool Task::isAsynchronous() { return getTaskHelper()->isAsynchronous(); }
-Platform::Thread::Handle Task::getThread() { return getTaskHelper()->getThread(); }
+bool Task::wasKilled() {
+    return getTaskHelper()->wasKilled();
+}
+TaskStatus Task::getTaskStatus() {
+    return getTaskHelper()->getStatus();
+}
+bool Task::isAsynchronous() {
+    return getTaskHelper()->isAsynchronous();
+}
+Platform::Thread::Handle Task::getThread() {
+    return getTaskHelper()->getThread();
+}
 
 bool Task::waitForComplete(bool wakeOnInput, int timeoutMilliseconds) {
     const Platform::Thread::Handle thread = getThread();
@@ -26,12 +34,26 @@ bool Task::waitForComplete(bool wakeOnInput, int timeoutMilliseconds) {
            WAIT_OBJECT_0;
 }
 
-void Task::beginTask() { getTaskHelper()->beginTask(); }
-void Task::killTask() { getTaskHelper()->killTask(); }
-void Task::reset() { getTaskHelper()->reset(); }
-void Task::endTask() { getTaskHelper()->endTask(); }
-void Task::setWasKilled() { getTaskHelper()->setWasKilled(); }
-void Task::setTaskHelper(TaskHelper* helper) { mHelper = helper; }
-TaskHelper* Task::getTaskHelper() { return mHelper; }
+void Task::beginTask() {
+    getTaskHelper()->beginTask();
+}
+void Task::killTask() {
+    getTaskHelper()->killTask();
+}
+void Task::reset() {
+    getTaskHelper()->reset();
+}
+void Task::endTask() {
+    getTaskHelper()->endTask();
+}
+void Task::setWasKilled() {
+    getTaskHelper()->setWasKilled();
+}
+void Task::setTaskHelper(TaskHelper* helper) {
+    mHelper = helper;
+}
+TaskHelper* Task::getTaskHelper() {
+    return mHelper;
+}
 
 }  // namespace Orvanta

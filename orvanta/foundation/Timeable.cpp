@@ -8,10 +8,13 @@ namespace Orvanta {
 
 std::map<int, Timeable*>* Timeable::mgTimers = nullptr;
 
-Timeable::~Timeable() { stopAllTimers(); }
+Timeable::~Timeable() {
+    stopAllTimers();
+}
 
 int Timeable::startTimer(int milliseconds) {
-    const int id = static_cast<int>(Platform::setTimer(static_cast<UINT>(milliseconds), &Timeable::timerCallback));
+    const int id =
+        static_cast<int>(Platform::setTimer(static_cast<UINT>(milliseconds), &Timeable::timerCallback));
     if (!mgTimers) mgTimers = new std::map<int, Timeable*>();
     (*mgTimers)[id] = this;
     return id;

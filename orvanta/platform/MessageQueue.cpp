@@ -31,7 +31,8 @@ using Clock = std::chrono::steady_clock;
 constexpr UINT kMinimumTimerInterval = 10;
 
 DWORD tickCountAt(Clock::time_point t) {
-    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(t.time_since_epoch()).count());
+    return static_cast<DWORD>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(t.time_since_epoch()).count());
 }
 
 // One thread's queue. Posted messages, the quit request and the timers are shared with other threads
@@ -74,8 +75,8 @@ public:
             for (auto& [id, timer] : timers)
                 if (timer.due <= now && (!due || timer.due < due->due)) due = &timer;
             if (due) {
-                *out = MSG{nullptr, WM_TIMER, due->id, reinterpret_cast<LPARAM>(due->callback), tickCountAt(now),
-                           lastPosition};
+                *out = MSG{nullptr,          WM_TIMER,    due->id, reinterpret_cast<LPARAM>(due->callback),
+                           tickCountAt(now), lastPosition};
                 if (remove) due->due = now + due->interval;
                 return true;
             }
@@ -200,7 +201,9 @@ DWORD currentThreadId() {
     return id;
 }
 
-DWORD getTickCount() { return tickCountAt(Clock::now()); }
+DWORD getTickCount() {
+    return tickCountAt(Clock::now());
+}
 
 UINT registerWindowMessage(const char16_t* name) {
     if (!name || !*name) return 0;
@@ -219,7 +222,9 @@ UINT registerWindowMessage(const char16_t* name) {
     return it->second;
 }
 
-void ensureMessageQueue() { currentQueue(); }
+void ensureMessageQueue() {
+    currentQueue();
+}
 
 bool postThreadMessage(DWORD threadId, UINT message, WPARAM wParam, LPARAM lParam) {
     auto queue = queueOf(threadId);
@@ -303,7 +308,9 @@ bool killTimer(UINT_PTR id) {
     return queue.timers.erase(id) > 0;
 }
 
-CPoint getMessagePos() { return currentQueue().lastPosition; }
+CPoint getMessagePos() {
+    return currentQueue().lastPosition;
+}
 
 short getKeyState(int virtualKey) {
     const auto& keys = currentQueue().keysDown;
@@ -342,7 +349,8 @@ DWORD msgWaitForMultipleObjects(DWORD count, Thread* const* threads, DWORD milli
             if (deadline && now >= *deadline) break;
             std::optional<Clock::time_point> wakeAt = deadline;
             if (queue)
-                if (auto timer = queue->nextTimerLocked(); timer && (!wakeAt || *timer < *wakeAt)) wakeAt = timer;
+                if (auto timer = queue->nextTimerLocked(); timer && (!wakeAt || *timer < *wakeAt))
+                    wakeAt = timer;
             if (wakeAt)
                 waiter.wake->wait_until(guard, *wakeAt);
             else

@@ -13,7 +13,7 @@
 namespace Orvanta::Platform {
 class Window;
 struct MessageHook;
-}
+}  // namespace Orvanta::Platform
 
 namespace Orvanta {
 

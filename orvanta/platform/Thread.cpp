@@ -46,7 +46,8 @@ bool Thread::wait(DWORD milliseconds) {
         mEndedCondition.wait(lock, [this] { return mEnded.load(); });
         return true;
     }
-    return mEndedCondition.wait_for(lock, std::chrono::milliseconds(milliseconds), [this] { return mEnded.load(); });
+    return mEndedCondition.wait_for(lock, std::chrono::milliseconds(milliseconds),
+                                    [this] { return mEnded.load(); });
 }
 
 void Thread::addWaiter(Waiter* waiter) {

@@ -162,5 +162,6 @@ TEST_F(EventQueueTest, InitStartsWithTheWheelUnderThePointer) {
     init();
     EXPECT_TRUE(isInited());
     EXPECT_EQ(WheelMessagesToPointer, OrvantaSystem::instance()->getWheelMessagesMode());
-    EXPECT_EQ(Platform::registerWindowMessage(u"OrvantaEventMessage"), OrvantaSystem::instance()->getEventMessage());
+    EXPECT_EQ(Platform::registerWindowMessage(u"OrvantaEventMessage"),
+              OrvantaSystem::instance()->getEventMessage());
 }

@@ -13,7 +13,9 @@ using namespace OrvantaTest;
 
 namespace {
 
-HWND fakeWindow(int n) { return reinterpret_cast<HWND>(static_cast<std::uintptr_t>(0x1000 + 16 * n)); }
+HWND fakeWindow(int n) {
+    return reinterpret_cast<HWND>(static_cast<std::uintptr_t>(0x1000 + 16 * n));
+}
 
 // What every stand-in control records.
 template <typename Base>

@@ -16,7 +16,9 @@ using namespace Orvanta::Platform;
 
 namespace {
 
-HWND fakeWindow(int n) { return reinterpret_cast<HWND>(static_cast<std::uintptr_t>(0x1000 + 16 * n)); }
+HWND fakeWindow(int n) {
+    return reinterpret_cast<HWND>(static_cast<std::uintptr_t>(0x1000 + 16 * n));
+}
 
 // Every test starts and ends with an empty queue on the test thread.
 class MessageQueueTest : public ::testing::Test {
@@ -60,7 +62,8 @@ TEST_F(MessageQueueTest, RegisteredNumbersAreTheSameOnEveryThread) {
 
 TEST_F(MessageQueueTest, PostedMessagesComeOutInOrder) {
     const DWORD me = currentThreadId();
-    for (UINT m = WM_USER; m < WM_USER + 5; ++m) ASSERT_TRUE(postThreadMessage(me, m, m * 2, -static_cast<LPARAM>(m)));
+    for (UINT m = WM_USER; m < WM_USER + 5; ++m)
+        ASSERT_TRUE(postThreadMessage(me, m, m * 2, -static_cast<LPARAM>(m)));
     MSG msg;
     for (UINT m = WM_USER; m < WM_USER + 5; ++m) {
         ASSERT_TRUE(peekMessage(&msg, 0, 0, PM_REMOVE));
