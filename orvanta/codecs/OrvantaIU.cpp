@@ -2,6 +2,8 @@
 
 #include "orvanta/codecs/BmpCodec.h"
 #include "orvanta/codecs/CodecManager.h"
+#include "orvanta/codecs/IntelJpegCodec.h"
+#include "orvanta/codecs/TiffCodec.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 
 using namespace Orvanta;
@@ -20,6 +22,8 @@ void orvantaIUInit(void) {
         return;
     }
     init();
+    CodecManager::registerCodec(IntelJpegCodec::create());
+    CodecManager::registerCodec(TiffCodec::create());
     CodecManager::registerCodec(BmpCodec::create());
 }
 
