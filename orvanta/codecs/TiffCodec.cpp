@@ -3,6 +3,7 @@
 #include <tiffio.h>
 
 #include <climits>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -103,6 +104,57 @@ bool pageSize(TIFF* tiff, int* width, int* height) {
     return true;
 }
 
+// CIE L*a*b* as TIFF stores it in 8 bits (L* scaled to 0..255, a* and b* signed), turned into
+// sRGB with the D65 white of the TIFF specification. libtiff's own conversion models a display
+// with a plain 2.4 gamma and gives visibly darker colours, so these pages are converted here.
+void labToBgr(const unsigned char* lab, unsigned char* bgra) {
+    const auto inverse = [](double t) { return t > 6.0 / 29 ? t * t * t : 3 * (6.0 / 29) * (6.0 / 29) * (t - 4.0 / 29); };
+    const auto compand = [](double c) {
+        c = c < 0 ? 0 : c > 1 ? 1 : c;
+        const double v = c <= 0.0031308 ? 12.92 * c : 1.055 * std::pow(c, 1 / 2.4) - 0.055;
+        return static_cast<unsigned char>(std::lround(v * 255));
+    };
+    const double l = lab[0] * 100.0 / 255;
+    const double a = static_cast<signed char>(lab[1]);
+    const double b = static_cast<signed char>(lab[2]);
+    const double fy = (l + 16) / 116;
+    const double x = 0.95047 * inverse(fy + a / 500);
+    const double y = inverse(fy);
+    const double z = 1.08883 * inverse(fy - b / 200);
+    bgra[2] = compand(3.2404542 * x - 1.5371385 * y - 0.4985314 * z);
+    bgra[1] = compand(-0.9692660 * x + 1.8760108 * y + 0.0415560 * z);
+    bgra[0] = compand(0.0556434 * x - 0.2040259 * y + 1.0572252 * z);
+    bgra[3] = 255;
+}
+
+// Whether the page is 8-bit L*a*b* in strips with the samples of a pixel together, the form read
+// row by row below; false leaves the page to libtiff's converter.
+bool isStripLab(TIFF* tiff) {
+    uint16_t photometric = 0, bits = 0, samples = 0, planar = PLANARCONFIG_CONTIG;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_PHOTOMETRIC, &photometric);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_BITSPERSAMPLE, &bits);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_PLANARCONFIG, &planar);
+    return photometric == PHOTOMETRIC_CIELAB && bits == 8 && samples >= 3 && planar == PLANARCONFIG_CONTIG &&
+           !TIFFIsTiled(tiff);
+}
+
+// Reads an 8-bit L*a*b* page into a four-channel Dib, blue first. A row that cannot be read stays
+// black, as libtiff's converter leaves it.
+bool readLab(TIFF* tiff, Dib* dib, int width, int height) {
+    const tmsize_t rowSize = TIFFScanlineSize(tiff);
+    uint16_t samples = 3;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_SAMPLESPERPIXEL, &samples);
+    if (rowSize < static_cast<tmsize_t>(width) * samples) return false;
+    std::vector<unsigned char> row(static_cast<std::size_t>(rowSize));
+    for (int y = 0; y < height; ++y) {
+        if (TIFFReadScanline(tiff, row.data(), static_cast<uint32_t>(y), 0) < 0) continue;
+        unsigned char* out = dib->getBits() + static_cast<std::ptrdiff_t>(y) * dib->getStride();
+        for (int x = 0; x < width; ++x) labToBgr(row.data() + x * samples, out + 4 * x);
+    }
+    return true;
+}
+
 }  // namespace
 
 TiffCodec* TiffCodec::create() { return new (std::nothrow) TiffCodec(); }
@@ -134,6 +186,11 @@ Dib* TiffCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, i
         if (ok) dib = DibSection::create(width, height, 4);
     } catch (...) {
         dib = nullptr;
+    }
+    if (dib && isStripLab(tiff)) {
+        ok = readLab(tiff, dib, width, height);
+        TIFFClose(tiff);
+        return ok ? dib.detach() : nullptr;
     }
     // Four bytes a pixel leave no padding, so the rows are exactly the raster libtiff fills. A page
     // damaged in places still gives what could be read; only a page libtiff cannot convert fails.

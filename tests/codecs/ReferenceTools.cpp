@@ -85,6 +85,18 @@ std::optional<Picture> magickDecode(const std::string& path) {
     return parsePpm(*out);
 }
 
+std::vector<Picture> referenceDecodes(const std::string& path) {
+    std::vector<Picture> decodes;
+    if (auto picture = magickDecode(path)) decodes.push_back(std::move(*picture));
+    if (haveTool("gm")) {
+        const auto out = capture("gm convert " + quoted(path + "[0]") + " -depth 8 ppm:-", false);
+        if (out) {
+            if (auto picture = parsePpm(*out)) decodes.push_back(std::move(*picture));
+        }
+    }
+    return decodes;
+}
+
 bool jpegtranRotate(const std::string& path, int angle, const std::string& output) {
     if (!haveTool("jpegtran")) return false;
     const std::string command = "jpegtran -rotate " + std::to_string(angle) + " -trim -copy all -outfile " +
@@ -146,6 +158,17 @@ std::vector<std::string> jpegSegments(const std::string& bytes, int marker) {
         i += 1 + length;
     }
     return found;
+}
+
+std::size_t jpegScanOffset(const std::string& bytes) {
+    std::size_t i = 2;
+    while (i + 4 <= bytes.size() && static_cast<unsigned char>(bytes[i]) == 0xFF) {
+        while (i < bytes.size() && static_cast<unsigned char>(bytes[i]) == 0xFF) ++i;
+        if (i + 3 > bytes.size()) break;
+        if (static_cast<unsigned char>(bytes[i]) == 0xDA) return i - 1;
+        i += 1 + ((static_cast<unsigned char>(bytes[i + 1]) << 8) | static_cast<unsigned char>(bytes[i + 2]));
+    }
+    return std::string::npos;
 }
 
 std::vector<std::string> jpegSampling(const std::string& bytes) {

@@ -24,6 +24,10 @@ bool haveTool(const char* name);
 std::optional<Picture> djpegDecode(const std::string& path, int denominator);
 // ImageMagick's decode, flattened over black (so premultiplied like libtiff's); empty when missing.
 std::optional<Picture> magickDecode(const std::string& path);
+// The decodes of every reference reader installed: ImageMagick's as above, and GraphicsMagick's
+// colours as stored. The readers disagree on some rare forms (old-style JPEG in TIFF, planar grey
+// with alpha), so a decode is right when it matches any of them.
+std::vector<Picture> referenceDecodes(const std::string& path);
 // jpegtran -rotate angle -trim -copy all into output; false when jpegtran is missing or fails.
 bool jpegtranRotate(const std::string& path, int angle, const std::string& output);
 // exiftool's tags of a file (group:tag=value lines, sorted), without the ones that describe the
@@ -39,6 +43,8 @@ double psnr(const Picture& a, const Picture& b);
 // The segments of a JPEG file with one marker, each with its 4 header bytes, in file order
 // (parsed independently of the library, up to the first scan).
 std::vector<std::string> jpegSegments(const std::string& bytes, int marker);
+// Where the first scan's marker stands (the end of the header segments), or npos.
+std::size_t jpegScanOffset(const std::string& bytes);
 // The sampling factors of the frame header's components, as "HxV" strings.
 std::vector<std::string> jpegSampling(const std::string& bytes);
 
