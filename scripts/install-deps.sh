@@ -17,6 +17,8 @@ packages=(
   libbenchmark-dev
   # libraries the engine links
   libicu-dev
+  # picture scaling by the platform (pixman compositing)
+  libpixman-1-dev
   # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, TurboJPEG's lossless transforms),
   # libexif for the EXIF thumbnail, libtiff
   libjpeg62-turbo-dev

@@ -1,11 +1,13 @@
 #include "orvanta/codecs/ImageCodec.h"
 
 #include "orvanta/codecs/CodecManager.h"
+#include "orvanta/editing/RotateOp.h"
 
 namespace Orvanta {
 
 bool ImageCodec::applyToFile(const char16_t* path, EditingOp* op) {
     // Only rotations are ever applied in the file, and a codec that can apply one says so.
+    if (op && canApplyToFile(op) && op->getOpType() == 2) return rotateFile(path, static_cast<RotateOp*>(op));
     return false;
 }
 
