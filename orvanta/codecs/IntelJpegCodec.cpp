@@ -13,8 +13,10 @@
 
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ExifThumbnail.h"
+#include "orvanta/codecs/Image.h"
 #include "orvanta/codecs/JpegFormat.h"
 #include "orvanta/codecs/JpegMarkerMap.h"
+#include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/Error.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/OwnedPtr.h"
@@ -89,20 +91,11 @@ void readHeader(JPEG_CORE_PROPERTIES& p, CSize* size, ImageQuality* quality) {
         *quality = p.jquality >= 85 ? ImageQualityHigh : p.jquality >= 65 ? ImageQualityDraft : ImageQualityNormal;
 }
 
-// The scale at which a picture of the given size fits the box without being enlarged; the rule of
-// every picture size in the library.
-double fitScale(int width, int height, int boxWidth, int boxHeight) {
-    const double sx = static_cast<double>(boxWidth) / width;
-    const double sy = static_cast<double>(boxHeight) / height;
-    if (sx >= 1 && sy >= 1) return 1.0;
-    return sx < sy ? sx : sy;
-}
-
 // The power of two the decoder divides by: the largest that keeps the picture at least as big as
 // the box. A box with a side of 0 or less gives the eighth.
 int reductionFor(int width, int height, int maxWidth, int maxHeight) {
     if (!(maxWidth > 0 || maxHeight >= 1)) return 1;
-    const double r = fitScale(width, height, maxWidth, maxHeight);
+    const double r = Image::calcScale(width, height, maxWidth, maxHeight, false, false);
     if (r <= 0.125) return 8;
     if (r <= 0.25) return 4;
     if (r <= 0.5) return 2;
@@ -536,7 +529,17 @@ void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail
         out.commit();
 }
 
-bool IntelJpegCodec::rotateFileBy(const char16_t* path, int angle) {
+bool IntelJpegCodec::canApplyToFile(EditingOp* op) { return op && op->getOpType() == 2; }
+
+bool IntelJpegCodec::isLosslessOnFile(EditingOp* op, Dib* dib) {
+    if (!canApplyToFile(op) || !dib) return false;
+    const CSize size = dib->getSize();
+    return size.cx % 8 == 0 && size.cy % 8 == 0;
+}
+
+bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
+    if (!op) return false;
+    const int angle = op->getAngle();
     if (angle == 0) return true;
     TJXOP operation;
     switch (angle) {

@@ -37,17 +37,21 @@ public:
     int write(Dib* dib, const char16_t* path, ImageQuality quality) override;
     int writeToMemory(Dib* dib, void* buffer, int size, ImageQuality quality) override;
     bool isLosslessFormat() override { return false; }
+    // Rotations are applied in the file; they lose nothing when both sides are multiples of 8
+    // (otherwise the edge blocks that cannot turn are dropped).
+    bool canApplyToFile(EditingOp* op) override;
+    bool isLosslessOnFile(EditingOp* op, Dib* dib) override;
+    // Turns the picture in the file by the operation's angle (90, 180, 270 clockwise) without
+    // decoding it: edge blocks that cannot turn are dropped, every segment is copied, the file's
+    // times are kept. Angle 0 does nothing. Throws Error for other angles, Exception when the file
+    // cannot be read or its new version not created; false when the picture cannot be transformed
+    // (damaged data, a sampling the transformer does not know) or the new file not written.
+    bool rotateFile(const char16_t* path, RotateOp* op) override;
 
     // Re-encodes dib into path, carrying over the APP1 (EXIF, XMP), APP13 and COM segments of the
     // JPEG file sourcePath byte for byte. A source with none of them, or one that cannot be parsed,
     // gives a plain write.
     int writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath, ImageQuality quality);
-
-    // Turns the picture in the file by 90, 180 or 270 degrees clockwise without decoding it: edge
-    // blocks that cannot turn are dropped, every segment is copied, the file's times are kept.
-    // Angle 0 does nothing. Throws Error for other angles, Exception when the file cannot be read
-    // or its new version not created; false when the picture cannot be transformed or written.
-    bool rotateFileBy(const char16_t* path, int angle);
 
 private:
     IntelJpegCodec();
