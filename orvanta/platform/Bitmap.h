@@ -8,6 +8,8 @@
 // block cannot be had (no memory, or a size beyond what an int can count). The handle is deleted
 // with deleteObject, never with delete.
 
+#include <cstddef>
+
 #include "orvanta/platform/WinTypes.h"
 
 namespace Orvanta {
@@ -35,6 +37,7 @@ private:
 
     BITMAPINFOHEADER mHeader{};
     unsigned char* mBits = nullptr;
+    std::size_t mMappedSize = 0;  // bytes mapped from the kernel; 0 when the bits came from the heap
     bool mIsDibSection = false;
 };
 

@@ -18,6 +18,26 @@ const std::vector<Command>& commands() {
          "  PATH  unreadable                     the codec could not read the file's header\n"
          "Exit status 1 if any file was not read, else 0.\n",
          runInfo},
+        {"edit", "edit SRC DST OP...  edits a picture: rotate, mirror, crop, downsize, tones, undo",
+         "usage: orvanta edit [--undo-limit=N] SRC DST OP...\n"
+         "\n"
+         "Reads SRC, applies each OP in order through the picture's undo history, and writes the\n"
+         "result to DST in the format of DST's extension. Operations:\n"
+         "  rotate=90|180|270     turn clockwise\n"
+         "  mirror=h|v            reverse each row (h) or the order of the rows (v)\n"
+         "  crop=L,T,R,B          keep the part between these fractions of the picture (0..1)\n"
+         "  downsize=WxH[:M]      fit into W x H; M 0 the exact resampler (default), 1 the platform\n"
+         "                        stretch where it works, 2 the platform stretch. A downsize cannot be\n"
+         "                        undone: the history starts again after it\n"
+         "  colorize=R,G,B        map mid-grey to these levels (each inside 0..1)\n"
+         "  bw[=R,G,B]            black and white (levels 0.5,0.5,0.5 by default)\n"
+         "  sepia[=R,G,B]         sepia (levels 0.65,0.5,0.35 by default)\n"
+         "  undo                  take back the last edit (it can be redone)\n"
+         "  redo                  do again the last edit taken back\n"
+         "--undo-limit=N keeps at most N undo records (0: no limit); older edits are retired.\n"
+         "Prints: DST  WIDTH  HEIGHT  undo N  redo N  retired N\n"
+         "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
+         runEdit},
     };
     return table;
 }

@@ -1,0 +1,228 @@
+// orvanta edit: loads a picture, applies edits through the undo history, and writes the result.
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "orvanta/codecs/CodecManager.h"
+#include "orvanta/codecs/ImageCodec.h"
+#include "orvanta/codecs/OrvantaIU.h"
+#include "orvanta/editing/BWOp.h"
+#include "orvanta/editing/ColorizeOp.h"
+#include "orvanta/editing/CropOp.h"
+#include "orvanta/editing/DownsizeOp.h"
+#include "orvanta/editing/EditableDib.h"
+#include "orvanta/editing/MirrorOp.h"
+#include "orvanta/editing/RotateOp.h"
+#include "orvanta/editing/SepiaOp.h"
+#include "orvanta/foundation/Exception.h"
+#include "orvanta/foundation/OwnedPtr.h"
+
+using namespace Orvanta;
+
+namespace OrvantaTool {
+
+namespace {
+
+// Levels of the tone operations when none are given: a plain grey, and a warm brown.
+constexpr double kBWLevels[3] = {0.5, 0.5, 0.5};
+constexpr double kSepiaLevels[3] = {0.65, 0.5, 0.35};
+
+// Parses "a,b,c,..." into exactly count numbers.
+bool parseNumbers(const std::string& text, int count, double* out) {
+    const char* p = text.c_str();
+    for (int i = 0; i < count; ++i) {
+        char* end = nullptr;
+        out[i] = std::strtod(p, &end);
+        if (end == p) return false;
+        p = end;
+        if (i + 1 < count) {
+            if (*p != ',') return false;
+            ++p;
+        }
+    }
+    return *p == '\0';
+}
+
+bool parseInt(const std::string& text, int& out) {
+    char* end = nullptr;
+    const long value = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || value < 0 || value > 1000000000) return false;
+    out = static_cast<int>(value);
+    return true;
+}
+
+// Three levels from "NAME=R,G,B", or the defaults for a bare "NAME"; each inside (0, 1).
+bool parseLevels(const std::string& value, bool given, const double* defaults, double* levels) {
+    if (!given) {
+        for (int i = 0; i < 3; ++i) levels[i] = defaults[i];
+        return true;
+    }
+    if (!parseNumbers(value, 3, levels)) return false;
+    for (int i = 0; i < 3; ++i)
+        if (!(levels[i] > 0.0 && levels[i] < 1.0)) return false;
+    return true;
+}
+
+// "WxH" or "WxH:M".
+bool parseDownsize(const std::string& value, CSize& target, int& method) {
+    const std::size_t x = value.find('x');
+    if (x == std::string::npos) return false;
+    const std::size_t colon = value.find(':', x);
+    method = 0;
+    if (colon != std::string::npos && !parseInt(value.substr(colon + 1), method)) return false;
+    int w = 0, h = 0;
+    if (!parseInt(value.substr(0, x), w) || !parseInt(value.substr(x + 1, colon == std::string::npos ? std::string::npos : colon - x - 1), h))
+        return false;
+    if (w <= 0 || h <= 0 || method > 2) return false;
+    target = CSize(w, h);
+    return true;
+}
+
+ImageCodec* imageCodecFor(const std::string& path) {
+    Codec* codec = CodecManager::getCodec(CString::fromUtf8(path));
+    if (!codec || codec->getCodecType() != CodecTypeImage) return nullptr;
+    return static_cast<ImageCodec*>(codec);
+}
+
+std::string narrow(const char16_t* text) {
+    std::string out;
+    for (; text && *text; ++text) out.push_back(*text < 0x80 ? static_cast<char>(*text) : '?');
+    return out;
+}
+
+// Runs one operation word on the picture. Returns 0, or the exit status of a failure.
+int runOperation(const std::string& word, OwnedPtr<EditableDib>& picture) {
+    const std::size_t eq = word.find('=');
+    const std::string name = word.substr(0, eq);
+    const bool given = eq != std::string::npos;
+    const std::string value = given ? word.substr(eq + 1) : std::string();
+    OwnedPtr<EditingOp> op;
+
+    if (name == "rotate" && given) {
+        int angle = 0;
+        if (!parseInt(value, angle) || (angle != 90 && angle != 180 && angle != 270)) return 2;
+        op = RotateOp::create(angle);
+    } else if (name == "mirror" && given && (value == "h" || value == "v")) {
+        op = MirrorOp::create(value == "v");
+    } else if (name == "crop" && given) {
+        double f[4];
+        if (!parseNumbers(value, 4, f) || !(0.0 <= f[0] && f[0] < f[2] && f[2] <= 1.0) ||
+            !(0.0 <= f[1] && f[1] < f[3] && f[3] <= 1.0))
+            return 2;
+        op = CropOp::create(DibMask(0, 0, picture->getSize(), DibRect(f[0], f[1], f[2], f[3]), 0));
+    } else if (name == "downsize" && given) {
+        CSize target;
+        int method = 0;
+        if (!parseDownsize(value, target, method)) return 2;
+        // A downsize has no undo record: it is run on the picture as it stands, which then starts a
+        // new history (the edits before it stay done).
+        OwnedPtr<DownsizeOp> downsize(
+            DownsizeOp::create(static_cast<DownsizeOp::DownsizeMethod>(method), target, false, false));
+        OwnedPtr<Dib> smaller(downsize->doOp(picture, nullptr));
+        const int limit = picture->getUndoLimit();
+        picture = new EditableDib(smaller);
+        picture->setUndoLimit(limit);
+        return 0;
+    } else if (name == "colorize" && given) {
+        double levels[3];
+        if (!parseLevels(value, true, nullptr, levels)) return 2;
+        op = ColorizeOp::create(levels[0], levels[1], levels[2], 8);
+    } else if (name == "bw") {
+        double levels[3];
+        if (!parseLevels(value, given, kBWLevels, levels)) return 2;
+        op = BWOp::create(levels[0], levels[1], levels[2]);
+    } else if (name == "sepia") {
+        double levels[3];
+        if (!parseLevels(value, given, kSepiaLevels, levels)) return 2;
+        op = SepiaOp::create(levels[0], levels[1], levels[2]);
+    } else if (word == "undo") {
+        if (!picture->undo(true)) std::fprintf(stderr, "orvanta edit: nothing to undo\n");
+        return 0;
+    } else if (word == "redo") {
+        if (!picture->redo()) std::fprintf(stderr, "orvanta edit: nothing to redo\n");
+        return 0;
+    } else {
+        return 2;
+    }
+    if (!picture->doOp(op)) std::fprintf(stderr, "orvanta edit: %s changed nothing\n", word.c_str());
+    return 0;
+}
+
+}  // namespace
+
+int runEdit(const Arguments& arguments) {
+    std::vector<std::string> words;
+    int undoLimit = 0;
+    for (const auto& argument : arguments) {
+        if (argument.rfind("--undo-limit=", 0) == 0) {
+            if (!parseInt(argument.substr(13), undoLimit)) {
+                std::fprintf(stderr, "orvanta edit: bad undo limit '%s'\n", argument.c_str());
+                return 2;
+            }
+        } else {
+            words.push_back(argument);
+        }
+    }
+    if (words.size() < 2) {
+        std::fprintf(stderr, "usage: orvanta edit [--undo-limit=N] SRC DST OP...\n");
+        return 2;
+    }
+    const std::string& source = words[0];
+    const std::string& destination = words[1];
+
+    orvantaIUInit();
+    int status = 0;
+    try {
+        ImageCodec* reader = imageCodecFor(source);
+        ImageCodec* writer = imageCodecFor(destination);
+        if (!reader || !writer) {
+            std::fprintf(stderr, "orvanta edit: no codec for '%s'\n", (!reader ? source : destination).c_str());
+            status = 1;
+        } else {
+            CSize originalSize;
+            OwnedPtr<Dib> loaded(reader->read(CString::fromUtf8(source), &originalSize, 0, 0));
+            if (!loaded) {
+                std::fprintf(stderr, "orvanta edit: cannot read '%s'\n", source.c_str());
+                status = 1;
+            } else {
+                OwnedPtr<EditableDib> picture(new EditableDib(loaded));
+                picture->setUndoLimit(undoLimit);
+                for (std::size_t i = 2; i < words.size() && status == 0; ++i) {
+                    status = runOperation(words[i], picture);
+                    if (status) std::fprintf(stderr, "orvanta edit: bad operation '%s'\n", words[i].c_str());
+                }
+                if (status == 0) {
+                    // A JPEG keeps the metadata of its source (EXIF, XMP, IPTC, comments).
+                    const CString target = CString::fromUtf8(destination);
+                    const bool written =
+                        writer->getImageType() == ImageTypeJpeg
+                            ? ImageCodec::writeAsJpeg(picture->getCurrent(), target, ImageQualityHigh,
+                                                      CString::fromUtf8(source))
+                            : writer->write(picture->getCurrent(), target, ImageQualityHigh) > 0;
+                    if (!written) {
+                        std::fprintf(stderr, "orvanta edit: cannot write '%s'\n", destination.c_str());
+                        status = 1;
+                    } else {
+                        const CSize size = picture->getSize();
+                        std::printf("%s\t%d\t%d\tundo %d\tredo %d\tretired %d\n", destination.c_str(), size.cx,
+                                    size.cy, picture->getUndoCount(), picture->getRedoCount(),
+                                    picture->getRetiredCount());
+                    }
+                }
+            }
+        }
+    } catch (const Exception& e) {
+        std::fprintf(stderr, "orvanta edit: %s\n", narrow(e.getMessage()).c_str());
+        status = 1;
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "orvanta edit: %s\n", e.what());
+        status = 1;
+    }
+    orvantaIUDeInit();
+    return status;
+}
+
+}  // namespace OrvantaTool
