@@ -61,16 +61,29 @@ public:
 
     void signal(int number) { kill(mPid, number); }
 
+    // False once the process has ended; its status is then what finish() returns.
+    bool running() {
+        if (mExited) return false;
+        int status = 0;
+        if (waitpid(mPid, &status, WNOHANG) != mPid) return true;
+        mExited = true;
+        mStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        return false;
+    }
+
     // Waits for the end; returns the exit status (128 + signal for a killed process).
     int finish() {
         char buffer[4096];
         for (ssize_t n; (n = read(mOut, buffer, sizeof buffer)) > 0;)
             output.append(buffer, static_cast<std::size_t>(n));
         close(mOut);
-        int status = 0;
-        waitpid(mPid, &status, 0);
+        if (!mExited) {
+            int status = 0;
+            waitpid(mPid, &status, 0);
+            mStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        }
         mPid = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        return mStatus;
     }
 
     std::string output;
@@ -78,6 +91,8 @@ public:
 private:
     pid_t mPid = -1;
     int mOut = -1;
+    bool mExited = false;
+    int mStatus = -1;
 };
 
 int run(const std::vector<std::string>& arguments, std::string* output = nullptr,
@@ -174,8 +189,9 @@ TEST_F(BatchConvertTest, InterruptKeepsFinishedFilesWholeAndSaysHowMany) {
         link("large/canon-22mp-5760x3840-iptc-xmp.jpg", "p" + std::to_string(1000 + i) + ".jpg");
     Tool tool({"batch-convert", source(), destination(), "--max", "160x160", "--jobs", "2"});
     // Interrupt once the first picture is there, as a user who changed their mind.
-    while (!fs::exists(destination()) || filesIn(destination()).size() < 2)
+    while (tool.running() && (!fs::exists(destination()) || filesIn(destination()).size() < 2))
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    ASSERT_TRUE(tool.running()) << "the batch ended before it could be interrupted: " << tool.finish();
     tool.signal(SIGINT);
     EXPECT_EQ(130, tool.finish());
     std::smatch match;
