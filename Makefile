@@ -16,14 +16,25 @@ build: deps
 	cmake -S . -B build/release $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DORVANTA_TESTS=OFF
 	cmake --build build/release -j $(JOBS)
 
-# Debug build with AddressSanitizer and UBSan, every test, then short fuzz runs.
-test: deps test-asan fuzz
+# Debug build with AddressSanitizer and UBSan, every test; the threaded tests again under
+# ThreadSanitizer; then short fuzz runs.
+test: deps test-asan test-tsan fuzz
 
 test-asan:
 	cmake -S . -B build/asan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DORVANTA_SANITIZE=ON
 	cmake --build build/asan -j $(JOBS)
 	cd build/asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
 	  ctest --output-on-failure -j $(JOBS)
+
+# Only the test programs that exercise threads (the message queue, events, timers, tasks) are built
+# under ThreadSanitizer, to keep the run short.
+TSAN_TESTS = test_platform test_foundation
+test-tsan:
+	cmake -S . -B build/tsan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DORVANTA_TSAN=ON
+	cmake --build build/tsan -j $(JOBS) --target $(TSAN_TESTS)
+	for t in $(TSAN_TESTS); do \
+	  TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" build/tsan/bin/$$t --gtest_brief=1 || exit 1; \
+	done
 
 fuzz: deps
 	CC=clang CXX=clang++ cmake -S . -B build/fuzz $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo \

@@ -24,8 +24,15 @@ packages=(
   locales
   # picture scaling by the platform (pixman compositing)
   libpixman-1-dev
+  # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, TurboJPEG's lossless transforms),
+  # libexif for the EXIF thumbnail, libtiff
+  libjpeg62-turbo-dev
+  libturbojpeg0-dev
+  libexif-dev
+  libtiff-dev
   # reference decoders the tests compare against
   imagemagick
+  libjpeg-turbo-progs
   # real photographs for the demo
   lomiri-wallpapers-20.04
   mate-backgrounds

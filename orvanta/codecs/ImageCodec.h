@@ -45,6 +45,24 @@ public:
     // What a file is, by its extension and its header. When size and quality are both null the file
     // is not opened, so this also answers for a file that does not exist yet. Never throws.
     static bool getImageFileInformation(const char16_t* path, ImageType* type, CSize* size, ImageQuality* quality);
+
+    // Result flags of downsizeAndConvertFile; a plain copy answers kConvertCopied alone.
+    static constexpr int kConvertCopied = 1;
+    static constexpr int kConvertFormatChanged = 4;
+    static constexpr int kConvertMadeSmaller = 8;
+    static constexpr int kConvertQualityChanged = 16;
+
+    // Writes source to destination in the destination's format (by its extension), fitted into
+    // maxWidth x maxHeight (−1: that side is free). The same format at a size that fits is copied
+    // byte for byte; a JPEG written from a JPEG keeps the source's APP1, APP13 and COM segments.
+    // Answers 0 when either file's type is unknown or the source unreadable, else the flags above
+    // (kConvertQualityChanged when quality differs from the one the source reports). An Exception
+    // from the full read or from the write passes out.
+    static int downsizeAndConvertFile(const char16_t* source, const char16_t* destination, int maxWidth,
+                                      int maxHeight, ImageQuality quality);
+    // Writes dib as a JPEG at ImageQualityHigh (the quality argument has no effect), keeping the
+    // metadata of sourcePath when that is a JPEG. True when the codec reported success.
+    static bool writeAsJpeg(Dib* dib, const char16_t* path, ImageQuality quality, const char16_t* sourcePath);
 };
 
 }  // namespace Orvanta

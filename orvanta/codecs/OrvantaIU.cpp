@@ -2,6 +2,8 @@
 
 #include "orvanta/codecs/BmpCodec.h"
 #include "orvanta/codecs/CodecManager.h"
+#include "orvanta/codecs/IntelJpegCodec.h"
+#include "orvanta/codecs/TiffCodec.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 
 using namespace Orvanta;
@@ -20,6 +22,8 @@ void orvantaIUInit(void) {
         return;
     }
     init();
+    CodecManager::registerCodec(IntelJpegCodec::create());
+    CodecManager::registerCodec(TiffCodec::create());
     CodecManager::registerCodec(BmpCodec::create());
 }
 
@@ -43,6 +47,25 @@ int orvantaIUGetImageFileInformation(const char16_t* path, int* type, int* width
 
 int orvantaIUGetImageFileInformationU8(const char* path, int* type, int* width, int* height, int* quality) {
     return orvantaIUGetImageFileInformation(CString::fromUtf8(path ? path : ""), type, width, height, quality);
+}
+
+int orvantaIUDownsizeAndConvertFile(const char16_t* source, const char16_t* destination, int maxWidth, int maxHeight,
+                                    int quality) {
+    // A C host cannot catch what the codecs throw for a file they cannot read or write: here that
+    // is a failed conversion.
+    try {
+        return ImageCodec::downsizeAndConvertFile(source, destination, maxWidth, maxHeight,
+                                                  static_cast<ImageQuality>(quality));
+    } catch (...) {
+        return 0;
+    }
+}
+
+int orvantaIUDownsizeAndConvertFileU8(const char* source, const char* destination, int maxWidth, int maxHeight,
+                                      int quality) {
+    return orvantaIUDownsizeAndConvertFile(CString::fromUtf8(source ? source : ""),
+                                           CString::fromUtf8(destination ? destination : ""), maxWidth, maxHeight,
+                                           quality);
 }
 
 int orvantaIUIsFileTypeSupported(const char16_t* path) { return CodecManager::getCodec(path) != nullptr; }

@@ -21,5 +21,6 @@ const std::vector<Command>& commands();
 
 int runInfo(const Arguments& arguments);
 int runEdit(const Arguments& arguments);
+int runBatchConvert(const Arguments& arguments);
 
 }  // namespace OrvantaTool

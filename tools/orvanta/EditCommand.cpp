@@ -230,8 +230,14 @@ int runEdit(const Arguments& arguments) {
                     if (status) std::fprintf(stderr, "orvanta edit: bad operation '%s'\n", words[i].c_str());
                 }
                 if (status == 0) {
-                    if (writer->write(picture->getCurrent(), CString::fromUtf8(destination),
-                                      ImageQualityHigh) <= 0) {
+                    // A JPEG keeps the metadata of its source (EXIF, XMP, IPTC, comments).
+                    const CString target = CString::fromUtf8(destination);
+                    const bool written =
+                        writer->getImageType() == ImageTypeJpeg
+                            ? ImageCodec::writeAsJpeg(picture->getCurrent(), target, ImageQualityHigh,
+                                                      CString::fromUtf8(source))
+                            : writer->write(picture->getCurrent(), target, ImageQualityHigh) > 0;
+                    if (!written) {
                         std::fprintf(stderr, "orvanta edit: cannot write '%s'\n", destination.c_str());
                         status = 1;
                     } else {

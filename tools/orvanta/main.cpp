@@ -41,6 +41,19 @@ const std::vector<Command>& commands() {
          "Prints: DST  WIDTH  HEIGHT  undo N  redo N  retired N\n"
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runEdit},
+        {"batch-convert", "batch-convert SRC_DIR DST_DIR [--max WxH] [--quality Q] [--to EXT] [--jobs N]",
+         "usage: orvanta batch-convert SRC_DIR DST_DIR [--max WxH] [--quality normal|draft|high] [--to EXT] [--jobs N]\n"
+         "\n"
+         "Converts every picture directly in SRC_DIR into DST_DIR (made if missing), under the same name.\n"
+         "  --max WxH      shrink pictures larger than W by H to fit in that box, keeping their shape\n"
+         "  --quality Q    how much the written files may lose (default normal)\n"
+         "  --to EXT       write this type instead of each source's own (jpg, tif, bmp)\n"
+         "  --jobs N       conversions at once, each on its own thread (default: one per core)\n"
+         "A progress bar with the time left is drawn on a terminal. Ctrl-C stops after the files in\n"
+         "progress: those and every file finished before stay, nothing is left half-written.\n"
+         "Prints how many files were converted. Exit status 0 if all were, 1 if any was not, 2 for bad\n"
+         "arguments, 130 when interrupted.\n",
+         runBatchConvert},
     };
     return table;
 }

@@ -1,0 +1,66 @@
+#pragma once
+// IntelJpegCodec: JPEG files ("jpg", "jpeg"), the photographs of the library.
+//
+// Contract: read and readFromMemory decode with the first engine (platform/JpegLibrary), straight
+// at a half, a quarter or an eighth of the size when the box allows, so that the result is never
+// smaller than the box asks; a grey picture comes out with three channels, a CMYK or YCCK one with
+// four. A file whose first decode fails, or whose centre comes out black, is decoded again at full
+// size by the second decoder (plain libjpeg); a file neither can read throws the first one's
+// Exception, and a memory block never takes the second road. write and writeToMemory encode at
+// quality 85 (65 for draft), with finer chroma for ImageQualityHigh. Every file the codec writes
+// (a new picture, a rotation, a new thumbnail, a re-encode keeping metadata) is complete on disk
+// before it takes the place of the old one, so a failure at any step leaves the old file as it was.
+//
+// Files are never reported as draft: the engine does not recover the quality a file was written
+// at, so getInfo reports ImageQualityHigh for every readable file.
+
+#include "orvanta/codecs/ImageCodec.h"
+
+namespace Orvanta {
+
+class IntelJpegCodec : public ImageCodec {
+public:
+    static IntelJpegCodec* create();
+
+    ImageType getImageType() override { return ImageTypeJpeg; }
+    bool hasEmbeddedThumbnail() override { return true; }
+    bool useEmbeddedThumbnail() override;
+    // The picture stored in the file's EXIF block, decoded; null when there is none or it is unusable.
+    Dib* readEmbeddedThumbnail(const char16_t* path) override;
+    // Replaces the EXIF thumbnail by the given picture, or removes it when thumbnail is null. A file
+    // without an EXIF block is left alone. The file's times are kept.
+    void writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail) override;
+    Dib* read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) override;
+    Dib* readFromMemory(const void* data, int size, CSize* originalSize, int maxHeight, int maxWidth) override;
+    bool getInfo(const char16_t* path, CSize* size, ImageQuality* quality) override;
+    bool getInfoFromMemory(const void* data, int size, CSize* imageSize, ImageQuality* quality) override;
+    int write(Dib* dib, const char16_t* path, ImageQuality quality) override;
+    int writeToMemory(Dib* dib, void* buffer, int size, ImageQuality quality) override;
+    bool isLosslessFormat() override { return false; }
+    // Rotations are applied in the file; they lose nothing when both sides are multiples of 8
+    // (otherwise the edge blocks that cannot turn are dropped).
+    bool canApplyToFile(EditingOp* op) override;
+    bool isLosslessOnFile(EditingOp* op, Dib* dib) override;
+    // Turns the picture in the file by the operation's angle (90, 180, 270 clockwise) without
+    // decoding it: edge blocks that cannot turn are dropped, every segment is copied, the file's
+    // times are kept. Angle 0 does nothing. Throws Error for other angles, Exception when the file
+    // cannot be read or its new version not created; false when the picture cannot be transformed
+    // (damaged data, a sampling the transformer does not know) or the new file not written.
+    bool rotateFile(const char16_t* path, RotateOp* op) override;
+
+    // Re-encodes dib into path, carrying over the APP1 (EXIF, XMP), APP13 and COM segments of the
+    // JPEG file sourcePath byte for byte. A source with none of them, or one that cannot be parsed,
+    // gives a plain write.
+    int writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath, ImageQuality quality);
+
+private:
+    IntelJpegCodec();
+
+    Dib* readCommon(const char16_t* path, const void* data, int size, CSize* originalSize, int maxHeight,
+                    int maxWidth);
+    int writeCommon(Dib* dib, const char16_t* path, void* buffer, int size, ImageQuality quality);
+    static Dib* readWithLibjpeg(const char16_t* path, CSize* originalSize);
+    static int writeWithLibjpeg(Dib* dib, const char16_t* path, void* buffer, int size, ImageQuality quality);
+};
+
+}  // namespace Orvanta

@@ -1,0 +1,7 @@
+#include "orvanta/foundation/RoutedControl.h"
+
+namespace Orvanta {
+
+RoutedControl* RoutedControl::mgFocusedControl = nullptr;
+
+}  // namespace Orvanta

@@ -1,0 +1,277 @@
+#include "orvanta/platform/JpegLibrary.h"
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "orvanta/platform/JpegErrorJump.h"
+#include "orvanta/platform/MappedFile.h"
+#include "orvanta/platform/ReplacementFile.h"
+
+namespace Orvanta::Platform {
+
+// What a record holds between calls: the mapped file, so that reading the header and then the
+// picture maps it once.
+struct JpegEngine {
+    MappedFile file;
+    std::string mappedPath;
+};
+
+namespace {
+
+bool isFileMode(int mode) { return mode % 2 == 0; }
+
+int reductionOf(int mode) {
+    switch (mode) {
+        case IJL_JFILE_READWHOLEIMAGE:
+        case IJL_JBUFF_READWHOLEIMAGE: return 1;
+        case IJL_JFILE_READONEHALF:
+        case IJL_JBUFF_READONEHALF: return 2;
+        case IJL_JFILE_READONEQUARTER:
+        case IJL_JBUFF_READONEQUARTER: return 4;
+        case IJL_JFILE_READONEEIGHTH:
+        case IJL_JBUFF_READONEEIGHTH: return 8;
+        default: return 0;
+    }
+}
+
+// The compressed bytes a read works on: the mapped file or the caller's block.
+int sourceOf(JPEG_CORE_PROPERTIES* props, int mode, const unsigned char** data, int* size) {
+    if (!isFileMode(mode)) {
+        if (!props->JPGBytes || props->JPGSizeBytes <= 0) return IJL_NULL_POINTER;
+        *data = props->JPGBytes;
+        *size = props->JPGSizeBytes;
+        return IJL_OK;
+    }
+    if (!props->JPGFile) return IJL_NULL_POINTER;
+    JpegEngine& engine = *props->engine;
+    if (!engine.file.isOpen() || engine.mappedPath != props->JPGFile) {
+        engine.mappedPath.clear();
+        if (!engine.file.open(props->JPGFile)) return IJL_FILE_ERROR;
+        engine.mappedPath = props->JPGFile;
+    }
+    if (engine.file.size() == 0) return IJL_BAD_DATA;
+    *data = engine.file.data();
+    *size = engine.file.size();
+    return IJL_OK;
+}
+
+int readParams(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size) {
+    JpegErrorJump errors;
+    jpeg_decompress_struct info;
+    info.err = errors.install();
+    if (setjmp(errors.jump)) {
+        jpeg_destroy_decompress(&info);
+        return IJL_BAD_DATA;
+    }
+    jpeg_create_decompress(&info);
+    jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
+    jpeg_read_header(&info, TRUE);
+    props->JPGWidth = static_cast<int>(info.image_width);
+    props->JPGHeight = static_cast<int>(info.image_height);
+    props->JPGChannels = info.num_components;
+    jpeg_destroy_decompress(&info);
+    return IJL_OK;
+}
+
+// Checks the output form the record asks for against the picture, and chooses libjpeg's output.
+int outputSpace(const JPEG_CORE_PROPERTIES* props, const jpeg_decompress_struct& info, J_COLOR_SPACE* space) {
+    const bool fourComponents = info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
+    if (props->DIBColor == IJL_BGR && props->DIBChannels == 3 && !fourComponents &&
+        (info.num_components == 1 || info.num_components == 3)) {
+        *space = JCS_EXT_BGR;
+        return IJL_OK;
+    }
+    if (props->DIBColor == IJL_RGBA_FPX && props->DIBChannels == 4 && fourComponents) {
+        *space = JCS_CMYK;
+        return IJL_OK;
+    }
+    return IJL_INVALID_JPEG_PROPERTIES;
+}
+
+int readImage(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, int reduction) {
+    if (!props->DIBBytes || props->DIBWidth <= 0 || props->DIBHeight <= 0 || props->DIBPadBytes < 0)
+        return IJL_INVALID_JPEG_PROPERTIES;
+    const long long rowBytes = static_cast<long long>(props->DIBWidth) * props->DIBChannels + props->DIBPadBytes;
+    if (rowBytes > INT_MAX) return IJL_INVALID_JPEG_PROPERTIES;
+    std::vector<JSAMPROW> rows;
+    try {
+        rows.resize(static_cast<std::size_t>(props->DIBHeight));
+    } catch (const std::bad_alloc&) {
+        return IJL_MEMORY_ERROR;
+    }
+    for (int y = 0; y < props->DIBHeight; ++y) rows[y] = props->DIBBytes + rowBytes * y;
+
+    JpegErrorJump errors;
+    jpeg_decompress_struct info;
+    info.err = errors.install();
+    volatile int result = IJL_BAD_DATA;
+    if (setjmp(errors.jump)) {
+        jpeg_destroy_decompress(&info);
+        return result;
+    }
+    jpeg_create_decompress(&info);
+    errors.watchScans(&info);
+    jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
+    jpeg_read_header(&info, TRUE);
+    J_COLOR_SPACE space;
+    result = outputSpace(props, info, &space);
+    if (result != IJL_OK) {
+        jpeg_destroy_decompress(&info);
+        return result;
+    }
+    result = IJL_BAD_DATA;
+    info.out_color_space = space;
+    info.scale_num = 1;
+    info.scale_denom = static_cast<unsigned int>(reduction);
+    jpeg_calc_output_dimensions(&info);
+    if (static_cast<int>(info.output_width) != props->DIBWidth ||
+        static_cast<int>(info.output_height) != props->DIBHeight) {
+        jpeg_destroy_decompress(&info);
+        return IJL_INVALID_JPEG_PROPERTIES;
+    }
+    jpeg_start_decompress(&info);
+    while (info.output_scanline < info.output_height) {
+        const JDIMENSION line = info.output_scanline;
+        if (jpeg_read_scanlines(&info, &rows[line], info.output_height - line) == 0) break;
+    }
+    if (space == JCS_CMYK) {
+        // libjpeg gives cyan, magenta, yellow, black; the blue-first order puts yellow first.
+        for (int y = 0; y < props->DIBHeight; ++y) {
+            unsigned char* p = rows[y];
+            for (int x = 0; x < props->DIBWidth; ++x, p += 4) std::swap(p[0], p[2]);
+        }
+    }
+    // A picture cut short has been delivered as far as it goes; the rest of its data is not needed.
+    jpeg_abort_decompress(&info);
+    jpeg_destroy_decompress(&info);
+    return IJL_OK;
+}
+
+// A libjpeg destination over the caller's fixed block: running out of room is the one failure.
+struct FixedDestination {
+    jpeg_destination_mgr manager;
+    bool overflow = false;
+};
+
+int encode(JPEG_CORE_PROPERTIES* props, jpeg_compress_struct& info, JpegErrorJump& errors,
+           unsigned char** grown, unsigned long* grownSize, FixedDestination* fixed) {
+    jpeg_create_compress(&info);
+    if (fixed) {
+        fixed->manager.next_output_byte = props->JPGBytes;
+        fixed->manager.free_in_buffer = static_cast<std::size_t>(props->JPGSizeBytes);
+        fixed->manager.init_destination = [](j_compress_ptr) {};
+        fixed->manager.empty_output_buffer = [](j_compress_ptr c) -> boolean {
+            reinterpret_cast<FixedDestination*>(c->dest)->overflow = true;
+            std::longjmp(reinterpret_cast<JpegErrorJump*>(c->err)->jump, 1);
+        };
+        fixed->manager.term_destination = [](j_compress_ptr) {};
+        info.dest = &fixed->manager;
+    } else {
+        jpeg_mem_dest(&info, grown, grownSize);
+    }
+    info.image_width = static_cast<JDIMENSION>(props->JPGWidth);
+    info.image_height = static_cast<JDIMENSION>(props->JPGHeight);
+    info.input_components = props->DIBChannels;
+    info.in_color_space = props->DIBChannels == 4 ? JCS_EXT_BGRX : JCS_EXT_BGR;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, props->jquality, TRUE);
+    jpeg_set_colorspace(&info, JCS_YCbCr);
+    int horizontal = 1, vertical = 1;
+    switch (props->JPGSubsampling) {
+        case IJL_411:
+        case IJL_4114: horizontal = vertical = 2; break;
+        case IJL_422:
+        case IJL_4224: horizontal = 2; break;
+        default: break;
+    }
+    info.comp_info[0].h_samp_factor = horizontal;
+    info.comp_info[0].v_samp_factor = vertical;
+    jpeg_start_compress(&info, TRUE);
+    const int stride = props->DIBWidth * props->DIBChannels + props->DIBPadBytes;
+    JSAMPROW rows[16];
+    while (info.next_scanline < info.image_height) {
+        int count = 0;
+        for (; count < 16 && info.next_scanline + count < info.image_height; ++count)
+            rows[count] = props->DIBBytes + static_cast<std::ptrdiff_t>(stride) * (info.next_scanline + count);
+        jpeg_write_scanlines(&info, rows, static_cast<JDIMENSION>(count));
+    }
+    jpeg_finish_compress(&info);
+    return IJL_OK;
+}
+
+int writeImage(JPEG_CORE_PROPERTIES* props, int mode) {
+    if (!props->DIBBytes || props->DIBWidth <= 0 || props->DIBHeight <= 0 || props->DIBPadBytes < 0 ||
+        props->JPGWidth != props->DIBWidth || props->JPGHeight != props->DIBHeight ||
+        props->JPGWidth > JPEG_MAX_DIMENSION || props->JPGHeight > JPEG_MAX_DIMENSION)
+        return IJL_INVALID_JPEG_PROPERTIES;
+    if (!((props->DIBColor == IJL_BGR && props->DIBChannels == 3) ||
+          (props->DIBColor == IJL_RGBA_FPX && props->DIBChannels == 4)))
+        return IJL_INVALID_JPEG_PROPERTIES;
+    const bool toFile = isFileMode(mode);
+    if (toFile ? !props->JPGFile : (!props->JPGBytes || props->JPGSizeBytes <= 0)) return IJL_NULL_POINTER;
+
+    FixedDestination fixed;
+    unsigned char* grown = nullptr;
+    unsigned long grownSize = 0;
+    JpegErrorJump errors;
+    jpeg_compress_struct info;
+    info.err = errors.install();
+    if (setjmp(errors.jump)) {
+        jpeg_destroy_compress(&info);
+        std::free(grown);
+        return fixed.overflow ? IJL_BUFFER_TOO_SMALL : IJL_EXCEPTION_DETECTED;
+    }
+    encode(props, info, errors, &grown, &grownSize, toFile ? nullptr : &fixed);
+    if (!toFile) {
+        props->JPGSizeBytes -= static_cast<int>(fixed.manager.free_in_buffer);
+        jpeg_destroy_compress(&info);
+        return IJL_OK;
+    }
+    jpeg_destroy_compress(&info);
+
+    ReplacementFile out(props->JPGFile);
+    const bool written = grownSize <= INT_MAX && out.open() && out.write(grown, grownSize) && out.commit();
+    std::free(grown);
+    if (!written) return IJL_FILE_ERROR;
+    props->JPGSizeBytes = static_cast<int>(grownSize);
+    return IJL_OK;
+}
+
+}  // namespace
+
+int ijlInit(JPEG_CORE_PROPERTIES* props) {
+    if (!props) return IJL_NULL_POINTER;
+    props->engine = new (std::nothrow) JpegEngine();
+    return props->engine ? IJL_OK : IJL_MEMORY_ERROR;
+}
+
+int ijlFree(JPEG_CORE_PROPERTIES* props) {
+    if (!props) return IJL_NULL_POINTER;
+    delete props->engine;
+    props->engine = nullptr;
+    return IJL_OK;
+}
+
+int ijlRead(JPEG_CORE_PROPERTIES* props, int mode) {
+    if (!props || !props->engine) return IJL_NULL_POINTER;
+    const int reduction = reductionOf(mode);
+    if (mode != IJL_JFILE_READPARAMS && mode != IJL_JBUFF_READPARAMS && reduction == 0)
+        return IJL_INVALID_JPEG_PROPERTIES;
+    const unsigned char* data = nullptr;
+    int size = 0;
+    const int found = sourceOf(props, mode, &data, &size);
+    if (found != IJL_OK) return found;
+    if (reduction == 0) return readParams(props, data, size);
+    return readImage(props, data, size, reduction);
+}
+
+int ijlWrite(JPEG_CORE_PROPERTIES* props, int mode) {
+    if (!props || !props->engine) return IJL_NULL_POINTER;
+    if (mode != IJL_JFILE_WRITEWHOLEIMAGE && mode != IJL_JBUFF_WRITEWHOLEIMAGE) return IJL_INVALID_JPEG_PROPERTIES;
+    return writeImage(props, mode);
+}
+
+}  // namespace Orvanta::Platform

@@ -1,0 +1,51 @@
+#pragma once
+// The reference tools the codec tests compare against (libjpeg-turbo's djpeg and jpegtran,
+// ImageMagick, exiftool), and the measures used to compare.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "orvanta/pixels/Dib.h"
+
+namespace OrvantaTest {
+
+// A decoded picture: packed rows, three bytes a pixel, blue first.
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::string bgr;
+};
+
+bool haveTool(const char* name);
+
+// djpeg's decode at 1/denominator (grey spread to three channels); empty when djpeg is missing or
+// cannot decode the file at all (a decode with warnings counts).
+std::optional<Picture> djpegDecode(const std::string& path, int denominator);
+// ImageMagick's decode, flattened over black (so premultiplied like libtiff's); empty when missing.
+std::optional<Picture> magickDecode(const std::string& path);
+// The decodes of every reference reader installed: ImageMagick's as above, and GraphicsMagick's
+// colours as stored. The readers disagree on some rare forms (old-style JPEG in TIFF, planar grey
+// with alpha), so a decode is right when it matches any of them.
+std::vector<Picture> referenceDecodes(const std::string& path);
+// jpegtran -rotate angle -trim -copy all into output; false when jpegtran is missing or fails.
+bool jpegtranRotate(const std::string& path, int angle, const std::string& output);
+// exiftool's tags of a file (group:tag=value lines, sorted), without the ones that describe the
+// file itself (name, size, dates of the file system, JFIF and encoding facts).
+std::optional<std::string> exiftoolTags(const std::string& path);
+
+// The colours of a Dib (three or four bytes a pixel) as a Picture.
+Picture pictureOf(const Orvanta::Dib& dib);
+// Peak signal-to-noise ratio in dB over all colour bytes; infinity for identical pictures, 0 for
+// pictures of different sizes.
+double psnr(const Picture& a, const Picture& b);
+
+// The segments of a JPEG file with one marker, each with its 4 header bytes, in file order
+// (parsed independently of the library, up to the first scan).
+std::vector<std::string> jpegSegments(const std::string& bytes, int marker);
+// Where the first scan's marker stands (the end of the header segments), or npos.
+std::size_t jpegScanOffset(const std::string& bytes);
+// The sampling factors of the frame header's components, as "HxV" strings.
+std::vector<std::string> jpegSampling(const std::string& bytes);
+
+}  // namespace OrvantaTest

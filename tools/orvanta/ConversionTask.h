@@ -1,0 +1,68 @@
+#pragma once
+// ConversionTask: converts files of a batch on a thread of its own and reports each one to the
+// user-interface thread.
+//
+// Contract: several tasks may share one Batch; each claims the next unclaimed file until none is
+// left, the batch is stopping, or the task is killed. A file is converted into a temporary sibling of
+// its destination and renamed into place only once complete, so a destination is never half-written;
+// a file already being converted when the task is killed is finished. After each file the task sends
+// a FileConverted event to the listener, from its own thread.
+
+#include <atomic>
+#include <cstddef>
+#include <vector>
+
+#include "orvanta/codecs/CodecTypes.h"
+#include "orvanta/foundation/Event.h"
+#include "orvanta/foundation/EventListener.h"
+#include "orvanta/foundation/Task.h"
+#include "orvanta/platform/CString.h"
+
+namespace OrvantaTool {
+
+struct Batch {
+    struct File {
+        Orvanta::CString source;
+        Orvanta::CString destination;
+        Orvanta::CString temporary;  // beside the destination, with the same extension
+    };
+
+    std::vector<File> files;
+    int maxWidth = -1;
+    int maxHeight = -1;
+    Orvanta::ImageQuality quality = Orvanta::ImageQualityNormal;
+    std::atomic<std::size_t> next{0};
+    std::atomic<bool> stopping{false};
+
+    // The index of the next file to convert, or -1 when there is none or the batch is stopping.
+    long claim();
+};
+
+// One file done: its index in the batch and whether it was converted.
+class FileConverted : public Orvanta::Event {
+public:
+    static FileConverted* create(std::size_t index, bool converted) {
+        return new FileConverted(index, converted);
+    }
+    std::size_t index;
+    bool converted;
+
+private:
+    FileConverted(std::size_t i, bool ok) : index(i), converted(ok) {}
+};
+
+class ConversionTask : public Orvanta::Task {
+public:
+    ConversionTask(Batch& batch, Orvanta::EventListener* listener);
+    ~ConversionTask() override { killTask(); }
+
+    void doTask() override;
+
+private:
+    bool convert(const Batch::File& file);
+
+    Batch& mBatch;
+    Orvanta::EventListener* mListener;
+};
+
+}  // namespace OrvantaTool
