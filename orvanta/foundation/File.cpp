@@ -140,6 +140,17 @@ bool File::setSize(int size) {
     return seek(size) && FileSystem::current().truncate(mHandle, size) == 0;
 }
 
+bool File::allocate(int size) {
+    if (!isOpen() || isMapped() || size < 0) return false;
+    const int old = getSize();
+    if (old < 0) return false;
+    if (size <= old) return setSize(size);
+    FileSystem& fs = FileSystem::current();
+    if (fs.allocate(mHandle, old, size - old) == 0) return true;
+    fs.truncate(mHandle, old);  // gives back whatever part of the range was taken
+    return false;
+}
+
 bool File::getTimes(FILETIME* creation, FILETIME* access, FILETIME* write) {
     if (!isOpen()) return false;
     FileSystem& fs = FileSystem::current();
