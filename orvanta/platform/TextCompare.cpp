@@ -3,6 +3,7 @@
 #include <unicode/ucol.h>
 #include <unicode/uloc.h>
 
+#include <cstring>
 #include <memory>
 
 namespace Orvanta::Platform {
@@ -16,8 +17,12 @@ struct CollatorClose {
 // One collator per thread: ICU collators are not to be shared between threads while in use.
 UCollator* threadCollator() {
     thread_local std::unique_ptr<UCollator, CollatorClose> collator = [] {
+        // The C and POSIX locales (which ICU calls en_US_POSIX) collate by code point; the platform's
+        // comparison is linguistic in every locale, so they take the root collation instead.
+        const char* locale = uloc_getDefault();
+        if (std::strstr(locale, "POSIX")) locale = "";
         UErrorCode status = U_ZERO_ERROR;
-        UCollator* made = ucol_open(uloc_getDefault(), &status);
+        UCollator* made = ucol_open(locale, &status);
         if (U_FAILURE(status)) {
             status = U_ZERO_ERROR;
             made = ucol_open("", &status);  // the root collation
