@@ -20,5 +20,6 @@ struct Command {
 const std::vector<Command>& commands();
 
 int runInfo(const Arguments& arguments);
+int runDb(const Arguments& arguments);
 
 }  // namespace OrvantaTool
