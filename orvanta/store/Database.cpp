@@ -246,7 +246,7 @@ bool Database::scanRecords() {
 
 void Database::scanFree() {
     for (BlockCursor cursor = blocksBegin(), end = blocksEnd(); cursor != end; ++cursor)
-        if (cursor->getType() == Block::kBlockFree) mFree.insert(mFree.end(), blockToOffset(*cursor));
+        if (cursor->getType() == Block::kBlockFree) addFreeBlock(*cursor);
 }
 
 // --- The block level ---------------------------------------------------------------------------------
@@ -308,34 +308,20 @@ bool Database::isBlockAddress(const void* address) {
     return p >= first && p < end && (p - first) % getBlockSize() == 0;
 }
 
-void Database::addFreeBlock(Block* block) { mFree.insert(blockToOffset(block)); }
-void Database::removeFreeBlock(Block* block) { mFree.erase(blockToOffset(block)); }
+void Database::addFreeBlock(Block* block) { mFree.insert(blockToOffset(block) / getBlockSize()); }
+void Database::removeFreeBlock(Block* block) { mFree.erase(blockToOffset(block) / getBlockSize()); }
 
 void Database::initBlocks(Block* first, int count) {
     const int blockSize = getBlockSize();
     std::memset(first, 0, static_cast<std::size_t>(count) * static_cast<std::size_t>(blockSize));
-    auto hint = mFree.end();
-    for (int i = 0, offset = blockToOffset(first); i < count; ++i, offset += blockSize)
-        hint = std::next(mFree.insert(hint, offset));
+    for (int i = 0, block = blockToOffset(first) / blockSize; i < count; ++i) mFree.insert(block + i);
 }
 
 Database::Block* Database::findFreeRun(int size) {
     if (!mBase) return nullptr;
-    const int need = blocksForSize(size);
-    const int blockSize = getBlockSize();
-    bool started = false;
-    int previous = 0, run = 0, start = 0;
-    for (const int offset : mFree) {
-        if (!started || offset - previous > blockSize) {
-            run = 0;
-            start = offset;
-        }
-        started = true;
-        ++run;
-        previous = offset;
-        if (run == need) return offsetToBlock(start);
-    }
-    return nullptr;
+    // First fit: the lowest run of enough consecutive free blocks; no best fit, no compaction.
+    const int start = mFree.findRun(blocksForSize(size));
+    return start < 0 ? nullptr : offsetToBlock(start * getBlockSize());
 }
 
 bool Database::grow(int size) {
@@ -400,7 +386,7 @@ Database::Record* Database::infoRecord() {
     if (mInfoOffset == -1) return nullptr;
     // After clear the offset still names its block, zero-filled and free, until an allocation
     // takes the block for another record.
-    if (!mInfoLive && !mFree.count(mInfoOffset)) return nullptr;
+    if (!mInfoLive && !mFree.contains(mInfoOffset / getBlockSize())) return nullptr;
     return static_cast<Record*>(offsetToBlock(mInfoOffset));
 }
 

@@ -28,7 +28,6 @@
 // One thread at a time; no lock. The file is opened without sharing: a second opener fails.
 
 #include <cstdint>
-#include <set>
 #include <vector>
 
 #include "orvanta/foundation/File.h"
@@ -37,6 +36,7 @@
 #include "orvanta/foundation/UniqueID.h"
 #include "orvanta/platform/WinTypes.h"
 #include "orvanta/store/DatabaseJournal.h"
+#include "orvanta/store/FreeBlocks.h"
 #include "orvanta/store/IdIndex.h"
 #include "orvanta/store/StoreFormat.h"
 
@@ -141,7 +141,7 @@ public:
     // keeps it. Nothing when there is none.
     void commit();
     DatabaseOrdering* getOrdering() { return mOrdering; }
-    int getFreeBlockCount() const { return static_cast<int>(mFree.size()); }
+    int getFreeBlockCount() const { return mFree.size(); }
 
     // The block level, for the store's own classes, tools and tests.
     virtual Block* firstBlock();
@@ -189,7 +189,7 @@ private:
 
     OwnedPtr<File> mFile;
     unsigned char* mBase = nullptr;
-    std::set<std::int32_t> mFree;
+    FreeBlocks mFree;  // block numbers: offset / blockSize
     IdIndex mIds;
     std::vector<std::int32_t> mPositions;
     int mGrowBlocks;

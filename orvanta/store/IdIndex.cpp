@@ -59,10 +59,19 @@ void IdIndex::Key::toBytes(void* bytes) const {
     storeBigEndian(lo, p + 8);
 }
 
+void IdIndex::Chunk::moveTo(Chunk& target, int to, int from, int n) const {
+    if (n <= 0) return;
+    const auto count = static_cast<std::size_t>(n);
+    std::memmove(target.hi + to, hi + from, count * sizeof hi[0]);
+    std::memmove(target.lo + to, lo + from, count * sizeof lo[0]);
+    std::memmove(target.offsets + to, offsets + from, count * sizeof offsets[0]);
+}
+
 void IdIndex::clear() {
     mChunks.clear();
     mFirstKeys.clear();
     mSize = 0;
+    mHintValid = false;
 }
 
 std::size_t IdIndex::chunkFor(const Key& key) const {
@@ -74,17 +83,27 @@ int IdIndex::indexIn(const Chunk& chunk, const Key& key) {
     int low = 0, high = chunk.count;
     while (low < high) {
         const int middle = (low + high) / 2;
-        if (chunk.entries[middle].key < key) low = middle + 1;
+        if (chunk.hi[middle] < key.hi || (chunk.hi[middle] == key.hi && chunk.lo[middle] < key.lo)) low = middle + 1;
         else high = middle;
     }
     return low;
 }
 
+IdIndex::Position IdIndex::place(const Key& key) const {
+    if (mHintValid && mHintKey == key) return mHint;
+    const std::size_t c = chunkFor(key);
+    return Position{c, static_cast<std::size_t>(indexIn(*mChunks[c], key))};
+}
+
 std::int32_t IdIndex::find(const Key& key) const {
     if (mChunks.empty()) return -1;
-    const Chunk& chunk = *mChunks[chunkFor(key)];
-    const int i = indexIn(chunk, key);
-    return i < chunk.count && chunk.entries[i].key == key ? chunk.entries[i].offset : -1;
+    const Position position = place(key);
+    mHintKey = key;
+    mHint = position;
+    mHintValid = true;
+    const Chunk& chunk = *mChunks[position.chunk];
+    const int i = static_cast<int>(position.index);
+    return i < chunk.count && chunk.key(i) == key ? chunk.offsets[i] : -1;
 }
 
 void IdIndex::split(std::size_t c) {
@@ -92,9 +111,9 @@ void IdIndex::split(std::size_t c) {
     auto upper = std::make_unique<Chunk>();
     const int keep = full.count / 2;
     upper->count = full.count - keep;
-    std::memcpy(upper->entries, full.entries + keep, sizeof(Entry) * static_cast<std::size_t>(upper->count));
+    full.moveTo(*upper, 0, keep, upper->count);
     full.count = keep;
-    mFirstKeys.insert(mFirstKeys.begin() + static_cast<std::ptrdiff_t>(c + 1), upper->entries[0].key);
+    mFirstKeys.insert(mFirstKeys.begin() + static_cast<std::ptrdiff_t>(c + 1), upper->key(0));
     mChunks.insert(mChunks.begin() + static_cast<std::ptrdiff_t>(c + 1), std::move(upper));
 }
 
@@ -102,11 +121,14 @@ void IdIndex::assign(const Key& key, std::int32_t offset) {
     if (mChunks.empty()) {
         mChunks.push_back(std::make_unique<Chunk>());
         mFirstKeys.push_back(key);
+        mHintValid = false;
     }
-    std::size_t c = chunkFor(key);
-    int i = indexIn(*mChunks[c], key);
-    if (i < mChunks[c]->count && mChunks[c]->entries[i].key == key) {
-        mChunks[c]->entries[i].offset = offset;
+    const Position position = place(key);
+    mHintValid = false;
+    std::size_t c = position.chunk;
+    int i = static_cast<int>(position.index);
+    if (i < mChunks[c]->count && mChunks[c]->key(i) == key) {
+        mChunks[c]->offsets[i] = offset;
         return;
     }
     if (mChunks[c]->count == kChunkSize) {
@@ -117,8 +139,8 @@ void IdIndex::assign(const Key& key, std::int32_t offset) {
         }
     }
     Chunk& chunk = *mChunks[c];
-    std::memmove(chunk.entries + i + 1, chunk.entries + i, sizeof(Entry) * static_cast<std::size_t>(chunk.count - i));
-    chunk.entries[i] = Entry{key, offset};
+    chunk.moveTo(chunk, i + 1, i, chunk.count - i);
+    chunk.put(i, Entry{key, offset});
     ++chunk.count;
     if (i == 0) mFirstKeys[c] = key;
     ++mSize;
@@ -131,22 +153,24 @@ void IdIndex::dropChunk(std::size_t c) {
 
 bool IdIndex::erase(const Key& key) {
     if (mChunks.empty()) return false;
-    const std::size_t c = chunkFor(key);
+    const Position position = place(key);
+    mHintValid = false;
+    const std::size_t c = position.chunk;
     Chunk& chunk = *mChunks[c];
-    const int i = indexIn(chunk, key);
-    if (i >= chunk.count || !(chunk.entries[i].key == key)) return false;
-    std::memmove(chunk.entries + i, chunk.entries + i + 1, sizeof(Entry) * static_cast<std::size_t>(chunk.count - i - 1));
+    const int i = static_cast<int>(position.index);
+    if (i >= chunk.count || !(chunk.key(i) == key)) return false;
+    chunk.moveTo(chunk, i, i + 1, chunk.count - i - 1);
     --chunk.count;
     --mSize;
     if (chunk.count == 0) {
         dropChunk(c);
         return true;
     }
-    if (i == 0) mFirstKeys[c] = chunk.entries[0].key;
+    if (i == 0) mFirstKeys[c] = chunk.key(0);
     // Keep chunks from thinning out after many removals: fold a small chunk into its successor.
     if (c + 1 < mChunks.size() && chunk.count + mChunks[c + 1]->count <= kChunkSize / 2) {
-        Chunk& following = *mChunks[c + 1];
-        std::memcpy(chunk.entries + chunk.count, following.entries, sizeof(Entry) * static_cast<std::size_t>(following.count));
+        const Chunk& following = *mChunks[c + 1];
+        following.moveTo(chunk, chunk.count, 0, following.count);
         chunk.count += following.count;
         dropChunk(c + 1);
     }
@@ -161,15 +185,15 @@ void IdIndex::build(std::vector<Entry> entries) {
         // Of equal keys, sorted by offset, only the last is kept.
         if (i + 1 < entries.size() && entries[i + 1].key == entries[i].key) continue;
         if (!chunk) chunk = std::make_unique<Chunk>();
-        chunk->entries[chunk->count++] = entries[i];
+        chunk->put(chunk->count++, entries[i]);
         ++mSize;
         if (chunk->count == kChunkSize) {
-            mFirstKeys.push_back(chunk->entries[0].key);
+            mFirstKeys.push_back(chunk->key(0));
             mChunks.push_back(std::move(chunk));
         }
     }
     if (chunk) {
-        mFirstKeys.push_back(chunk->entries[0].key);
+        mFirstKeys.push_back(chunk->key(0));
         mChunks.push_back(std::move(chunk));
     }
 }

@@ -10,6 +10,8 @@
 // The entries live in sorted chunks of at most kChunkSize, with the first key of each chunk kept in
 // one array: a lookup is two binary searches over contiguous memory, and an insertion moves at most
 // one chunk's entries. This keeps the rebuild at open and the lookups well ahead of a node-based map.
+// An insertion right after a lookup of the same key (the way a Database adds a record) reuses the
+// place the lookup found.
 
 #include <cstddef>
 #include <cstdint>
@@ -58,7 +60,10 @@ public:
     // The first position whose key is not less than key.
     Position lowerBound(const Key& key) const;
     bool atEnd(const Position& position) const { return position.chunk >= mChunks.size(); }
-    const Entry& at(const Position& position) const { return mChunks[position.chunk]->entries[position.index]; }
+    Entry at(const Position& position) const {
+        const Chunk& chunk = *mChunks[position.chunk];
+        return Entry{Key{chunk.hi[position.index], chunk.lo[position.index]}, chunk.offsets[position.index]};
+    }
     Position next(Position position) const;
     // The position before; returns false at the first one.
     bool previous(Position& position) const;
@@ -66,20 +71,39 @@ public:
     static constexpr int kChunkSize = 128;
 
 private:
+    // Keys in two arrays of halves, so that the binary search reads the high halves alone (ids are
+    // random: they seldom tie).
     struct Chunk {
         int count = 0;
-        Entry entries[kChunkSize];
+        std::uint64_t hi[kChunkSize];
+        std::uint64_t lo[kChunkSize];
+        std::int32_t offsets[kChunkSize];
+
+        Key key(int i) const { return Key{hi[i], lo[i]}; }
+        void put(int i, const Entry& entry) {
+            hi[i] = entry.key.hi;
+            lo[i] = entry.key.lo;
+            offsets[i] = entry.offset;
+        }
+        // Moves count entries from index from to index to, within this chunk or into another.
+        void moveTo(Chunk& target, int to, int from, int count) const;
     };
 
     // The chunk that holds key or would hold it; only for a non-empty index.
     std::size_t chunkFor(const Key& key) const;
     static int indexIn(const Chunk& chunk, const Key& key);
+    // Where key is or would go.
+    Position place(const Key& key) const;
     void split(std::size_t chunk);
     void dropChunk(std::size_t chunk);
 
     std::vector<std::unique_ptr<Chunk>> mChunks;
     std::vector<Key> mFirstKeys;  // the first key of each chunk
     std::size_t mSize = 0;
+    // The place the last find found for its key, valid until the next change.
+    mutable Key mHintKey{};
+    mutable Position mHint;
+    mutable bool mHintValid = false;
 };
 
 }  // namespace Orvanta
