@@ -56,8 +56,9 @@ TEST(FreeBlocksTest, RunsAcrossWordBoundaries) {
     EXPECT_EQ(blocks.findRun(140), 60);
     EXPECT_EQ(blocks.findRun(141), -1);
     blocks.erase(128);
-    EXPECT_EQ(blocks.findRun(69), 60);
-    EXPECT_EQ(blocks.findRun(70), 129);
+    EXPECT_EQ(blocks.findRun(68), 60);   // 60 to 127
+    EXPECT_EQ(blocks.findRun(69), 129);  // 129 to 199
+    EXPECT_EQ(blocks.findRun(72), -1);
     blocks.clear();
     EXPECT_EQ(blocks.findRun(1), -1);
     EXPECT_EQ(blocks.size(), 0);
