@@ -40,13 +40,14 @@ struct Item {
 
 std::string storeDir() {
     const char* configured = std::getenv("BENCH_STORE_DIR");
-    const std::string dir = std::string(configured && *configured ? configured : "/tmp") + "/orvanta-bench-store";
+    const std::string dir =
+        std::string(configured && *configured ? configured : "/tmp") + "/orvanta-bench-store";
     std::filesystem::create_directories(dir);
     return dir;
 }
 
 // The catalogue entries, made once: a file name, a folder, a date, a rating and a caption, encoded by
-// a scratch property database into the record body every store then keeps.
+// a scratch property database into the record body every store then keeps (about 300 bytes).
 const std::vector<Item>& items() {
     static const std::vector<Item> made = [] {
         std::vector<Item> out(kRecords);
@@ -64,11 +65,13 @@ const std::vector<Item>& items() {
             item.list->set(PropertyList::kPropID, PropertyValue(item.id), false);
             std::snprintf(text, sizeof text, "IMG_%05d.JPG", i);
             item.list->set(u"filename", PropertyValue(CString::fromUtf8(text)), false);
-            std::snprintf(text, sizeof text, "/home/user/Pictures/%d/Holiday in Provence %02d", 1998 + i % 12, i % 40);
+            std::snprintf(text, sizeof text, "/home/user/Pictures/%d/Provence %02d", 1998 + i % 12, i % 40);
             item.list->set(u"folder", PropertyValue(CString::fromUtf8(text)), false);
-            item.list->set(u"timestamp", PropertyValue(DateTime(1998 + i % 12, 1 + i % 12, 1 + i % 28, i % 24, i % 60, 0, 0)), false);
+            item.list->set(
+                u"timestamp",
+                PropertyValue(DateTime(1998 + i % 12, 1 + i % 12, 1 + i % 28, i % 24, i % 60, 0, 0)), false);
             item.list->set(u"rating", PropertyValue(static_cast<int>(random() % 6)), false);
-            std::snprintf(text, sizeof text, "Evening light over the old harbour, picture %d", static_cast<int>(random() % 100000));
+            std::snprintf(text, sizeof text, "Harbour at dusk %05d", static_cast<int>(random() % 100000));
             item.list->set(u"caption", PropertyValue(CString::fromUtf8(text)), false);
             encoder->putList(item.list);
             Database::Record* record = encoder->getDatabase()->findRecord(item.id);
@@ -100,7 +103,9 @@ double megabytes(const std::vector<std::string>& paths) {
 }
 
 using Clock = std::chrono::steady_clock;
-double since(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+double since(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
 
 void report(benchmark::State& state, double seconds, int records) {
     state.SetIterationTime(seconds);
@@ -109,7 +114,9 @@ void report(benchmark::State& state, double seconds, int records) {
 
 // --- The record store ------------------------------------------------------------------------------
 
-std::string orvantaPath(int blockSize) { return storeDir() + "/orvanta-" + std::to_string(blockSize) + ".db"; }
+std::string orvantaPath(int blockSize) {
+    return storeDir() + "/orvanta-" + std::to_string(blockSize) + ".db";
+}
 
 // Inserts every body with Database::addRecord (the same blobs the other stores get), then closes.
 void OrvantaInsert(benchmark::State& state) {
@@ -122,7 +129,8 @@ void OrvantaInsert(benchmark::State& state) {
         const auto start = Clock::now();
         OwnedPtr<Database> db = Database::create(CString::fromUtf8(path), 100);
         for (const Item& item : data)
-            if (!db->addRecord(item.id, item.body.data(), static_cast<int>(item.body.size()))) state.SkipWithError("add failed");
+            if (!db->addRecord(item.id, item.body.data(), static_cast<int>(item.body.size())))
+                state.SkipWithError("add failed");
         db = nullptr;
         report(state, since(start), kRecords);
     }
@@ -188,7 +196,8 @@ void OrvantaReopenAndLoadLists(benchmark::State& state) {
 
 void OrvantaLookup(benchmark::State& state) {
     const auto& data = items();
-    OwnedPtr<Database> db = Database::create(CString::fromUtf8(orvantaPath(static_cast<int>(state.range(0)))), 100);
+    OwnedPtr<Database> db =
+        Database::create(CString::fromUtf8(orvantaPath(static_cast<int>(state.range(0)))), 100);
     for (auto _ : state) {
         const auto start = Clock::now();
         std::uint64_t sink = 0;
@@ -204,7 +213,9 @@ void OrvantaLookup(benchmark::State& state) {
 
 // --- SQLite ------------------------------------------------------------------------------------------
 
-std::string sqlitePath() { return storeDir() + "/sqlite.db"; }
+std::string sqlitePath() {
+    return storeDir() + "/sqlite.db";
+}
 
 sqlite3* openSqlite() {
     sqlite3* db = nullptr;
@@ -219,7 +230,8 @@ void SqliteInsert(benchmark::State& state) {
         for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(sqlitePath() + suffix);
         const auto start = Clock::now();
         sqlite3* db = openSqlite();
-        sqlite3_exec(db, "CREATE TABLE records(id BLOB PRIMARY KEY, body BLOB) WITHOUT ROWID", nullptr, nullptr, nullptr);
+        sqlite3_exec(db, "CREATE TABLE records(id BLOB PRIMARY KEY, body BLOB) WITHOUT ROWID", nullptr,
+                     nullptr, nullptr);
         sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
         sqlite3_stmt* insert = nullptr;
         sqlite3_prepare_v2(db, "INSERT INTO records VALUES(?, ?)", -1, &insert, nullptr);
@@ -284,7 +296,9 @@ void SqliteLookup(benchmark::State& state) {
 
 // --- LMDB --------------------------------------------------------------------------------------------
 
-std::string lmdbPath() { return storeDir() + "/lmdb"; }
+std::string lmdbPath() {
+    return storeDir() + "/lmdb";
+}
 
 MDB_env* openLmdb() {
     MDB_env* env = nullptr;
@@ -329,7 +343,8 @@ void LmdbReopenAndScan(benchmark::State& state) {
         MDB_val key, value;
         std::uint64_t sink = 0;
         int seen = 0;
-        for (int rc = mdb_cursor_get(cursor, &key, &value, MDB_FIRST); rc == 0; rc = mdb_cursor_get(cursor, &key, &value, MDB_NEXT)) {
+        for (int rc = mdb_cursor_get(cursor, &key, &value, MDB_FIRST); rc == 0;
+             rc = mdb_cursor_get(cursor, &key, &value, MDB_NEXT)) {
             std::uint64_t first;
             std::memcpy(&first, value.mv_data, sizeof first);
             sink += first + value.mv_size;
@@ -370,7 +385,12 @@ void LmdbLookup(benchmark::State& state) {
 
 // Each store's insert runs before its reads, which use the file it left.
 BENCHMARK(OrvantaInsert)->Arg(1024)->Arg(384)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK(OrvantaReopenAndScan)->Arg(1024)->Arg(384)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(OrvantaReopenAndScan)
+    ->Arg(1024)
+    ->Arg(384)
+    ->UseManualTime()
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(OrvantaLookup)->Arg(1024)->Arg(384)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 BENCHMARK(OrvantaPutList)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
 BENCHMARK(OrvantaReopenAndLoadLists)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);

@@ -54,7 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (auto cursor = db->blocksBegin(), end = db->blocksEnd(); cursor != end; ++cursor) {
         if (cursor->getType() == Database::Block::kBlockFree) continue;
         auto* record = static_cast<Database::Record*>(*cursor);
-        OwnedPtr<PropertyList> list = PropertyDatabase::decode(record->getID(), record->getDataBytes(), record->getDataSize());
+        OwnedPtr<PropertyList> list =
+            PropertyDatabase::decode(record->getID(), record->getDataBytes(), record->getDataSize());
         seen += record->getDataSize() + (list ? list->getCount() : 0);
     }
     OwnedPtr<Database::Iterator> walk = db->createIterator();
@@ -67,7 +68,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Database::Record* first = db->getRecord(0);
         const UniqueID some = first ? first->getID() : UniqueID();
         const unsigned char bytes[300] = {1, 2, 3};
-        if (db->addRecord(some, bytes, static_cast<int>(seen & 255)) && !db->hasRecord(some)) __builtin_trap();
+        if (db->addRecord(some, bytes, static_cast<int>(seen & 255)) && !db->hasRecord(some))
+            __builtin_trap();
         db->removeRecord(some);
         db->addRecord(UniqueID(), bytes, 300);
         if (seen & 1) db->clear();

@@ -24,7 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (++runs % 1000 == 0) store->clear();
 
     unsigned char idBytes[16] = {7};
-    OwnedPtr<PropertyList> list = PropertyDatabase::decode(UniqueID::readBytes(idBytes), data, static_cast<int>(size));
+    OwnedPtr<PropertyList> list =
+        PropertyDatabase::decode(UniqueID::readBytes(idBytes), data, static_cast<int>(size));
     if (!list) return 0;
 
     std::vector<PropertyValue> values;

@@ -48,10 +48,14 @@ int compareText(const char16_t* a, const char16_t* b) {
     if (!b) b = u"";
     UCollator* collator = threadCollator();
     if (!collator) return compareUnits(a, b);
-    switch (ucol_strcoll(collator, reinterpret_cast<const UChar*>(a), -1, reinterpret_cast<const UChar*>(b), -1)) {
-        case UCOL_LESS: return -1;
-        case UCOL_GREATER: return 1;
-        default: return 0;
+    switch (ucol_strcoll(collator, reinterpret_cast<const UChar*>(a), -1, reinterpret_cast<const UChar*>(b),
+                         -1)) {
+        case UCOL_LESS:
+            return -1;
+        case UCOL_GREATER:
+            return 1;
+        default:
+            return 0;
     }
 }
 

@@ -46,23 +46,31 @@ UniqueID idOf(const IdIndex::Key& key) {
 
 // --- Block and Record --------------------------------------------------------------------------
 
-Database::Block::Type Database::Block::getType() { return static_cast<Type>(loadWord(getBytePtr())); }
+Database::Block::Type Database::Block::getType() {
+    return static_cast<Type>(loadWord(getBytePtr()));
+}
 
 void Database::Block::setType(Type type) {
     const std::uint32_t word = type;
     std::memcpy(getBytePtr() + kBlockTypeOffset, &word, sizeof word);
 }
 
-int Database::Record::getDataSize() { return loadInt(getBytePtr() + kRecordDataSizeOffset); }
+int Database::Record::getDataSize() {
+    return loadInt(getBytePtr() + kRecordDataSizeOffset);
+}
 
-UniqueID Database::Record::getID() { return RawID::read(getBytePtr() + kRecordIdOffset); }
+UniqueID Database::Record::getID() {
+    return RawID::read(getBytePtr() + kRecordIdOffset);
+}
 
 void Database::Record::setDataSize(int size) {
     const std::int32_t value = size;
     std::memcpy(getBytePtr() + kRecordDataSizeOffset, &value, sizeof value);
 }
 
-void Database::Record::setID(const GUID& id) { RawID::write(getBytePtr() + kRecordIdOffset, UniqueID(id)); }
+void Database::Record::setID(const GUID& id) {
+    RawID::write(getBytePtr() + kRecordIdOffset, UniqueID(id));
+}
 
 Database::BlockCursor& Database::BlockCursor::operator++() {
     const long long blocks =
@@ -77,8 +85,10 @@ Database::Iterator::Iterator(Database* database)
     : mDatabase(database), mByPosition(database->mOrdering != nullptr), mStamp(database->mStamp) {
     if (mByPosition) return;
     mPosition = database->mIds.begin();
-    if (database->mIds.atEnd(mPosition)) mDone = true;
-    else mKey = database->mIds.at(mPosition).key;
+    if (database->mIds.atEnd(mPosition))
+        mDone = true;
+    else
+        mKey = database->mIds.at(mPosition).key;
 }
 
 void Database::Iterator::resync() {
@@ -110,8 +120,10 @@ Database::Record* Database::Iterator::next() {
         ++mIndex;
     } else {
         mPosition = mDatabase->mIds.next(mPosition);
-        if (mDatabase->mIds.atEnd(mPosition)) mDone = true;
-        else mKey = mDatabase->mIds.at(mPosition).key;
+        if (mDatabase->mIds.atEnd(mPosition))
+            mDone = true;
+        else
+            mKey = mDatabase->mIds.at(mPosition).key;
     }
     return record;
 }
@@ -133,7 +145,9 @@ Database::Record* Database::Iterator::prev() {
 
 Database::Database(int growBlocks) : mGrowBlocks(growBlocks) {}
 
-Database::~Database() { close(); }
+Database::~Database() {
+    close();
+}
 
 Database* Database::create(const char16_t* path, int growBlocks) {
     OwnedPtr<Database> database = new (std::nothrow) Database(growBlocks);
@@ -201,7 +215,6 @@ bool Database::open(const char16_t* path) {
         forgetAll();
         return false;
     }
-    scanFree();
     return true;
 }
 
@@ -223,6 +236,7 @@ bool Database::scanRecords() {
     while (offset != total) {
         const unsigned char* head = blocks + offset;
         if (loadWord(head + kBlockTypeOffset) == kBlockFree) {
+            mFree.insert(static_cast<int>(offset / blockSize));
             offset += blockSize;
             continue;
         }
@@ -234,7 +248,8 @@ bool Database::scanRecords() {
             mInfoOffset = static_cast<std::int32_t>(offset);
             mInfoLive = true;
         } else {
-            entries.push_back(IdIndex::Entry{IdIndex::Key::fromBytes(head + kRecordIdOffset), static_cast<std::int32_t>(offset)});
+            entries.push_back(IdIndex::Entry{IdIndex::Key::fromBytes(head + kRecordIdOffset),
+                                             static_cast<std::int32_t>(offset)});
         }
         mPositions.push_back(static_cast<std::int32_t>(offset));
         offset = end;
@@ -244,18 +259,23 @@ bool Database::scanRecords() {
     return true;
 }
 
-void Database::scanFree() {
-    for (BlockCursor cursor = blocksBegin(), end = blocksEnd(); cursor != end; ++cursor)
-        if (cursor->getType() == Block::kBlockFree) addFreeBlock(*cursor);
-}
-
 // --- The block level ---------------------------------------------------------------------------------
 
-unsigned char* Database::getFileBase() { return mBase; }
-DatabaseHeader* Database::getHeader() { return reinterpret_cast<DatabaseHeader*>(mBase); }
-int Database::getBlockSize() { return mBase ? getHeader()->blockSize : 0; }
-int Database::getBlockCount() { return mBase ? getHeader()->blockCount : 0; }
-int Database::getFormatVersion() { return mBase ? getHeader()->formatVersion : 0; }
+unsigned char* Database::getFileBase() {
+    return mBase;
+}
+DatabaseHeader* Database::getHeader() {
+    return reinterpret_cast<DatabaseHeader*>(mBase);
+}
+int Database::getBlockSize() {
+    return mBase ? getHeader()->blockSize : 0;
+}
+int Database::getBlockCount() {
+    return mBase ? getHeader()->blockCount : 0;
+}
+int Database::getFormatVersion() {
+    return mBase ? getHeader()->formatVersion : 0;
+}
 
 void Database::setFormatVersion(int version) {
     if (mBase) getHeader()->formatVersion = version;
@@ -278,15 +298,21 @@ Database::Block* Database::offsetToBlock(int offset) {
     return reinterpret_cast<Block*>(mBase + kDatabaseHeaderSize + offset);
 }
 
-Database::BlockCursor Database::blocksBegin() { return BlockCursor(firstBlock(), this); }
-Database::BlockCursor Database::blocksEnd() { return BlockCursor(endBlock(), this); }
+Database::BlockCursor Database::blocksBegin() {
+    return BlockCursor(firstBlock(), this);
+}
+Database::BlockCursor Database::blocksEnd() {
+    return BlockCursor(endBlock(), this);
+}
 
-int Database::getFirstBlockCapacity() { return getBlockSize() - kRecordHeadSize; }
+int Database::getFirstBlockCapacity() {
+    return getBlockSize() - kRecordHeadSize;
+}
 
 int Database::getCapacity(int blocks) {
     if (blocks <= 0) return 0;
-    const long long capacity =
-        getFirstBlockCapacity() + static_cast<long long>(getBlockSize()) * (static_cast<long long>(blocks) - 1);
+    const long long capacity = getFirstBlockCapacity() +
+                               static_cast<long long>(getBlockSize()) * (static_cast<long long>(blocks) - 1);
     return static_cast<int>(std::min<long long>(capacity, INT_MAX));
 }
 
@@ -298,7 +324,9 @@ int Database::blocksForSize(int size) {
     return (size - first) / getBlockSize() + 2;
 }
 
-int Database::getRecordBlocks(Record* record) { return blocksForSize(record->getDataSize()); }
+int Database::getRecordBlocks(Record* record) {
+    return blocksForSize(record->getDataSize());
+}
 
 bool Database::isBlockAddress(const void* address) {
     if (!mBase) return false;
@@ -308,8 +336,12 @@ bool Database::isBlockAddress(const void* address) {
     return p >= first && p < end && (p - first) % getBlockSize() == 0;
 }
 
-void Database::addFreeBlock(Block* block) { mFree.insert(blockToOffset(block) / getBlockSize()); }
-void Database::removeFreeBlock(Block* block) { mFree.erase(blockToOffset(block) / getBlockSize()); }
+void Database::addFreeBlock(Block* block) {
+    mFree.insert(blockToOffset(block) / getBlockSize());
+}
+void Database::removeFreeBlock(Block* block) {
+    mFree.erase(blockToOffset(block) / getBlockSize());
+}
 
 void Database::initBlocks(Block* first, int count) {
     const int blockSize = getBlockSize();
@@ -409,12 +441,22 @@ Database::Record* Database::getRecord(int index) {
     return record;
 }
 
-Database::Record* Database::getRecord(const UniqueID& id) { return findRecord(id); }
-bool Database::hasRecord(const UniqueID& id) { return findRecord(id) != nullptr; }
-int Database::getRecordCount() { return static_cast<int>(mIds.size()); }
-bool Database::isEmpty() { return getRecordCount() <= 0; }
+Database::Record* Database::getRecord(const UniqueID& id) {
+    return findRecord(id);
+}
+bool Database::hasRecord(const UniqueID& id) {
+    return findRecord(id) != nullptr;
+}
+int Database::getRecordCount() {
+    return static_cast<int>(mIds.size());
+}
+bool Database::isEmpty() {
+    return getRecordCount() <= 0;
+}
 
-void Database::keepOrder() { std::atomic_signal_fence(std::memory_order_seq_cst); }
+void Database::keepOrder() {
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+}
 
 void Database::commit() {
     if (!mPending) return;
@@ -470,7 +512,8 @@ Database::Record* Database::newRecord(const UniqueID& id, int size) {
 
     mJournal.beginUndo(blockSize, newOffset, newBlocks, oldOffset, oldBlocks,
                        oldOffset == -1 ? nullptr : offsetToBlock(oldOffset)->getBytePtr());
-    for (int i = oldBlocks - 1; i >= 0; --i) offsetToBlock(oldOffset + i * blockSize)->setType(Block::kBlockFree);
+    for (int i = oldBlocks - 1; i >= 0; --i)
+        offsetToBlock(oldOffset + i * blockSize)->setType(Block::kBlockFree);
     Record* record = static_cast<Record*>(run);
     record->setID(id.asUUID());
     record->setDataSize(size);
@@ -507,7 +550,8 @@ void Database::deleteRecord(Record* record) {
         if (offset == mInfoOffset && !mInfoLive) mInfoOffset = -1;
         return;
     }
-    const int blocks = std::min(getRecordBlocks(record), (getBlockCount() * getBlockSize() - offset) / getBlockSize());
+    const int blocks =
+        std::min(getRecordBlocks(record), (getBlockCount() * getBlockSize() - offset) / getBlockSize());
     detachRecord(record, blocks);
     freeRunInFile(offset, blocks);
 }
@@ -526,7 +570,9 @@ void Database::clear() {
     mJournal.finish();
 }
 
-Database::Iterator* Database::createIterator() { return new (std::nothrow) Iterator(this); }
+Database::Iterator* Database::createIterator() {
+    return new (std::nothrow) Iterator(this);
+}
 
 void Database::setOrdering(DatabaseOrdering* ordering, bool sync) {
     mOrdering = ordering;
@@ -546,7 +592,8 @@ void Database::setOrdering(DatabaseOrdering* ordering, bool sync) {
     std::sort(known.begin(), known.end());
     std::vector<UniqueID> missing;
     for (auto p = mIds.begin(); !mIds.atEnd(p); p = mIds.next(p))
-        if (!std::binary_search(known.begin(), known.end(), mIds.at(p).key)) missing.push_back(idOf(mIds.at(p).key));
+        if (!std::binary_search(known.begin(), known.end(), mIds.at(p).key))
+            missing.push_back(idOf(mIds.at(p).key));
     for (const UniqueID& id : missing) ordering->append(id);
 }
 

@@ -52,7 +52,10 @@ public:
     // A view on one block of the mapping; its address is the block's.
     class Block {
     public:
-        enum Type : std::uint32_t { kBlockFree = StoreFormat::kBlockFree, kBlockRecord = StoreFormat::kBlockRecord };
+        enum Type : std::uint32_t {
+            kBlockFree = StoreFormat::kBlockFree,
+            kBlockRecord = StoreFormat::kBlockRecord
+        };
         Block() = delete;
         unsigned char* getBytePtr() { return reinterpret_cast<unsigned char*>(this); }
         Type getType();
@@ -104,9 +107,9 @@ public:
 
         OwnedPtr<Database> mDatabase;
         bool mByPosition;
-        int mIndex = 0;                 // position mode
-        IdIndex::Position mPosition;    // map mode
-        IdIndex::Key mKey{};            // the key at mPosition, to find the place again after a change
+        int mIndex = 0;               // position mode
+        IdIndex::Position mPosition;  // map mode
+        IdIndex::Key mKey{};          // the key at mPosition, to find the place again after a change
         unsigned long mStamp = 0;
         bool mDone = false;
     };
@@ -163,10 +166,9 @@ public:
 protected:
     explicit Database(int growBlocks);
 
-    // The walks of open: every record head, then every free block. scanRecords checks that each run
-    // lies inside the file and answers false when one does not.
+    // The walk of open: indexes every record head and puts every free block in the free set, in one
+    // pass. It checks that each run lies inside the file and answers false when one does not.
     virtual bool scanRecords();
-    virtual void scanFree();
     virtual void indexRecord(Record* record);
     virtual void unindexRecord(Record* record);
     virtual void addFreeBlock(Block* block);
@@ -197,8 +199,8 @@ private:
     std::int32_t mInfoOffset = -1;
     bool mInfoLive = false;  // infoOffset names a live record (clear leaves it naming a free block)
     DatabaseJournal mJournal;
-    bool mPending = false;       // the last newRecord awaits commit
-    unsigned long mStamp = 0;    // bumped by every change of the indexes, for iterators
+    bool mPending = false;     // the last newRecord awaits commit
+    unsigned long mStamp = 0;  // bumped by every change of the indexes, for iterators
 };
 
 }  // namespace Orvanta

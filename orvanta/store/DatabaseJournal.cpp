@@ -14,9 +14,13 @@ constexpr int kJournalPage = 4096;
 // Stores into the mappings must reach memory in program order: a process killed between two of
 // them leaves exactly the earlier ones in the file. The CPU retires stores in order; this keeps
 // the compiler from moving them across.
-void keepOrder() { std::atomic_signal_fence(std::memory_order_seq_cst); }
+void keepOrder() {
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+}
 
-void putWord(unsigned char* at, std::uint32_t value) { std::memcpy(at, &value, sizeof value); }
+void putWord(unsigned char* at, std::uint32_t value) {
+    std::memcpy(at, &value, sizeof value);
+}
 
 bool runFits(std::int32_t offset, std::int32_t blocks, int blockSize, int blockCount) {
     return offset >= 0 && offset % blockSize == 0 && blocks >= 1 && blocks <= blockCount &&
@@ -36,12 +40,14 @@ bool replay(const JournalHeader& h, const unsigned char* image, std::int64_t ima
             const bool hasNew = h.newOffset != -1, hasOld = h.oldOffset != -1;
             if (hasNew && !runFits(h.newOffset, h.newBlocks, blockSize, blockCount)) return false;
             if (hasOld && (!runFits(h.oldOffset, h.oldBlocks, blockSize, blockCount) ||
-                           static_cast<std::int64_t>(h.imageSize) != static_cast<std::int64_t>(h.oldBlocks) * blockSize ||
+                           static_cast<std::int64_t>(h.imageSize) !=
+                               static_cast<std::int64_t>(h.oldBlocks) * blockSize ||
                            h.imageSize > imageRoom))
                 return false;
             if (hasOld) std::memcpy(blocks + h.oldOffset, image, static_cast<std::size_t>(h.imageSize));
             for (std::int32_t b = 0; hasNew && b < h.newBlocks; ++b) {
-                const std::int64_t offset = static_cast<std::int64_t>(h.newOffset) + static_cast<std::int64_t>(b) * blockSize;
+                const std::int64_t offset =
+                    static_cast<std::int64_t>(h.newOffset) + static_cast<std::int64_t>(b) * blockSize;
                 if (!inRun(offset, hasOld ? h.oldOffset : -1, h.oldBlocks, blockSize))
                     putWord(blocks + offset, kBlockFree);
             }
@@ -54,7 +60,8 @@ bool replay(const JournalHeader& h, const unsigned char* image, std::int64_t ima
                 putWord(blocks + h.oldOffset + static_cast<std::int64_t>(b) * blockSize, kBlockFree);
             return true;
         case kJournalClear:
-            std::memset(blocks, 0, static_cast<std::size_t>(blockCount) * static_cast<std::size_t>(blockSize));
+            std::memset(blocks, 0,
+                        static_cast<std::size_t>(blockCount) * static_cast<std::size_t>(blockSize));
             return true;
         default:
             return false;
@@ -105,7 +112,8 @@ bool DatabaseJournal::ensureOpen(int imageSize) {
     }
     if (imageSize <= mCapacity) return true;
     const std::int64_t wanted =
-        (static_cast<std::int64_t>(kJournalHeaderSize) + imageSize + kJournalPage - 1) / kJournalPage * kJournalPage;
+        (static_cast<std::int64_t>(kJournalHeaderSize) + imageSize + kJournalPage - 1) / kJournalPage *
+        kJournalPage;
     if (wanted > 0x7fffffff) return false;
     mFile->unmap();
     const bool grown = mFile->allocate(static_cast<int>(wanted));
@@ -132,7 +140,9 @@ bool DatabaseJournal::beginUndo(int blockSize, int newOffset, int newBlocks, int
     h->oldOffset = oldOffset;
     h->oldBlocks = oldBlocks;
     h->imageSize = static_cast<std::int32_t>(image);
-    if (image > 0) std::memcpy(static_cast<unsigned char*>(mView) + kJournalHeaderSize, oldImage, static_cast<std::size_t>(image));
+    if (image > 0)
+        std::memcpy(static_cast<unsigned char*>(mView) + kJournalHeaderSize, oldImage,
+                    static_cast<std::size_t>(image));
     keepOrder();
     h->state = kJournalUndo;
     keepOrder();

@@ -30,14 +30,17 @@ bool DatabaseOrdering::createFile(const char16_t* path) {
     return true;
 }
 
-DatabaseOrdering::~DatabaseOrdering() { close(); }
+DatabaseOrdering::~DatabaseOrdering() {
+    close();
+}
 
 bool DatabaseOrdering::open(const char16_t* path) {
     close();
     mFile = File::create(path);
     char magic[sizeof kOrderingMagic];
     bool ok = mFile && mFile->open(false) && mFile->read(magic, sizeof magic) &&
-              std::memcmp(magic, kOrderingMagic, sizeof magic) == 0 && mFile->getSize() >= kOrderingHeaderSize;
+              std::memcmp(magic, kOrderingMagic, sizeof magic) == 0 &&
+              mFile->getSize() >= kOrderingHeaderSize;
     if (ok) mapFile();
     // A count beyond the ids the file holds would send every walk outside the mapping.
     ok = ok && mBase && getHeader()->count >= 0 && getHeader()->count <= getCapacity();
@@ -57,22 +60,30 @@ void DatabaseOrdering::close() {
     mFileSize = 0;
 }
 
-OrderingHeader* DatabaseOrdering::getHeader() { return reinterpret_cast<OrderingHeader*>(mBase); }
-unsigned char* DatabaseOrdering::getEntries() { return mBase ? mBase + kOrderingHeaderSize : nullptr; }
+OrderingHeader* DatabaseOrdering::getHeader() {
+    return reinterpret_cast<OrderingHeader*>(mBase);
+}
+unsigned char* DatabaseOrdering::getEntries() {
+    return mBase ? mBase + kOrderingHeaderSize : nullptr;
+}
 
 int DatabaseOrdering::getCapacity() {
     if (!mBase) return 0;
     return (mFileSize - kOrderingHeaderSize) / kOrderingEntrySize;
 }
 
-int DatabaseOrdering::getCount() { return mBase ? getHeader()->count : 0; }
+int DatabaseOrdering::getCount() {
+    return mBase ? getHeader()->count : 0;
+}
 
 UniqueID DatabaseOrdering::getID(int index) {
     if (index < 0 || index >= getCount()) return UniqueID();
     return RawID::read(getEntries() + static_cast<std::size_t>(index) * kOrderingEntrySize);
 }
 
-void DatabaseOrdering::append(const UniqueID& id) { insert(getCount(), id); }
+void DatabaseOrdering::append(const UniqueID& id) {
+    insert(getCount(), id);
+}
 
 void DatabaseOrdering::insert(int index, const UniqueID& id) {
     if (id.isNull() || !mBase) return;
@@ -90,7 +101,8 @@ void DatabaseOrdering::removeAt(int index) {
     const int count = getCount();
     if (index < 0 || index >= count) return;
     unsigned char* at = getEntries() + static_cast<std::size_t>(index) * kOrderingEntrySize;
-    std::memmove(at, at + kOrderingEntrySize, static_cast<std::size_t>(count - (index + 1)) * kOrderingEntrySize);
+    std::memmove(at, at + kOrderingEntrySize,
+                 static_cast<std::size_t>(count - (index + 1)) * kOrderingEntrySize);
     getHeader()->count = count - 1;
 }
 
@@ -111,7 +123,9 @@ int DatabaseOrdering::indexOf(const UniqueID& id) {
     RawID::write(wanted, id);
     const unsigned char* entries = getEntries();
     for (int i = 0; i < count; ++i)
-        if (std::memcmp(entries + static_cast<std::size_t>(i) * kOrderingEntrySize, wanted, sizeof wanted) == 0) return i;
+        if (std::memcmp(entries + static_cast<std::size_t>(i) * kOrderingEntrySize, wanted, sizeof wanted) ==
+            0)
+            return i;
     return -1;
 }
 
@@ -134,7 +148,8 @@ bool DatabaseOrdering::grow() {
     const int count = getCount();
     // Doubles a full list: (count + 1) * 32 bytes hold 2 * count ids. A list too small to double
     // usefully (only a file made elsewhere can be) gets the capacity of a new file.
-    const long long wanted = std::max(static_cast<long long>(count + 1) * 32, static_cast<long long>(kOrderingInitialSize));
+    const long long wanted =
+        std::max(static_cast<long long>(count + 1) * 32, static_cast<long long>(kOrderingInitialSize));
     if (wanted > 0x7fffffff) return false;
     mFile->unmap();
     const bool grown = mFile->allocate(static_cast<int>(wanted));

@@ -60,8 +60,10 @@ int FreeBlocks::findRun(int need) const {
         if (run >= need) return start;
         block += length;
         // A run reaching the end of its word may go on in the next; otherwise look for the next member.
-        if (bit + length < 64) block = nextFrom(block);
-        else if (static_cast<std::size_t>(block) / 64 >= mWords.size()) block = -1;
+        if (bit + length < 64)
+            block = nextFrom(block);
+        else if (static_cast<std::size_t>(block) / 64 >= mWords.size())
+            block = -1;
     }
     return -1;
 }

@@ -83,8 +83,10 @@ int IdIndex::indexIn(const Chunk& chunk, const Key& key) {
     int low = 0, high = chunk.count;
     while (low < high) {
         const int middle = (low + high) / 2;
-        if (chunk.hi[middle] < key.hi || (chunk.hi[middle] == key.hi && chunk.lo[middle] < key.lo)) low = middle + 1;
-        else high = middle;
+        if (chunk.hi[middle] < key.hi || (chunk.hi[middle] == key.hi && chunk.lo[middle] < key.lo))
+            low = middle + 1;
+        else
+            high = middle;
     }
     return low;
 }

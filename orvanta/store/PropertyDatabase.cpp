@@ -26,7 +26,8 @@ PropertyDatabase* PropertyDatabase::create(const char16_t* path, int growBlocks)
     return new PropertyDatabase(Database::create(path, growBlocks));
 }
 
-bool PropertyDatabase::createFile(const char16_t* path, int blockSize, int formatVersion, unsigned long reserved) {
+bool PropertyDatabase::createFile(const char16_t* path, int blockSize, int formatVersion,
+                                  unsigned long reserved) {
     return Database::createFile(path, blockSize, formatVersion, reserved);
 }
 
@@ -68,7 +69,8 @@ void PropertyDatabase::join(PropertyList* list) {
         OwnedPtr<PropertyList::Iterator> walk = related->createIterator();
         for (Property property = walk->next(); !property.isNull(); property = walk->next()) {
             const auto linked = mLinked.find(CString(property.getName()));
-            if (linked != mLinked.end() && Platform::compareText(linked->second, keyName) == 0) list->set(property, false);
+            if (linked != mLinked.end() && Platform::compareText(linked->second, keyName) == 0)
+                list->set(property, false);
         }
     }
 }
@@ -107,7 +109,8 @@ bool PropertyDatabase::putList(PropertyList* list) {
         for (Property property = walk->next(); !property.isNull(); property = walk->next()) {
             const CString name(property.getName());
             if (!isStored(name)) continue;
-            size += 2 * static_cast<long long>(name.length()) + kEntryOverhead + property.getValue().asBytes().getLength();
+            size += 2 * static_cast<long long>(name.length()) + kEntryOverhead +
+                    property.getValue().asBytes().getLength();
         }
     }
     if (size > INT_MAX) return false;
@@ -130,7 +133,8 @@ bool PropertyDatabase::putList(PropertyList* list) {
         std::memcpy(out + kEntryTypeOffset, &type, sizeof type);
         std::memcpy(out + kEntryReservedOffset, &reserved, sizeof reserved);
         std::memcpy(out + kEntryLengthOffset, &length, sizeof length);
-        if (length > 0 && bytes.getBytes()) std::memcpy(out + kEntryValueOffset, bytes.getBytes(), static_cast<std::size_t>(length));
+        if (length > 0 && bytes.getBytes())
+            std::memcpy(out + kEntryValueOffset, bytes.getBytes(), static_cast<std::size_t>(length));
         out += kEntryValueOffset + (length > 0 ? length : 0);
     }
     mDatabase->commit();
@@ -155,11 +159,21 @@ bool PropertyDatabase::putList(PropertyList* list) {
     return true;
 }
 
-bool PropertyDatabase::hasList(const UniqueID& id) { return mDatabase->hasRecord(id); }
-void PropertyDatabase::removeList(const UniqueID& id) { mDatabase->removeRecord(id); }
-void PropertyDatabase::clear() { mDatabase->clear(); }
-int PropertyDatabase::getCount() { return mDatabase->getRecordCount(); }
-void PropertyDatabase::setOrdering(DatabaseOrdering* ordering, bool sync) { mDatabase->setOrdering(ordering, sync); }
+bool PropertyDatabase::hasList(const UniqueID& id) {
+    return mDatabase->hasRecord(id);
+}
+void PropertyDatabase::removeList(const UniqueID& id) {
+    mDatabase->removeRecord(id);
+}
+void PropertyDatabase::clear() {
+    mDatabase->clear();
+}
+int PropertyDatabase::getCount() {
+    return mDatabase->getRecordCount();
+}
+void PropertyDatabase::setOrdering(DatabaseOrdering* ordering, bool sync) {
+    mDatabase->setOrdering(ordering, sync);
+}
 
 PropertyDatabase::Iterator* PropertyDatabase::createIterator() {
     return new Iterator(this, mDatabase->createIterator());
@@ -175,8 +189,12 @@ PropertyList* PropertyDatabase::Iterator::next() {
     return nullptr;
 }
 
-void PropertyDatabase::setLookup(PropertyDatabase* target, const CString& keyName) { mLookups[keyName] = target; }
+void PropertyDatabase::setLookup(PropertyDatabase* target, const CString& keyName) {
+    mLookups[keyName] = target;
+}
 
-void PropertyDatabase::setLinkedProperty(const CString& keyName, const CString& name) { mLinked[name] = keyName; }
+void PropertyDatabase::setLinkedProperty(const CString& keyName, const CString& name) {
+    mLinked[name] = keyName;
+}
 
 }  // namespace Orvanta

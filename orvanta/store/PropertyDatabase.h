@@ -77,7 +77,7 @@ private:
 
     OwnedPtr<Database> mDatabase;
     std::map<CString, OwnedPtr<PropertyDatabase>, Platform::TextOrder> mLookups;  // key name -> target
-    std::map<CString, CString, Platform::TextOrder> mLinked;                     // linked name -> key name
+    std::map<CString, CString, Platform::TextOrder> mLinked;                      // linked name -> key name
 };
 
 }  // namespace Orvanta

@@ -4,7 +4,9 @@
 
 namespace Orvanta {
 
-PropertyList* PropertyList::create() { return new PropertyList(); }
+PropertyList* PropertyList::create() {
+    return new PropertyList();
+}
 
 PropertyList::Iterator::Iterator(PropertyList* list)
     : mList(list), mAt(list->mValues.begin()), mStamp(list->mStamp) {
@@ -54,7 +56,9 @@ void PropertyList::merge(PropertyList* other, bool notify) {
     if (notify) this->notify(0);
 }
 
-void PropertyList::set(const Property& property, bool notify) { set(property.getName(), property.getValue(), notify); }
+void PropertyList::set(const Property& property, bool notify) {
+    set(property.getName(), property.getValue(), notify);
+}
 
 void PropertyList::set(const CString& name, const PropertyValue& value, bool notify) {
     const auto [at, inserted] = mValues.insert_or_assign(name, value);
@@ -68,11 +72,21 @@ void PropertyList::remove(const CString& name, bool notify) {
     if (notify) this->notify(0);
 }
 
-bool PropertyList::contains(const CString& name) { return mValues.count(name) > 0; }
-int PropertyList::getCount() { return static_cast<int>(mValues.size()); }
-bool PropertyList::isDirty() { return mDirty; }
-void PropertyList::clearDirty() { mDirty = false; }
-PropertyList::Iterator* PropertyList::createIterator() { return new Iterator(this); }
+bool PropertyList::contains(const CString& name) {
+    return mValues.count(name) > 0;
+}
+int PropertyList::getCount() {
+    return static_cast<int>(mValues.size());
+}
+bool PropertyList::isDirty() {
+    return mDirty;
+}
+void PropertyList::clearDirty() {
+    mDirty = false;
+}
+PropertyList::Iterator* PropertyList::createIterator() {
+    return new Iterator(this);
+}
 
 PropertyList* PropertyList::clone() {
     OwnedPtr<PropertyList> copy = create();

@@ -42,7 +42,7 @@ public:
 
         OwnedPtr<PropertyList> mList;
         ValueMap::iterator mAt;
-        CString mKey;             // the name at mAt, to find the place again after a change
+        CString mKey;  // the name at mAt, to find the place again after a change
         bool mAtEnd = false;
         unsigned long mStamp = 0;
     };

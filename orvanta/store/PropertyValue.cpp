@@ -37,12 +37,24 @@ PropertyValue::PropertyValue(const PropertyValue& other) : mBytes(other.mBytes),
 
 PropertyValue::PropertyValue(void* data, int size, Type type) : mBytes(data, size, false), mType(type) {}
 
-PropertyValue::PropertyValue(int value) { setValue(value); }
-PropertyValue::PropertyValue(const CString& value) { setValue(value); }
-PropertyValue::PropertyValue(const char16_t* value) { setValue(CString(value)); }
-PropertyValue::PropertyValue(const DateTime& value) { setValue(value); }
-PropertyValue::PropertyValue(const UniqueID& value) { setValue(value); }
-PropertyValue::PropertyValue(const Bytes& value) { setValue(value); }
+PropertyValue::PropertyValue(int value) {
+    setValue(value);
+}
+PropertyValue::PropertyValue(const CString& value) {
+    setValue(value);
+}
+PropertyValue::PropertyValue(const char16_t* value) {
+    setValue(CString(value));
+}
+PropertyValue::PropertyValue(const DateTime& value) {
+    setValue(value);
+}
+PropertyValue::PropertyValue(const UniqueID& value) {
+    setValue(value);
+}
+PropertyValue::PropertyValue(const Bytes& value) {
+    setValue(value);
+}
 
 PropertyValue& PropertyValue::operator=(const PropertyValue& other) {
     if (this == &other) return *this;
@@ -68,9 +80,9 @@ void PropertyValue::setValue(const CString& value) {
 
 void PropertyValue::setValue(const DateTime& value) {
     const std::int16_t fields[7] = {
-        static_cast<std::int16_t>(value.getYear()),   static_cast<std::int16_t>(value.getMonth()),
-        static_cast<std::int16_t>(value.getMDay()),   static_cast<std::int16_t>(value.getHour()),
-        static_cast<std::int16_t>(value.getMinute()), static_cast<std::int16_t>(value.getSecond()),
+        static_cast<std::int16_t>(value.getYear()),       static_cast<std::int16_t>(value.getMonth()),
+        static_cast<std::int16_t>(value.getMDay()),       static_cast<std::int16_t>(value.getHour()),
+        static_cast<std::int16_t>(value.getMinute()),     static_cast<std::int16_t>(value.getSecond()),
         static_cast<std::int16_t>(value.getMillisecond())};
     static_assert(sizeof fields == kDateTimeSize);
     own(fields, sizeof fields, kDateTime);
@@ -94,9 +106,12 @@ void PropertyValue::setNull() {
 
 CString PropertyValue::asString() const {
     switch (mType) {
-        case kUniqueID: return asUniqueID().asString();
-        case kInt: return CString::fromUtf8(std::to_string(asInt()));
-        case kDateTime: return asDateTime().asString();
+        case kUniqueID:
+            return asUniqueID().asString();
+        case kInt:
+            return CString::fromUtf8(std::to_string(asInt()));
+        case kDateTime:
+            return asDateTime().asString();
         case kString: {
             // The bytes may stand at any alignment (straight from a record), so units are copied out;
             // the text ends at its terminator or, in a damaged value, at the end of the bytes.
@@ -111,7 +126,8 @@ CString PropertyValue::asString() const {
             }
             return CString(std::move(text));
         }
-        default: return CString();
+        default:
+            return CString();
     }
 }
 
@@ -131,7 +147,8 @@ DateTime PropertyValue::asDateTime() const {
 }
 
 UniqueID PropertyValue::asUniqueID() const {
-    if (mType != kUniqueID || !mBytes.getBytes() || mBytes.getLength() < UniqueID::kByteSize) return UniqueID();
+    if (mType != kUniqueID || !mBytes.getBytes() || mBytes.getLength() < UniqueID::kByteSize)
+        return UniqueID();
     unsigned char bytes[UniqueID::kByteSize];
     std::memcpy(bytes, mBytes.getBytes(), sizeof bytes);
     return UniqueID::readBytes(bytes);
@@ -139,20 +156,28 @@ UniqueID PropertyValue::asUniqueID() const {
 
 bool PropertyValue::operator==(const PropertyValue& other) const {
     switch (mType) {
-        case kNull: return other.mType == kNull;
-        case kDateTime: return asDateTime() == other.asDateTime();
-        case kInt: return asInt() == other.asInt();
-        case kString: return Platform::compareText(asString(), other.asString()) == 0;
-        case kUniqueID: return asUniqueID() == other.asUniqueID();
+        case kNull:
+            return other.mType == kNull;
+        case kDateTime:
+            return asDateTime() == other.asDateTime();
+        case kInt:
+            return asInt() == other.asInt();
+        case kString:
+            return Platform::compareText(asString(), other.asString()) == 0;
+        case kUniqueID:
+            return asUniqueID() == other.asUniqueID();
         case kBytes: {
             // Against the other's raw bytes, whatever its type.
             const int length = mBytes.getLength();
             if (length != other.mBytes.getLength()) return false;
             if (length <= 0) return true;
-            if (!mBytes.getBytes() || !other.mBytes.getBytes()) return mBytes.getBytes() == other.mBytes.getBytes();
-            return std::memcmp(mBytes.getBytes(), other.mBytes.getBytes(), static_cast<std::size_t>(length)) == 0;
+            if (!mBytes.getBytes() || !other.mBytes.getBytes())
+                return mBytes.getBytes() == other.mBytes.getBytes();
+            return std::memcmp(mBytes.getBytes(), other.mBytes.getBytes(),
+                               static_cast<std::size_t>(length)) == 0;
         }
-        default: return false;
+        default:
+            return false;
     }
 }
 
@@ -160,18 +185,27 @@ bool PropertyValue::operator<(const PropertyValue& other) const {
     switch (mType) {
         case kNull:
             switch (other.mType) {
-                case kDateTime: return true;
-                case kInt: return other.asInt() > 0;  // a missing number sorts as zero
-                case kUniqueID: return !other.asUniqueID().isNull();
+                case kDateTime:
+                    return true;
+                case kInt:
+                    return other.asInt() > 0;  // a missing number sorts as zero
+                case kUniqueID:
+                    return !other.asUniqueID().isNull();
                 // A null value is never less than a string: the rule looks at the length of the null
                 // value's own text, which is always empty.
-                default: return false;
+                default:
+                    return false;
             }
-        case kDateTime: return asDateTime() < other.asDateTime();
-        case kInt: return asInt() < other.asInt();
-        case kString: return Platform::compareText(asString(), other.asString()) < 0;
-        case kUniqueID: return asUniqueID() < other.asUniqueID();
-        default: return false;  // byte blocks have no order
+        case kDateTime:
+            return asDateTime() < other.asDateTime();
+        case kInt:
+            return asInt() < other.asInt();
+        case kString:
+            return Platform::compareText(asString(), other.asString()) < 0;
+        case kUniqueID:
+            return asUniqueID() < other.asUniqueID();
+        default:
+            return false;  // byte blocks have no order
     }
 }
 

@@ -39,11 +39,26 @@ public:
     PropertyValue(const Bytes& value);
 
     PropertyValue& operator=(const PropertyValue& other);
-    PropertyValue& operator=(int value) { setValue(value); return *this; }
-    PropertyValue& operator=(const CString& value) { setValue(value); return *this; }
-    PropertyValue& operator=(const DateTime& value) { setValue(value); return *this; }
-    PropertyValue& operator=(const UniqueID& value) { setValue(value); return *this; }
-    PropertyValue& operator=(const Bytes& value) { setValue(value); return *this; }
+    PropertyValue& operator=(int value) {
+        setValue(value);
+        return *this;
+    }
+    PropertyValue& operator=(const CString& value) {
+        setValue(value);
+        return *this;
+    }
+    PropertyValue& operator=(const DateTime& value) {
+        setValue(value);
+        return *this;
+    }
+    PropertyValue& operator=(const UniqueID& value) {
+        setValue(value);
+        return *this;
+    }
+    PropertyValue& operator=(const Bytes& value) {
+        setValue(value);
+        return *this;
+    }
 
     void setValue(int value);
     void setValue(const CString& value);

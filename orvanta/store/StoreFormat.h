@@ -42,22 +42,22 @@ constexpr int kJournalHeaderSize = 48;
 
 struct JournalHeader {
     char magic[16];
-    std::uint32_t state;        // a JournalState
-    std::int32_t blockSize;     // of the database, checked before anything is replayed
-    std::int32_t newOffset;     // block offset of the run being written, −1 for none
+    std::uint32_t state;     // a JournalState
+    std::int32_t blockSize;  // of the database, checked before anything is replayed
+    std::int32_t newOffset;  // block offset of the run being written, −1 for none
     std::int32_t newBlocks;
-    std::int32_t oldOffset;     // block offset of the run being released or replaced, −1 for none
+    std::int32_t oldOffset;  // block offset of the run being released or replaced, −1 for none
     std::int32_t oldBlocks;
-    std::int32_t imageSize;     // bytes of the old run saved behind the header, 0 for none
+    std::int32_t imageSize;  // bytes of the old run saved behind the header, 0 for none
     std::uint8_t reserved[4];
 };
 static_assert(sizeof(JournalHeader) == kJournalHeaderSize);
 
 enum JournalState : std::uint32_t {
     kJournalIdle = 0,
-    kJournalUndo = 1,      // put the saved image back at oldOffset, free the rest of the new run
-    kJournalFreeRun = 2,   // finish freeing the old run
-    kJournalClear = 3,     // finish zero-filling every block
+    kJournalUndo = 1,     // put the saved image back at oldOffset, free the rest of the new run
+    kJournalFreeRun = 2,  // finish freeing the old run
+    kJournalClear = 3,    // finish zero-filling every block
 };
 
 // The ordering file: a 32-byte header, then 16-byte ids.
@@ -65,7 +65,8 @@ inline constexpr char kOrderingMagic[16] = "##OrvantaDBI###";
 constexpr int kOrderingHeaderSize = 32;
 constexpr int kOrderingEntrySize = 16;
 constexpr int kOrderingInitialCapacity = 100;
-constexpr int kOrderingInitialSize = kOrderingHeaderSize + kOrderingEntrySize * kOrderingInitialCapacity;  // 1632
+constexpr int kOrderingInitialSize =
+    kOrderingHeaderSize + kOrderingEntrySize * kOrderingInitialCapacity;  // 1632
 
 struct OrderingHeader {
     char magic[16];
@@ -75,10 +76,10 @@ struct OrderingHeader {
 static_assert(sizeof(OrderingHeader) == kOrderingHeaderSize);
 
 // One entry of a property-list record body, after the name and its zero unit.
-constexpr int kEntryTypeOffset = 0;      // u32 value type
-constexpr int kEntryReservedOffset = 4;  // u16, written as 0
-constexpr int kEntryLengthOffset = 6;    // i32 value length
-constexpr int kEntryValueOffset = 10;    // the value's bytes
+constexpr int kEntryTypeOffset = 0;                    // u32 value type
+constexpr int kEntryReservedOffset = 4;                // u16, written as 0
+constexpr int kEntryLengthOffset = 6;                  // i32 value length
+constexpr int kEntryValueOffset = 10;                  // the value's bytes
 constexpr int kEntryOverhead = 2 + kEntryValueOffset;  // name terminator + fixed fields: 2n + 12 + length
 
 }  // namespace Orvanta::StoreFormat

@@ -64,7 +64,9 @@ int versionIn(Database* db, int i) {
         } else {
             const int version = std::max(versions[i], 0) + 1;
             const auto bytes = payloadFor(i, version);
-            if (!db->addRecord(idFor(static_cast<std::uint32_t>(i)), bytes.data(), static_cast<int>(bytes.size()))) _exit(3);
+            if (!db->addRecord(idFor(static_cast<std::uint32_t>(i)), bytes.data(),
+                               static_cast<int>(bytes.size())))
+                _exit(3);
             report[1] = version;
         }
         versions[i] = report[1];
@@ -145,7 +147,8 @@ protected:
         OwnedPtr<Database> db = Database::create(path, 30);
         for (int i = 0; i < 10; ++i) {
             const auto bytes = payloadFor(i, 1);
-            ASSERT_TRUE(db->addRecord(idFor(static_cast<std::uint32_t>(i)), bytes.data(), static_cast<int>(bytes.size())));
+            ASSERT_TRUE(db->addRecord(idFor(static_cast<std::uint32_t>(i)), bytes.data(),
+                                      static_cast<int>(bytes.size())));
         }
     }
 

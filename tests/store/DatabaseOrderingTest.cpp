@@ -52,9 +52,7 @@ TEST_F(DatabaseOrderingTest, NewFileHasRoomForAHundred) {
 }
 
 TEST_F(DatabaseOrderingTest, IdsAreStoredInOrderBehindTheHeader) {
-    {
-        OwnedPtr<DatabaseOrdering> ordering = make(3);
-    }
+    { OwnedPtr<DatabaseOrdering> ordering = make(3); }
     const auto bytes = fileBytes(dir.file("idx"));
     EXPECT_EQ(getInt(bytes, 16), 3);
     for (int i = 0; i < 3; ++i) {
@@ -120,7 +118,8 @@ TEST_F(DatabaseOrderingTest, RemovalLeavesStaleIdsBehind) {
     const auto bytes = fileBytes(dir.file("idx"));
     unsigned char last[16];
     idFor(3).writeBytes(last);
-    EXPECT_TRUE(std::equal(last, last + 16, bytes.begin() + 32 + 16 * 3)) << "the old last id stays in the file";
+    EXPECT_TRUE(std::equal(last, last + 16, bytes.begin() + 32 + 16 * 3))
+        << "the old last id stays in the file";
 }
 
 TEST_F(DatabaseOrderingTest, NullIdNeverEnters) {
@@ -145,9 +144,11 @@ TEST_F(DatabaseOrderingTest, ClearKeepsTheFile) {
 TEST_F(DatabaseOrderingTest, DamagedFilesDoNotOpen) {
     const auto open = [&](const std::vector<unsigned char>& bytes) {
         putBytes(dir.file("bad"), bytes);
-        return thrownMessage([&] { OwnedPtr<DatabaseOrdering> o = DatabaseOrdering::create(dir.wide("bad")); });
+        return thrownMessage(
+            [&] { OwnedPtr<DatabaseOrdering> o = DatabaseOrdering::create(dir.wide("bad")); });
     };
-    EXPECT_EQ(thrownMessage([&] { DatabaseOrdering::create(dir.wide("missing")); }), u"Cannot open database index");
+    EXPECT_EQ(thrownMessage([&] { DatabaseOrdering::create(dir.wide("missing")); }),
+              u"Cannot open database index");
     { OwnedPtr<DatabaseOrdering> ordering = make(3); }
     auto good = fileBytes(dir.file("idx"));
     EXPECT_EQ(open(good), u"");
@@ -159,7 +160,8 @@ TEST_F(DatabaseOrderingTest, DamagedFilesDoNotOpen) {
     EXPECT_EQ(open(bytes), u"Cannot open database index");
     putInt(bytes, 16, -1);
     EXPECT_EQ(open(bytes), u"Cannot open database index");
-    EXPECT_EQ(open(std::vector<unsigned char>(good.begin(), good.begin() + 20)), u"Cannot open database index");
+    EXPECT_EQ(open(std::vector<unsigned char>(good.begin(), good.begin() + 20)),
+              u"Cannot open database index");
     // A file holding only its header has room for nothing, and still takes ids.
     bytes = std::vector<unsigned char>(good.begin(), good.begin() + 32);
     putInt(bytes, 16, 0);
@@ -172,7 +174,8 @@ TEST_F(DatabaseOrderingTest, DamagedFilesDoNotOpen) {
 
 TEST_F(DatabaseOrderingTest, SecondOpenerIsRefused) {
     OwnedPtr<DatabaseOrdering> ordering = make(1);
-    EXPECT_EQ(thrownMessage([&] { DatabaseOrdering::create(dir.wide("idx")); }), u"Cannot open database index");
+    EXPECT_EQ(thrownMessage([&] { DatabaseOrdering::create(dir.wide("idx")); }),
+              u"Cannot open database index");
 }
 
 }  // namespace

@@ -43,7 +43,8 @@ TEST_F(DatabaseTest, NewFileIsExactlyTheHeader) {
     ASSERT_TRUE(Database::createFile(dir.wide("new"), 1024, 2, 77));
     const auto bytes = fileBytes(dir.file("new"));
     ASSERT_EQ(bytes.size(), 44u);
-    const unsigned char magic[16] = {'#', '#', '#', 'O', 'r', 'v', 'a', 'n', 't', 'a', 'D', 'B', '#', '#', '#', 0};
+    const unsigned char magic[16] = {'#', '#', '#', 'O', 'r', 'v', 'a', 'n',
+                                     't', 'a', 'D', 'B', '#', '#', '#', 0};
     EXPECT_TRUE(std::equal(magic, magic + 16, bytes.begin()));
     EXPECT_EQ(getInt(bytes, 16), 1024);
     EXPECT_EQ(getInt(bytes, 20), 0);
@@ -86,7 +87,8 @@ TEST_F(DatabaseTest, FileMatchesTheLayoutBuiltByHand) {
     std::memcpy(expected.data() + head(0, guidBytes(first), 5), "hello", 5);
     // 40 bytes exceed the 24 of a first block: (40 - 24) / 64 + 2 = 2 blocks, the payload running on.
     const auto forty = pattern(40, 1);
-    std::copy(forty.begin(), forty.end(), expected.begin() + static_cast<long>(head(1, guidBytes(second), 40)));
+    std::copy(forty.begin(), forty.end(),
+              expected.begin() + static_cast<long>(head(1, guidBytes(second), 40)));
     std::memcpy(expected.data() + head(3, std::vector<unsigned char>(16, 0), 3), "abc", 3);
     EXPECT_EQ(fileBytes(dir.file("db")), expected);
     EXPECT_FALSE(std::filesystem::exists(dir.file("db-journal"))) << "a clean close leaves the file alone";
@@ -196,7 +198,9 @@ TEST_F(DatabaseTest, InfoRecordIsStoredButNotCounted) {
     ASSERT_TRUE(db->addRecord(idFor(2), "b", 1));
     EXPECT_EQ(db->getRecordCount(), 2);
     ASSERT_NE(db->findRecord(Database::kInfoRecordID), nullptr);
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(db->findRecord(Database::kInfoRecordID)->getDataBytes()), 4), "info");
+    EXPECT_EQ(
+        std::string(reinterpret_cast<char*>(db->findRecord(Database::kInfoRecordID)->getDataBytes()), 4),
+        "info");
     EXPECT_EQ(ordering->getCount(), 2);
     EXPECT_EQ(ordering->indexOf(Database::kInfoRecordID), -1);
 
@@ -278,7 +282,7 @@ TEST_F(DatabaseTest, IteratorWalksBothWaysAndSurvivesRemoval) {
 TEST_F(DatabaseTest, BlockCursorStepsOverRuns) {
     OwnedPtr<Database> db = make(64, 6);
     ASSERT_TRUE(db->addRecord(idFor(1), pattern(100, 1).data(), 100));  // 3 blocks
-    ASSERT_TRUE(db->addRecord(idFor(2), "x", 1));                        // 1 block
+    ASSERT_TRUE(db->addRecord(idFor(2), "x", 1));                       // 1 block
     std::vector<int> steps;
     for (auto cursor = db->blocksBegin(), end = db->blocksEnd(); cursor != end; ++cursor)
         steps.push_back(db->blockToOffset(*cursor) / 64);
@@ -366,7 +370,9 @@ protected:
     std::vector<unsigned char> mGood;
 };
 
-TEST_F(DamagedDatabaseTest, GoodFileOpens) { EXPECT_EQ(openMessage(goodFile()), u""); }
+TEST_F(DamagedDatabaseTest, GoodFileOpens) {
+    EXPECT_EQ(openMessage(goodFile()), u"");
+}
 
 TEST_F(DamagedDatabaseTest, MissingOrForeignFilesDoNotOpen) {
     EXPECT_EQ(thrownMessage([&] { Database::create(dir.wide("missing"), 10); }), u"Cannot open database");
@@ -375,8 +381,10 @@ TEST_F(DamagedDatabaseTest, MissingOrForeignFilesDoNotOpen) {
     EXPECT_EQ(openMessage(bytes), u"Cannot open database");
     EXPECT_EQ(openMessage({}), u"Cannot open database");
     const auto good = goodFile();
-    EXPECT_EQ(openMessage(std::vector<unsigned char>(good.begin(), good.begin() + 10)), u"Cannot open database");
-    EXPECT_EQ(openMessage(std::vector<unsigned char>(good.begin(), good.begin() + 30)), u"Cannot open database");
+    EXPECT_EQ(openMessage(std::vector<unsigned char>(good.begin(), good.begin() + 10)),
+              u"Cannot open database");
+    EXPECT_EQ(openMessage(std::vector<unsigned char>(good.begin(), good.begin() + 30)),
+              u"Cannot open database");
 }
 
 TEST_F(DamagedDatabaseTest, BlockCountPastTheEndDoesNotOpen) {
@@ -427,8 +435,9 @@ TEST_F(DamagedDatabaseTest, TrailingBytesBeyondTheBlocksAreIgnored) {
 TEST_F(DamagedDatabaseTest, EveryTruncationFailsCleanly) {
     const auto bytes = goodFile();
     for (std::size_t size = 0; size < bytes.size(); size += 7)
-        EXPECT_EQ(openMessage(std::vector<unsigned char>(bytes.begin(), bytes.begin() + static_cast<long>(size))),
-                  u"Cannot open database")
+        EXPECT_EQ(
+            openMessage(std::vector<unsigned char>(bytes.begin(), bytes.begin() + static_cast<long>(size))),
+            u"Cannot open database")
             << size;
 }
 

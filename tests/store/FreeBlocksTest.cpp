@@ -40,7 +40,8 @@ TEST(FreeBlocksTest, AgreesWithAnOrderedSet) {
             model.erase(block);
         }
         if (step % 50 == 0) {
-            for (int need : {1, 2, 3, 7, 63, 64, 65, 130}) ASSERT_EQ(blocks.findRun(need), firstFit(model, need)) << need;
+            for (int need : {1, 2, 3, 7, 63, 64, 65, 130})
+                ASSERT_EQ(blocks.findRun(need), firstFit(model, need)) << need;
             ASSERT_EQ(blocks.size(), static_cast<int>(model.size()));
         }
     }

@@ -11,7 +11,9 @@ using namespace Orvanta;
 
 namespace {
 
-IdIndex::Key keyFor(std::uint64_t hi, std::uint64_t lo) { return IdIndex::Key{hi, lo}; }
+IdIndex::Key keyFor(std::uint64_t hi, std::uint64_t lo) {
+    return IdIndex::Key{hi, lo};
+}
 
 void expectSame(const IdIndex& index, const std::map<std::pair<std::uint64_t, std::uint64_t>, int>& model) {
     ASSERT_EQ(index.size(), model.size());
@@ -74,7 +76,9 @@ TEST(IdIndexTest, BuildKeepsTheHighestOffsetOfAKey) {
     std::map<std::pair<std::uint64_t, std::uint64_t>, int> model;
     for (int i = 0; i < 10000; ++i) {
         std::pair<std::uint64_t, std::uint64_t> key{random(), random()};
-        if (i % 100 == 99) key = {entries[static_cast<std::size_t>(i / 2)].key.hi, entries[static_cast<std::size_t>(i / 2)].key.lo};
+        if (i % 100 == 99)
+            key = {entries[static_cast<std::size_t>(i / 2)].key.hi,
+                   entries[static_cast<std::size_t>(i / 2)].key.lo};
         entries.push_back(IdIndex::Entry{keyFor(key.first, key.second), i});
         model[key] = i;  // ascending offsets: the last one wins
     }
@@ -82,7 +86,8 @@ TEST(IdIndexTest, BuildKeepsTheHighestOffsetOfAKey) {
     index.build(entries);
     expectSame(index, model);
     IdIndex small;
-    small.build({IdIndex::Entry{keyFor(2, 0), 5}, IdIndex::Entry{keyFor(1, 0), 9}, IdIndex::Entry{keyFor(2, 0), 7}});
+    small.build(
+        {IdIndex::Entry{keyFor(2, 0), 5}, IdIndex::Entry{keyFor(1, 0), 9}, IdIndex::Entry{keyFor(2, 0), 7}});
     EXPECT_EQ(small.size(), 2u);
     EXPECT_EQ(small.find(keyFor(2, 0)), 7);
 }

@@ -52,7 +52,8 @@ TEST(PropertyListTest, NamesAreOrderedByTheLocaleAndCaseSensitive) {
     for (const char16_t* name : {u"timestamp", u"Folder", u"folder", u"filename", u"ID", u"id"})
         list->set(name, PropertyValue(1), false);
     EXPECT_EQ(list->getCount(), 6);
-    EXPECT_EQ(names(list), (std::vector<std::u16string>{u"filename", u"folder", u"Folder", u"id", u"ID", u"timestamp"}));
+    EXPECT_EQ(names(list),
+              (std::vector<std::u16string>{u"filename", u"folder", u"Folder", u"id", u"ID", u"timestamp"}));
 }
 
 TEST(PropertyListTest, NotificationsComeFromTheList) {
@@ -124,8 +125,8 @@ TEST_F(PropertyDatabaseTest, RecordBodyIsTheEntriesInNameOrder) {
     ASSERT_NE(record, nullptr);
     // "ID" (an ordinary property), then "rating"; "id" itself is the record's own id.
     const std::vector<unsigned char> expected = {
-        'I', 0, 'D', 0, 0, 0, 2, 0, 0, 0, 0, 0, 4, 0, 0, 0, 'x', 0, 0, 0,
-        'r', 0, 'a', 0, 't', 0, 'i', 0, 'n', 0, 'g', 0, 0, 0, 3, 0, 0, 0, 0, 0, 4, 0, 0, 0, 3, 0, 0, 0};
+        'I', 0, 'D', 0, 0,   0, 2,   0, 0, 0, 0, 0, 4, 0, 0, 0, 'x', 0, 0, 0, 'r', 0, 'a', 0,
+        't', 0, 'i', 0, 'n', 0, 'g', 0, 0, 0, 3, 0, 0, 0, 0, 0, 4,   0, 0, 0, 3,   0, 0,   0};
     ASSERT_EQ(record->getDataSize(), static_cast<int>(expected.size()));
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), record->getDataBytes()));
 }
@@ -230,7 +231,8 @@ TEST_F(PropertyDatabaseTest, LinkedPropertiesLiveInTheRelatedRecord) {
 
     // The body holds "key" and "note" only.
     Database::Record* record = album->getDatabase()->findRecord(idFor(20));
-    OwnedPtr<PropertyList> stored = PropertyDatabase::decode(idFor(20), record->getDataBytes(), record->getDataSize());
+    OwnedPtr<PropertyList> stored =
+        PropertyDatabase::decode(idFor(20), record->getDataBytes(), record->getDataSize());
     EXPECT_EQ(names(stored), (std::vector<std::u16string>{u"id", u"key", u"note"}));
 
     OwnedPtr<PropertyList> joined = album->getList(idFor(20));
@@ -275,20 +277,24 @@ TEST_F(PropertyDatabaseTest, DecodeRefusesEveryTruncation) {
     OwnedPtr<PropertyDatabase> db = make("p");
     ASSERT_TRUE(db->putList(list));
     Database::Record* record = db->getDatabase()->findRecord(idFor(1));
-    const std::vector<unsigned char> body(record->getDataBytes(), record->getDataBytes() + record->getDataSize());
+    const std::vector<unsigned char> body(record->getDataBytes(),
+                                          record->getDataBytes() + record->getDataSize());
     for (std::size_t size = 1; size < body.size(); ++size) {
-        OwnedPtr<PropertyList> partial = PropertyDatabase::decode(idFor(1), body.data(), static_cast<int>(size));
+        OwnedPtr<PropertyList> partial =
+            PropertyDatabase::decode(idFor(1), body.data(), static_cast<int>(size));
         // Only a cut at an entry boundary decodes, to the entries before it.
         if (partial) EXPECT_EQ(partial->getCount(), 2) << size;
     }
-    OwnedPtr<PropertyList> whole = PropertyDatabase::decode(idFor(1), body.data(), static_cast<int>(body.size()));
+    OwnedPtr<PropertyList> whole =
+        PropertyDatabase::decode(idFor(1), body.data(), static_cast<int>(body.size()));
     ASSERT_NE(whole, nullptr);
     EXPECT_EQ(whole->getCount(), 3);
 }
 
 TEST_F(PropertyDatabaseTest, BadFileThrowsTheDatabaseMessage) {
     writeFileBytes(dir.file("bad"), "not a database at all, not at all");
-    EXPECT_EQ(thrownMessage([&] { PropertyDatabase::create(dir.wide("bad"), 100); }), u"Cannot open database");
+    EXPECT_EQ(thrownMessage([&] { PropertyDatabase::create(dir.wide("bad"), 100); }),
+              u"Cannot open database");
 }
 
 }  // namespace

@@ -28,7 +28,8 @@ TEST(PropertyValueTest, ByteForms) {
               (std::vector<unsigned char>{0xd4, 7, 2, 0, 29, 0, 13, 0, 5, 0, 59, 0, 0xe7, 3}));
     const UniqueID id(CString(u"00112233-4455-6677-8899-aabbccddeeff"));
     EXPECT_EQ(bytesOf(PropertyValue(id)),
-              (std::vector<unsigned char>{0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff}));
+              (std::vector<unsigned char>{0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xaa,
+                                          0xbb, 0xcc, 0xdd, 0xee, 0xff}));
     EXPECT_TRUE(PropertyValue().asBytes().isNull());
     EXPECT_EQ(PropertyValue().getType(), PropertyValue::kNull);
 }
@@ -96,7 +97,8 @@ TEST(PropertyValueTest, UnknownTagIsKept) {
     unsigned char byte = 1;
     const PropertyValue value(&byte, 1, static_cast<PropertyValue::Type>(42));
     EXPECT_EQ(static_cast<int>(PropertyValue(value).getType()), 42);
-    EXPECT_FALSE(value.isNull() || value.isBytes() || value.isString() || value.isInt() || value.isDateTime() || value.isUniqueID());
+    EXPECT_FALSE(value.isNull() || value.isBytes() || value.isString() || value.isInt() ||
+                 value.isDateTime() || value.isUniqueID());
     EXPECT_FALSE(value == value);
 }
 
@@ -137,9 +139,12 @@ TEST(PropertyValueTest, StringsCompareByTheLocaleCaseSensitively) {
 }
 
 TEST(PropertyValueTest, DatesCompareFieldByField) {
-    EXPECT_TRUE(PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 1)) < PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 2)));
-    EXPECT_TRUE(PropertyValue(DateTime(1999, 12, 31, 23, 59, 59, 999)) < PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 0)));
-    EXPECT_FALSE(PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 0)) < PropertyValue(5)) << "5 is no date: all zero";
+    EXPECT_TRUE(PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 1)) <
+                PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 2)));
+    EXPECT_TRUE(PropertyValue(DateTime(1999, 12, 31, 23, 59, 59, 999)) <
+                PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 0)));
+    EXPECT_FALSE(PropertyValue(DateTime(2000, 1, 1, 0, 0, 0, 0)) < PropertyValue(5))
+        << "5 is no date: all zero";
 }
 
 TEST(PropertyValueTest, BytesHaveEqualityButNoOrder) {

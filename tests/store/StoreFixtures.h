@@ -45,7 +45,9 @@ inline void putInt(std::vector<unsigned char>& bytes, std::size_t at, std::int32
     std::memcpy(bytes.data() + at, &value, sizeof value);
 }
 
-inline void putIntAt(unsigned char* at, std::int32_t value) { std::memcpy(at, &value, sizeof value); }
+inline void putIntAt(unsigned char* at, std::int32_t value) {
+    std::memcpy(at, &value, sizeof value);
+}
 
 inline std::int32_t getInt(const std::vector<unsigned char>& bytes, std::size_t at) {
     std::int32_t value;

@@ -61,10 +61,12 @@ protected:
 TEST_F(DbCommandTest, StatsShowsTheHeaderRecordsAndOrdering) {
     const ToolRun run = runTool("db stats " + dir.file("catalog.db"));
     EXPECT_EQ(run.status, 0) << run.output;
-    for (const char* line : {"block size\t1024\n", "block count\t100\n", "format version\t2\n", "records\t1\n",
-                             "info record\tyes\n", "free blocks\t98\n", "property lists\t2 of 2\n"})
+    for (const char* line :
+         {"block size\t1024\n", "block count\t100\n", "format version\t2\n", "records\t1\n",
+          "info record\tyes\n", "free blocks\t98\n", "property lists\t2 of 2\n"})
         EXPECT_NE(run.output.find(line), std::string::npos) << line << "\n" << run.output;
-    EXPECT_NE(run.output.find("catalog.db.idx: 1 ids (1 with a record), capacity 100"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("catalog.db.idx: 1 ids (1 with a record), capacity 100"), std::string::npos)
+        << run.output;
 }
 
 TEST_F(DbCommandTest, DumpDecodesEveryProperty) {
@@ -73,7 +75,8 @@ TEST_F(DbCommandTest, DumpDecodesEveryProperty) {
     EXPECT_NE(run.output.find("0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9\t"), std::string::npos) << run.output;
     EXPECT_NE(run.output.find("\tfilename\tstring\tIMG_0042.JPG\n"), std::string::npos) << run.output;
     EXPECT_NE(run.output.find("\trating\tint\t4\n"), std::string::npos) << run.output;
-    EXPECT_NE(run.output.find("\ttimestamp\tdatetime\t2004-02-29 08:15:00.000\n"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("\ttimestamp\tdatetime\t2004-02-29 08:15:00.000\n"), std::string::npos)
+        << run.output;
     EXPECT_NE(run.output.find("info record\n\tsort\tstring\ttimestamp\n"), std::string::npos) << run.output;
 }
 

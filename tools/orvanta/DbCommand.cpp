@@ -23,19 +23,30 @@ using namespace Orvanta;
 
 namespace {
 
-std::string utf8(const CString& text) { return text.toUtf8(); }
+std::string utf8(const CString& text) {
+    return text.toUtf8();
+}
 
-std::string idText(const UniqueID& id) { return utf8(id.asString()); }
+std::string idText(const UniqueID& id) {
+    return utf8(id.asString());
+}
 
 const char* typeName(PropertyValue::Type type) {
     switch (type) {
-        case PropertyValue::kNull: return "null";
-        case PropertyValue::kBytes: return "bytes";
-        case PropertyValue::kString: return "string";
-        case PropertyValue::kInt: return "int";
-        case PropertyValue::kDateTime: return "datetime";
-        case PropertyValue::kUniqueID: return "id";
-        default: return "unknown";
+        case PropertyValue::kNull:
+            return "null";
+        case PropertyValue::kBytes:
+            return "bytes";
+        case PropertyValue::kString:
+            return "string";
+        case PropertyValue::kInt:
+            return "int";
+        case PropertyValue::kDateTime:
+            return "datetime";
+        case PropertyValue::kUniqueID:
+            return "id";
+        default:
+            return "unknown";
     }
 }
 
@@ -54,19 +65,24 @@ std::string hex(const void* data, int length, int most) {
 std::string valueText(const PropertyValue& value) {
     char text[64];
     switch (value.getType()) {
-        case PropertyValue::kNull: return "";
-        case PropertyValue::kString: return utf8(value.asString());
-        case PropertyValue::kInt: return std::to_string(value.asInt());
-        case PropertyValue::kUniqueID: return idText(value.asUniqueID());
+        case PropertyValue::kNull:
+            return "";
+        case PropertyValue::kString:
+            return utf8(value.asString());
+        case PropertyValue::kInt:
+            return std::to_string(value.asInt());
+        case PropertyValue::kUniqueID:
+            return idText(value.asUniqueID());
         case PropertyValue::kDateTime: {
             const DateTime d = value.asDateTime();
-            std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", d.getYear(), d.getMonth(), d.getMDay(),
-                          d.getHour(), d.getMinute(), d.getSecond(), d.getMillisecond());
+            std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d.%03d", d.getYear(), d.getMonth(),
+                          d.getMDay(), d.getHour(), d.getMinute(), d.getSecond(), d.getMillisecond());
             return text;
         }
         default: {
             const Bytes& bytes = value.asBytes();
-            return std::to_string(bytes.getLength()) + " bytes " + hex(bytes.getBytes(), bytes.getLength(), 32);
+            return std::to_string(bytes.getLength()) + " bytes " +
+                   hex(bytes.getBytes(), bytes.getLength(), 32);
         }
     }
 }
@@ -97,8 +113,8 @@ std::vector<std::string> orderingsBeside(const std::string& path) {
         FILE* file = std::fopen(full.c_str(), "rb");
         if (!file) continue;
         char magic[16];
-        const bool isOrdering = std::fread(magic, 1, 16, file) == 16 &&
-                                std::memcmp(magic, StoreFormat::kOrderingMagic, 16) == 0;
+        const bool isOrdering =
+            std::fread(magic, 1, 16, file) == 16 && std::memcmp(magic, StoreFormat::kOrderingMagic, 16) == 0;
         std::fclose(file);
         if (isOrdering) found.push_back(full);
     }
@@ -119,12 +135,14 @@ int runStats(const std::string& path) {
         payload += record->getDataSize();
         recordBlocks += db->getRecordBlocks(record);
         largest = std::max<long long>(largest, record->getDataSize());
-        OwnedPtr<PropertyList> list = PropertyDatabase::decode(record->getID(), record->getDataBytes(), record->getDataSize());
+        OwnedPtr<PropertyList> list =
+            PropertyDatabase::decode(record->getID(), record->getDataBytes(), record->getDataSize());
         if (list) ++propertyLists;
     }
     const int blockSize = db->getBlockSize(), blocks = db->getBlockCount();
     std::printf("file\t%s\n", path.c_str());
-    std::printf("file size\t%lld\n", static_cast<long long>(StoreFormat::kDatabaseHeaderSize) + static_cast<long long>(blocks) * blockSize);
+    std::printf("file size\t%lld\n", static_cast<long long>(StoreFormat::kDatabaseHeaderSize) +
+                                         static_cast<long long>(blocks) * blockSize);
     std::printf("block size\t%d\n", blockSize);
     std::printf("block count\t%d\n", blocks);
     std::printf("format version\t%d\n", db->getFormatVersion());
@@ -142,8 +160,8 @@ int runStats(const std::string& path) {
             OwnedPtr<DatabaseOrdering> ordering = DatabaseOrdering::create(CString::fromUtf8(orderingPath));
             int known = 0;
             for (int i = 0; i < ordering->getCount(); ++i) known += db->hasRecord(ordering->getID(i)) ? 1 : 0;
-            std::printf("ordering\t%s: %d ids (%d with a record), capacity %d\n", orderingPath.c_str(), ordering->getCount(),
-                        known, ordering->getCapacity());
+            std::printf("ordering\t%s: %d ids (%d with a record), capacity %d\n", orderingPath.c_str(),
+                        ordering->getCount(), known, ordering->getCapacity());
         } catch (const Exception& e) {
             std::printf("ordering\t%s: %s\n", orderingPath.c_str(), utf8(e.getMessage()).c_str());
         }
@@ -160,9 +178,11 @@ int runDump(const std::string& path) {
         const UniqueID id = record->getID();
         std::printf("%s\t%d bytes\tblock %d%s\n", idText(id).c_str(), record->getDataSize(),
                     db->blockToOffset(record) / db->getBlockSize(), id.isNull() ? "\tinfo record" : "");
-        OwnedPtr<PropertyList> list = PropertyDatabase::decode(id, record->getDataBytes(), record->getDataSize());
+        OwnedPtr<PropertyList> list =
+            PropertyDatabase::decode(id, record->getDataBytes(), record->getDataSize());
         if (!list) {
-            std::printf("\t(not a property list) %s\n", hex(record->getDataBytes(), record->getDataSize(), 48).c_str());
+            std::printf("\t(not a property list) %s\n",
+                        hex(record->getDataBytes(), record->getDataSize(), 48).c_str());
             continue;
         }
         OwnedPtr<PropertyList::Iterator> walk = list->createIterator();
@@ -170,8 +190,8 @@ int runDump(const std::string& path) {
         for (int i = 0; i < list->getCount(); ++i) {
             const Property property = walk->next();
             if (CString(property.getName()) == PropertyList::kPropID) continue;
-            std::printf("\t%s\t%s\t%s\n", utf8(property.getName()).c_str(), typeName(property.getValue().getType()),
-                        valueText(property.getValue()).c_str());
+            std::printf("\t%s\t%s\t%s\n", utf8(property.getName()).c_str(),
+                        typeName(property.getValue().getType()), valueText(property.getValue()).c_str());
         }
     }
     return 0;
