@@ -47,6 +47,11 @@ public:
         setValue(value);
         return *this;
     }
+    // A literal would otherwise convert both to a CString and to a PropertyValue.
+    PropertyValue& operator=(const char16_t* value) {
+        setValue(CString(value));
+        return *this;
+    }
     PropertyValue& operator=(const DateTime& value) {
         setValue(value);
         return *this;

@@ -283,7 +283,9 @@ TEST_F(PropertyDatabaseTest, DecodeRefusesEveryTruncation) {
         OwnedPtr<PropertyList> partial =
             PropertyDatabase::decode(idFor(1), body.data(), static_cast<int>(size));
         // Only a cut at an entry boundary decodes, to the entries before it.
-        if (partial) EXPECT_EQ(partial->getCount(), 2) << size;
+        if (partial) {
+            EXPECT_EQ(partial->getCount(), 2) << size;
+        }
     }
     OwnedPtr<PropertyList> whole =
         PropertyDatabase::decode(idFor(1), body.data(), static_cast<int>(body.size()));

@@ -173,6 +173,8 @@ TEST(PropertyValueTest, SettersReplaceTheValue) {
     PropertyValue value(5);
     value = CString(u"five");
     EXPECT_TRUE(value.isString());
+    value = u"six";
+    EXPECT_EQ(value.asString(), CString(u"six"));
     value = DateTime(2020, 1, 2, 0, 0, 0, 0);
     EXPECT_TRUE(value.isDateTime());
     value = 9;
