@@ -40,13 +40,6 @@ off_t FileSystem::seek(int fd, off_t offset, int whence) { return ::lseek(fd, of
 int FileSystem::truncate(int fd, off_t size) {
     return retryOnInterrupt([&] { return ::ftruncate(fd, size); });
 }
-int FileSystem::allocate(int fd, off_t offset, off_t length) {
-    int result;
-    do {
-        result = ::posix_fallocate(fd, offset, length);
-    } while (result == EINTR);
-    return result;
-}
 int FileSystem::sync(int fd) { return retryOnInterrupt([&] { return ::fsync(fd); }); }
 int FileSystem::stat(int fd, struct stat* info) { return ::fstat(fd, info); }
 int FileSystem::stat(const char* path, struct stat* info) { return ::stat(path, info); }

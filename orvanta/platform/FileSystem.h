@@ -24,9 +24,6 @@ public:
     virtual ssize_t write(int fd, const void* data, std::size_t size);
     virtual off_t seek(int fd, off_t offset, int whence);
     virtual int truncate(int fd, off_t size);
-    // posix_fallocate: takes the disk space of a range, growing the file if needed. Unlike errno
-    // calls it returns the error number itself (0 on success).
-    virtual int allocate(int fd, off_t offset, off_t length);
     virtual int sync(int fd);
     virtual int stat(int fd, struct stat* info);
     virtual int stat(const char* path, struct stat* info);

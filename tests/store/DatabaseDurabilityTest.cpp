@@ -7,15 +7,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <filesystem>
 #include <map>
 #include <random>
 
 #include "orvanta/foundation/OwnedPtr.h"
-#include "orvanta/platform/FileSystem.h"
 #include "orvanta/store/Database.h"
 #include "tests/store/StoreFixtures.h"
+#include "tests/support/FaultyFileSystem.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -255,24 +254,12 @@ TEST_F(InterruptedChangeTest, JournalOfAnotherShapeIsIgnored) {
     EXPECT_EQ(db->getRecordCount(), 10);
 }
 
-// A disk that is full: taking space for a file fails, as posix_fallocate does.
-class FullDisk : public Platform::FileSystem {
-public:
-    FullDisk() { Platform::FileSystem::install(this); }
-    ~FullDisk() override { Platform::FileSystem::install(nullptr); }
-    int allocate(int fd, off_t offset, off_t length) override {
-        if (full) return ENOSPC;
-        return Platform::FileSystem::allocate(fd, offset, length);
-    }
-    bool full = false;
-};
-
 TEST_F(InterruptedChangeTest, FullDiskRefusesNewRecordsAndKeepsTheRest) {
     OwnedPtr<Database> db = Database::create(path, 30);
     ASSERT_TRUE(db->grow(0));  // free blocks at the end for what follows
     const int blocks = db->getBlockCount();
-    FullDisk disk;
-    disk.full = true;
+    FaultyFileSystem disk;
+    disk.failWritesAfter(1000);  // the disk fills up in the middle of the growth
     const auto big = pattern(40000, 1);
     EXPECT_FALSE(db->addRecord(idFor(70), big.data(), 40000));
     EXPECT_EQ(db->getBlockCount(), blocks);
@@ -280,7 +267,7 @@ TEST_F(InterruptedChangeTest, FullDiskRefusesNewRecordsAndKeepsTheRest) {
     // Records that fit the free blocks still go in, unjournaled if need be.
     EXPECT_TRUE(db->addRecord(idFor(71), "small", 5));
     expectAllIntact(db);
-    disk.full = false;
+    disk.failWritesAfter(-1);
     EXPECT_TRUE(db->addRecord(idFor(70), big.data(), 40000));
     db->close();
     db = Database::create(path, 30);
