@@ -1,8 +1,11 @@
 #include "orvanta/codecs/CodecManager.h"
 
+#include <cstdint>
 #include <map>
 
+#include "orvanta/foundation/FilePath.h"
 #include "orvanta/foundation/OwnedPtr.h"
+#include "orvanta/foundation/Resource.h"
 
 namespace Orvanta {
 
@@ -35,18 +38,18 @@ void CodecManager::registerCodec(Codec* codec, const std::vector<CString>& exten
 }
 
 CString CodecManager::extensionOf(const char16_t* name) {
-    CString s(name);
+    const CString s(name);
     if (s.find(u'.') == CString::npos) return s;
-    const std::size_t slash = s.reverseFind(u'/');
-    const std::size_t elementStart = slash == CString::npos ? 0 : slash + 1;
-    const std::size_t dot = s.reverseFind(u'.');
-    if (dot == CString::npos || dot < elementStart) return CString();
-    return s.mid(dot + 1);
+    return FilePath::getExtension(s);
 }
 
 Codec* CodecManager::getCodec(const char16_t* name) {
-    if (!name || !*name) return nullptr;
-    const CString extension = extensionOf(name).lowered();
+    if (!name) return nullptr;
+    // Pointer values below 0x10000 are no text but the id of a string resource that holds it.
+    const auto value = reinterpret_cast<std::uintptr_t>(name);
+    const CString text = value < 0x10000 ? Resource(static_cast<int>(value)).getString() : CString(name);
+    if (text.isEmpty()) return nullptr;
+    const CString extension = extensionOf(text).lowered();
     if (extension.isEmpty()) return nullptr;
     const Registry& r = registry();
     auto it = r.byExtension.find(extension);
@@ -77,7 +80,11 @@ void CodecManager::enumerateExtensions(CodecExtensionSink* sink, void* context, 
     }
 }
 
-void CodecManager::enableFastThumbnailing(bool enable) { registry().fastThumbnailing = enable; }
-bool CodecManager::isFastThumbnailingEnabled() { return registry().fastThumbnailing; }
+void CodecManager::enableFastThumbnailing(bool enable) {
+    registry().fastThumbnailing = enable;
+}
+bool CodecManager::isFastThumbnailingEnabled() {
+    return registry().fastThumbnailing;
+}
 
 }  // namespace Orvanta

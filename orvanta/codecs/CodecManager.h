@@ -17,7 +17,8 @@ class CodecManager {
 public:
     static void registerCodec(Codec* codec);
     static void registerCodec(Codec* codec, const std::vector<CString>& extensions);
-    // name: a bare extension ("jpg"), one with its dot (".jpg"), or a path.
+    // name: a bare extension ("jpg"), one with its dot (".jpg"), or a path; or, as a pointer value
+    // below 0x10000, the id of a string resource of the current resource module that holds one.
     static Codec* getCodec(const char16_t* name);
     static void setDefaultCodec(Codec* codec);
     static void setDefaultCodec(Codec* codec, CodecType type);
@@ -28,8 +29,8 @@ public:
     static void disableFastThumbnailing() { enableFastThumbnailing(false); }
     static bool isFastThumbnailingEnabled();
 
-    // The extension getCodec looks up for a name: the text after the last dot of the last path
-    // element, or the whole name when it has no dot; empty when the last element has no dot.
+    // The extension getCodec looks up for a name: the whole name when it has no dot, otherwise
+    // FilePath::getExtension of it (empty when the last path element has no dot).
     static CString extensionOf(const char16_t* name);
 };
 

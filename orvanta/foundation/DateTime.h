@@ -40,7 +40,8 @@ public:
     void asSystemTime(SYSTEMTIME* out) const;
     // The fields as a FILETIME, with no zone conversion; out is untouched if they are not a date.
     void asFileTime(FILETIME* out) const;
-    // The date alone in the user's short format; empty for fields that are not a date.
+    // The date alone in the user's short numeric format, with the year in full ("29.02.2004",
+    // "2/29/2004"); empty for fields that are not a date.
     CString asString() const;
     // This local time as UTC.
     DateTime localToUTC() const;

@@ -5,9 +5,10 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <sys/stat.h>
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 
 namespace Orvanta::Platform {
 
@@ -29,29 +30,45 @@ auto retryOnInterrupt(Call call) {
 int FileSystem::open(const char* path, int flags, mode_t mode) {
     return retryOnInterrupt([&] { return ::open(path, flags | O_CLOEXEC, mode); });
 }
-int FileSystem::close(int fd) { return ::close(fd); }
+int FileSystem::close(int fd) {
+    return ::close(fd);
+}
 ssize_t FileSystem::read(int fd, void* buffer, std::size_t size) {
     return retryOnInterrupt([&] { return ::read(fd, buffer, size); });
 }
 ssize_t FileSystem::write(int fd, const void* data, std::size_t size) {
     return retryOnInterrupt([&] { return ::write(fd, data, size); });
 }
-off_t FileSystem::seek(int fd, off_t offset, int whence) { return ::lseek(fd, offset, whence); }
+off_t FileSystem::seek(int fd, off_t offset, int whence) {
+    return ::lseek(fd, offset, whence);
+}
 int FileSystem::truncate(int fd, off_t size) {
     return retryOnInterrupt([&] { return ::ftruncate(fd, size); });
 }
-int FileSystem::sync(int fd) { return retryOnInterrupt([&] { return ::fsync(fd); }); }
-int FileSystem::stat(int fd, struct stat* info) { return ::fstat(fd, info); }
-int FileSystem::stat(const char* path, struct stat* info) { return ::stat(path, info); }
+int FileSystem::sync(int fd) {
+    return retryOnInterrupt([&] { return ::fsync(fd); });
+}
+int FileSystem::stat(int fd, struct stat* info) {
+    return ::fstat(fd, info);
+}
+int FileSystem::stat(const char* path, struct stat* info) {
+    return ::stat(path, info);
+}
 int FileSystem::lock(int fd, int operation) {
     return retryOnInterrupt([&] { return ::flock(fd, operation); });
 }
 void* FileSystem::map(std::size_t size, int protection, int flags, int fd, off_t offset) {
     return ::mmap(nullptr, size, protection, flags, fd, offset);
 }
-int FileSystem::unmap(void* address, std::size_t size) { return ::munmap(address, size); }
-int FileSystem::setTimes(int fd, const struct timespec times[2]) { return ::futimens(fd, times); }
-int FileSystem::rename(const char* from, const char* to) { return ::rename(from, to); }
+int FileSystem::unmap(void* address, std::size_t size) {
+    return ::munmap(address, size);
+}
+int FileSystem::setTimes(int fd, const struct timespec times[2]) {
+    return ::futimens(fd, times);
+}
+int FileSystem::rename(const char* from, const char* to) {
+    return ::rename(from, to);
+}
 int FileSystem::renameNoReplace(const char* from, const char* to) {
     int result = ::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
     if (result == 0 || (errno != EINVAL && errno != ENOSYS)) return result;
@@ -72,9 +89,24 @@ int FileSystem::birthTime(int fd, struct timespec* time) {
     time->tv_nsec = t.tv_nsec;
     return 0;
 }
-int FileSystem::unlink(const char* path) { return ::unlink(path); }
+int FileSystem::unlink(const char* path) {
+    return ::unlink(path);
+}
+int FileSystem::linkStat(const char* path, struct stat* info) {
+    return ::lstat(path, info);
+}
+int FileSystem::makeDirectory(const char* path, mode_t mode) {
+    return ::mkdir(path, mode);
+}
+int FileSystem::makeTemporary(char* pattern, int suffixLength) {
+    return retryOnInterrupt([&] { return ::mkostemps(pattern, suffixLength, O_CLOEXEC); });
+}
 
-FileSystem& FileSystem::current() { return *gCurrent; }
-void FileSystem::install(FileSystem* replacement) { gCurrent = replacement ? replacement : &gPosix; }
+FileSystem& FileSystem::current() {
+    return *gCurrent;
+}
+void FileSystem::install(FileSystem* replacement) {
+    gCurrent = replacement ? replacement : &gPosix;
+}
 
 }  // namespace Orvanta::Platform

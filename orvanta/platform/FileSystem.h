@@ -38,6 +38,12 @@ public:
     // The creation time where the file system records one (statx birth time), else the change time.
     virtual int birthTime(int fd, struct timespec* time);
     virtual int unlink(const char* path);
+    // stat of the link itself, not of what it points at.
+    virtual int linkStat(const char* path, struct stat* info);
+    virtual int makeDirectory(const char* path, mode_t mode);
+    // mkstemps: replaces the six X before the last suffixLength characters of pattern with a unique
+    // text, creates that file and opens it.
+    virtual int makeTemporary(char* pattern, int suffixLength);
 
     // The instance in use, and the swap for tests. install(nullptr) restores the POSIX one.
     static FileSystem& current();

@@ -48,6 +48,8 @@ void civilFromDays(long long z, long long* year, unsigned* month, unsigned* day)
 
 // Seconds between local time and UTC at the UTC instant t, east positive.
 bool offsetAtUtc(time_t t, long* offset) {
+    // localtime_r, unlike localtime, need not look at TZ again; tzset makes it follow a change.
+    tzset();
     struct tm local;
     if (!localtime_r(&t, &local)) return false;
     *offset = local.tm_gmtoff;
@@ -141,6 +143,7 @@ void getLocalTime(SYSTEMTIME* out) {
 
 bool localTimeOfSeconds(long long seconds, SYSTEMTIME* out) {
     const time_t t = static_cast<time_t>(seconds);
+    tzset();
     struct tm local;
     if (!localtime_r(&t, &local)) return false;
     out->wYear = static_cast<WORD>(local.tm_year + 1900);

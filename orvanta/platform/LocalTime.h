@@ -6,7 +6,8 @@
 // systemTimeToFileTime refuses (false, output untouched) fields out of range: month 1..12, a day
 // that the month has, hour < 24, minute and second < 60, millisecond < 1000. fileTimeToSystemTime
 // refuses a tick count of 2^63 or more, and fills the day of the week. Local time follows the
-// system's zone rules (TZ, /etc/localtime) for the instant converted, daylight saving included.
+// system's zone rules (TZ, /etc/localtime, read again at each call) for the instant converted,
+// daylight saving included.
 
 #include "orvanta/platform/WinTypes.h"
 

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "orvanta/foundation/DateTime.h"
-#include "tests/foundation/TestLocales.h"
+#include "tests/foundation/TestEnvironment.h"
 
 using Orvanta::CString;
 using Orvanta::DateTime;

@@ -17,7 +17,9 @@ pcdir=$(dirname "$(find "$prefix" -name orvanta.pc | head -n 1)")
 
 # Sanitizer builds need their runtime in the consumers too.
 extra=""
-if nm -D "$(find "$prefix" -name 'liborvanta.so' | head -n 1)" 2>/dev/null | grep -q __asan_init; then
+# grep reads to the end (no -q): quitting early would kill nm with SIGPIPE, and pipefail would then
+# call the test false.
+if nm -D "$(find "$prefix" -name 'liborvanta.so' | head -n 1)" 2>/dev/null | grep __asan_init > /dev/null; then
   extra="-fsanitize=address,undefined"
 fi
 

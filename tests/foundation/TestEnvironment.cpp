@@ -1,4 +1,4 @@
-#include "tests/foundation/TestLocales.h"
+#include "tests/foundation/TestEnvironment.h"
 
 #include <unistd.h>
 
@@ -56,8 +56,12 @@ bool buildLocale(const std::string& name, const std::string& folder) {
 }  // namespace
 
 bool ensureLocale(const std::string& name) {
-    if (localeLoads(name)) return true;
     const std::string folder = privateLocaleFolder();
+    const char* searched = std::getenv("LOCPATH");
+    const bool privateFolderInUse = searched && folder == searched;
+    if (!privateFolderInUse && localeLoads(name)) return true;
+    // The C library remembers a locale it failed to find in a folder, so it is built before it is
+    // ever looked for there.
     if (!buildLocale(name, folder)) return false;
     setenv("LOCPATH", folder.c_str(), 1);
     return localeLoads(name);
@@ -73,20 +77,28 @@ ScopedLocale::~ScopedLocale() {
     std::setlocale(LC_ALL, mSaved.c_str());
 }
 
-ScopedTimeZone::ScopedTimeZone(const char* rule) {
-    const char* current = std::getenv("TZ");
+ScopedVariable::ScopedVariable(const char* name, const char* value) : mName(name) {
+    const char* current = std::getenv(name);
     mHadValue = current != nullptr;
     if (current) mSaved = current;
-    setenv("TZ", rule, 1);
+    if (value)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
+}
+
+ScopedVariable::~ScopedVariable() {
+    if (mHadValue)
+        setenv(mName.c_str(), mSaved.c_str(), 1);
+    else
+        unsetenv(mName.c_str());
+}
+
+ScopedTimeZone::ScopedTimeZone(const char* rule) : mVariable("TZ", rule) {
     tzset();
 }
 
-ScopedTimeZone::~ScopedTimeZone() {
-    if (mHadValue)
-        setenv("TZ", mSaved.c_str(), 1);
-    else
-        unsetenv("TZ");
-    tzset();
-}
+// The library calls tzset before each conversion, so restoring the variable is enough.
+ScopedTimeZone::~ScopedTimeZone() = default;
 
 }  // namespace OrvantaTest

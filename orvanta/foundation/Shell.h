@@ -1,0 +1,27 @@
+#pragma once
+// The helpers that work with the desktop shell and the process's folders.
+//
+// Contract: nothing throws; failures answer false or the empty string.
+
+#include "orvanta/foundation/Size.h"
+#include "orvanta/platform/CString.h"
+
+namespace Orvanta {
+
+// Sends one file or folder to the desktop's trash, from where the file manager can restore it.
+// Nothing is deleted: when the file cannot go to the trash it stays where it is, and the answer is
+// false.
+bool recycleFile(const char16_t* path);
+// The folder of the running executable, with its trailing separator.
+CString getAppDirectory();
+CString getCurDirectory();
+// Makes path the current folder and answers the folder that was current before.
+CString setCurDirectory(const char16_t* path);
+// Opens a document, folder or address with the desktop's default application, or starts a program
+// with parameters (see Platform::launch). With fromAppDirectory the application's folder is the
+// current one meanwhile, so a relative file is found there. The current folder is the same after.
+bool launch(const char16_t* file, bool fromAppDirectory = false, const char16_t* parameters = nullptr);
+// Logical pixels per inch of the screen, across and down.
+Size getScreenResolution();
+
+}  // namespace Orvanta
