@@ -15,6 +15,9 @@ packages=(
   libgtest-dev
   libgmock-dev
   libbenchmark-dev
+  # the record store's benchmark compares with these two stores in the same program
+  libsqlite3-dev
+  liblmdb-dev
   # libraries the engine links
   libicu-dev
   # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)

@@ -4,6 +4,7 @@
 #include <sys/file.h>
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <memory>
@@ -138,6 +139,21 @@ int File::getSize() {
 bool File::setSize(int size) {
     if (!isOpen() || isMapped() || size < 0) return false;
     return seek(size) && FileSystem::current().truncate(mHandle, size) == 0;
+}
+
+bool File::allocate(int size) {
+    if (!isOpen() || isMapped() || size < 0) return false;
+    const int old = getSize();
+    if (old < 0) return false;
+    if (size <= old) return setSize(size);
+    // Zeros written, not a sparse extension: the file system has to find the space now, and the
+    // pages are in the cache when a mapping of them is first touched.
+    static const unsigned char zeros[64 * 1024] = {};
+    bool ok = seek(old);
+    for (int at = old; ok && at < size; at += static_cast<int>(sizeof zeros))
+        ok = write(zeros, std::min(size - at, static_cast<int>(sizeof zeros)));
+    if (!ok) FileSystem::current().truncate(mHandle, old);  // gives back what was written
+    return ok;
 }
 
 bool File::getTimes(FILETIME* creation, FILETIME* access, FILETIME* write) {

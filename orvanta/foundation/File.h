@@ -44,6 +44,10 @@ public:
     virtual bool getTimes(FILETIME* creation, FILETIME* access, FILETIME* write);
     virtual bool setTimes(const FILETIME* creation, const FILETIME* access, const FILETIME* write);
 
+    // Sets the size like setSize, but writes zeros into any new part, so that its disk space is taken
+    // at once and writing through a mapping of it cannot fail later for want of space (a full disk
+    // fails here instead). On failure the size is left as it was.
+    bool allocate(int size);
     // Flushes what was written to the device, so that it survives a crash of the machine.
     bool flush();
     const CString& getPath() const { return mPath; }

@@ -22,5 +22,6 @@ const std::vector<Command>& commands();
 int runInfo(const Arguments& arguments);
 int runEdit(const Arguments& arguments);
 int runBatchConvert(const Arguments& arguments);
+int runDb(const Arguments& arguments);
 
 }  // namespace OrvantaTool

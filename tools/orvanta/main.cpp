@@ -54,6 +54,19 @@ const std::vector<Command>& commands() {
          "Prints how many files were converted. Exit status 0 if all were, 1 if any was not, 2 for bad\n"
          "arguments, 130 when interrupted.\n",
          runBatchConvert},
+        {"db", "db stats|dump FILE   what a catalogue or thumbnail store holds",
+         "usage: orvanta db stats FILE\n"
+         "       orvanta db dump FILE\n"
+         "FILE is a record store (\"###OrvantaDB###\") file: a catalogue or a thumbnail store.\n"
+         "stats prints one tab-separated line per figure: the header (block size, block count, format\n"
+         "  version), records, whether an info record is there, blocks in records and free, payload bytes,\n"
+         "  how many records are property lists, and each ordering (\"##OrvantaDBI###\") file beside it\n"
+         "  (a file in the same folder whose name starts with FILE's name).\n"
+         "dump prints every record in file order: its id, size and first block, and for a property list\n"
+         "  one line per property: name, type (string, int, datetime, id, bytes), value.\n"
+         "The file is opened as the library opens it (read-write, exclusively): an interrupted change is\n"
+         "completed or undone first. Exit status 1 if the file does not open, 2 for bad arguments.\n",
+         runDb},
     };
     return table;
 }

@@ -1,0 +1,232 @@
+#include "orvanta/store/IdIndex.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Orvanta {
+
+namespace {
+
+std::uint64_t loadBigEndian(const unsigned char* p) {
+    std::uint64_t value = 0;
+    for (int i = 0; i < 8; ++i) value = (value << 8) | p[i];
+    return value;
+}
+
+void storeBigEndian(std::uint64_t value, unsigned char* p) {
+    for (int i = 7; i >= 0; --i) {
+        p[i] = static_cast<unsigned char>(value);
+        value >>= 8;
+    }
+}
+
+bool entryBefore(const IdIndex::Entry& a, const IdIndex::Entry& b) {
+    if (a.key == b.key) return a.offset < b.offset;
+    return a.key < b.key;
+}
+
+// Sorts by key, and by offset among equal keys. Ids are random, so one counting pass on the first
+// 16 bits leaves buckets of one or two entries; only those are compared.
+void sortEntries(std::vector<IdIndex::Entry>& entries) {
+    constexpr std::size_t kBuckets = 1 << 16;
+    if (entries.size() < 4096) {
+        std::sort(entries.begin(), entries.end(), entryBefore);
+        return;
+    }
+    std::vector<std::uint32_t> starts(kBuckets + 1, 0);
+    for (const auto& entry : entries) ++starts[(entry.key.hi >> 48) + 1];
+    for (std::size_t i = 1; i <= kBuckets; ++i) starts[i] += starts[i - 1];
+    std::vector<IdIndex::Entry> sorted(entries.size());
+    std::vector<std::uint32_t> fill(starts.begin(), starts.end() - 1);
+    for (const auto& entry : entries) sorted[fill[entry.key.hi >> 48]++] = entry;
+    for (std::size_t b = 0; b < kBuckets; ++b) {
+        const std::uint32_t from = starts[b], to = starts[b + 1];
+        if (to - from > 1) std::sort(sorted.begin() + from, sorted.begin() + to, entryBefore);
+    }
+    entries.swap(sorted);
+}
+
+}  // namespace
+
+IdIndex::Key IdIndex::Key::fromBytes(const void* bytes) {
+    const auto* p = static_cast<const unsigned char*>(bytes);
+    return Key{loadBigEndian(p), loadBigEndian(p + 8)};
+}
+
+void IdIndex::Key::toBytes(void* bytes) const {
+    auto* p = static_cast<unsigned char*>(bytes);
+    storeBigEndian(hi, p);
+    storeBigEndian(lo, p + 8);
+}
+
+void IdIndex::Chunk::moveTo(Chunk& target, int to, int from, int n) const {
+    if (n <= 0) return;
+    const auto count = static_cast<std::size_t>(n);
+    std::memmove(target.hi + to, hi + from, count * sizeof hi[0]);
+    std::memmove(target.lo + to, lo + from, count * sizeof lo[0]);
+    std::memmove(target.offsets + to, offsets + from, count * sizeof offsets[0]);
+}
+
+void IdIndex::clear() {
+    mChunks.clear();
+    mFirstKeys.clear();
+    mSize = 0;
+    mHintValid = false;
+}
+
+std::size_t IdIndex::chunkFor(const Key& key) const {
+    const auto it = std::upper_bound(mFirstKeys.begin(), mFirstKeys.end(), key);
+    return it == mFirstKeys.begin() ? 0 : static_cast<std::size_t>(it - mFirstKeys.begin()) - 1;
+}
+
+int IdIndex::indexIn(const Chunk& chunk, const Key& key) {
+    int low = 0, high = chunk.count;
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (chunk.hi[middle] < key.hi || (chunk.hi[middle] == key.hi && chunk.lo[middle] < key.lo))
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low;
+}
+
+IdIndex::Position IdIndex::place(const Key& key) const {
+    if (mHintValid && mHintKey == key) return mHint;
+    const std::size_t c = chunkFor(key);
+    return Position{c, static_cast<std::size_t>(indexIn(*mChunks[c], key))};
+}
+
+std::int32_t IdIndex::find(const Key& key) const {
+    if (mChunks.empty()) return -1;
+    const Position position = place(key);
+    mHintKey = key;
+    mHint = position;
+    mHintValid = true;
+    const Chunk& chunk = *mChunks[position.chunk];
+    const int i = static_cast<int>(position.index);
+    return i < chunk.count && chunk.key(i) == key ? chunk.offsets[i] : -1;
+}
+
+void IdIndex::split(std::size_t c) {
+    Chunk& full = *mChunks[c];
+    auto upper = std::make_unique<Chunk>();
+    const int keep = full.count / 2;
+    upper->count = full.count - keep;
+    full.moveTo(*upper, 0, keep, upper->count);
+    full.count = keep;
+    mFirstKeys.insert(mFirstKeys.begin() + static_cast<std::ptrdiff_t>(c + 1), upper->key(0));
+    mChunks.insert(mChunks.begin() + static_cast<std::ptrdiff_t>(c + 1), std::move(upper));
+}
+
+void IdIndex::assign(const Key& key, std::int32_t offset) {
+    if (mChunks.empty()) {
+        mChunks.push_back(std::make_unique<Chunk>());
+        mFirstKeys.push_back(key);
+        mHintValid = false;
+    }
+    const Position position = place(key);
+    mHintValid = false;
+    std::size_t c = position.chunk;
+    int i = static_cast<int>(position.index);
+    if (i < mChunks[c]->count && mChunks[c]->key(i) == key) {
+        mChunks[c]->offsets[i] = offset;
+        return;
+    }
+    if (mChunks[c]->count == kChunkSize) {
+        split(c);
+        if (i > mChunks[c]->count) {
+            i -= mChunks[c]->count;
+            ++c;
+        }
+    }
+    Chunk& chunk = *mChunks[c];
+    chunk.moveTo(chunk, i + 1, i, chunk.count - i);
+    chunk.put(i, Entry{key, offset});
+    ++chunk.count;
+    if (i == 0) mFirstKeys[c] = key;
+    ++mSize;
+}
+
+void IdIndex::dropChunk(std::size_t c) {
+    mChunks.erase(mChunks.begin() + static_cast<std::ptrdiff_t>(c));
+    mFirstKeys.erase(mFirstKeys.begin() + static_cast<std::ptrdiff_t>(c));
+}
+
+bool IdIndex::erase(const Key& key) {
+    if (mChunks.empty()) return false;
+    const Position position = place(key);
+    mHintValid = false;
+    const std::size_t c = position.chunk;
+    Chunk& chunk = *mChunks[c];
+    const int i = static_cast<int>(position.index);
+    if (i >= chunk.count || !(chunk.key(i) == key)) return false;
+    chunk.moveTo(chunk, i, i + 1, chunk.count - i - 1);
+    --chunk.count;
+    --mSize;
+    if (chunk.count == 0) {
+        dropChunk(c);
+        return true;
+    }
+    if (i == 0) mFirstKeys[c] = chunk.key(0);
+    // Keep chunks from thinning out after many removals: fold a small chunk into its successor.
+    if (c + 1 < mChunks.size() && chunk.count + mChunks[c + 1]->count <= kChunkSize / 2) {
+        const Chunk& following = *mChunks[c + 1];
+        following.moveTo(chunk, chunk.count, 0, following.count);
+        chunk.count += following.count;
+        dropChunk(c + 1);
+    }
+    return true;
+}
+
+void IdIndex::build(std::vector<Entry> entries) {
+    clear();
+    sortEntries(entries);
+    std::unique_ptr<Chunk> chunk;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        // Of equal keys, sorted by offset, only the last is kept.
+        if (i + 1 < entries.size() && entries[i + 1].key == entries[i].key) continue;
+        if (!chunk) chunk = std::make_unique<Chunk>();
+        chunk->put(chunk->count++, entries[i]);
+        ++mSize;
+        if (chunk->count == kChunkSize) {
+            mFirstKeys.push_back(chunk->key(0));
+            mChunks.push_back(std::move(chunk));
+        }
+    }
+    if (chunk) {
+        mFirstKeys.push_back(chunk->key(0));
+        mChunks.push_back(std::move(chunk));
+    }
+}
+
+IdIndex::Position IdIndex::lowerBound(const Key& key) const {
+    if (mChunks.empty()) return Position{};
+    Position position{chunkFor(key), 0};
+    const int i = indexIn(*mChunks[position.chunk], key);
+    if (i == mChunks[position.chunk]->count) return Position{position.chunk + 1, 0};
+    position.index = static_cast<std::size_t>(i);
+    return position;
+}
+
+IdIndex::Position IdIndex::next(Position position) const {
+    if (atEnd(position)) return position;
+    if (++position.index >= static_cast<std::size_t>(mChunks[position.chunk]->count)) {
+        ++position.chunk;
+        position.index = 0;
+    }
+    return position;
+}
+
+bool IdIndex::previous(Position& position) const {
+    if (position.index > 0) {
+        --position.index;
+        return true;
+    }
+    if (position.chunk == 0 || mChunks.empty()) return false;
+    position.chunk = std::min(position.chunk, mChunks.size()) - 1;
+    position.index = static_cast<std::size_t>(mChunks[position.chunk]->count - 1);
+    return true;
+}
+
+}  // namespace Orvanta

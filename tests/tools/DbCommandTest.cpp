@@ -1,0 +1,92 @@
+// orvanta db stats and orvanta db dump, run as a user runs them.
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "orvanta/foundation/OwnedPtr.h"
+#include "orvanta/store/DatabaseOrdering.h"
+#include "orvanta/store/PropertyDatabase.h"
+#include "tests/support/TempDir.h"
+
+using namespace Orvanta;
+using namespace OrvantaTest;
+
+namespace {
+
+struct ToolRun {
+    std::string output;
+    int status;
+};
+
+ToolRun runTool(const std::string& arguments) {
+    const char* tool = std::getenv("ORVANTA_TOOL");
+    if (!tool) return {"", -1};
+    FILE* pipe = popen((std::string(tool) + " " + arguments + " 2>&1").c_str(), "r");
+    ToolRun run{"", -1};
+    char buffer[4096];
+    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) run.output.append(buffer, n);
+    const int status = pclose(pipe);
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return run;
+}
+
+class DbCommandTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!std::getenv("ORVANTA_TOOL")) GTEST_SKIP() << "ORVANTA_TOOL is not set (run through ctest)";
+        ASSERT_TRUE(PropertyDatabase::createFile(dir.wide("catalog.db"), 1024, 2, 0));
+        ASSERT_TRUE(DatabaseOrdering::createFile(dir.wide("catalog.db.idx")));
+        OwnedPtr<PropertyDatabase> db = PropertyDatabase::create(dir.wide("catalog.db"), 100);
+        OwnedPtr<DatabaseOrdering> ordering = DatabaseOrdering::create(dir.wide("catalog.db.idx"));
+        db->setOrdering(ordering, true);
+        id = UniqueID(CString(u"0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9"));
+        OwnedPtr<PropertyList> list = PropertyList::create();
+        list->set(PropertyList::kPropID, PropertyValue(id), false);
+        list->set(u"filename", PropertyValue(u"IMG_0042.JPG"), false);
+        list->set(u"rating", PropertyValue(4), false);
+        list->set(u"timestamp", PropertyValue(DateTime(2004, 2, 29, 8, 15, 0, 0)), false);
+        ASSERT_TRUE(db->putList(list));
+        OwnedPtr<PropertyList> info = PropertyList::create();
+        info->set(u"sort", PropertyValue(u"timestamp"), false);
+        ASSERT_TRUE(db->putList(info));
+    }
+
+    TempDir dir;
+    UniqueID id;
+};
+
+TEST_F(DbCommandTest, StatsShowsTheHeaderRecordsAndOrdering) {
+    const ToolRun run = runTool("db stats " + dir.file("catalog.db"));
+    EXPECT_EQ(run.status, 0) << run.output;
+    for (const char* line :
+         {"block size\t1024\n", "block count\t100\n", "format version\t2\n", "records\t1\n",
+          "info record\tyes\n", "free blocks\t98\n", "property lists\t2 of 2\n"})
+        EXPECT_NE(run.output.find(line), std::string::npos) << line << "\n" << run.output;
+    EXPECT_NE(run.output.find("catalog.db.idx: 1 ids (1 with a record), capacity 100"), std::string::npos)
+        << run.output;
+}
+
+TEST_F(DbCommandTest, DumpDecodesEveryProperty) {
+    const ToolRun run = runTool("db dump " + dir.file("catalog.db"));
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(run.output.find("0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9\t"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("\tfilename\tstring\tIMG_0042.JPG\n"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("\trating\tint\t4\n"), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("\ttimestamp\tdatetime\t2004-02-29 08:15:00.000\n"), std::string::npos)
+        << run.output;
+    EXPECT_NE(run.output.find("info record\n\tsort\tstring\ttimestamp\n"), std::string::npos) << run.output;
+}
+
+TEST_F(DbCommandTest, DamagedFileIsReportedNotCrashedOn) {
+    writeFileBytes(dir.file("junk.db"), "###OrvantaDB###");
+    const ToolRun run = runTool("db stats " + dir.file("junk.db"));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.output.find("Cannot open database"), std::string::npos) << run.output;
+    EXPECT_EQ(runTool("db").status, 2);
+    EXPECT_EQ(runTool("db frobnicate " + dir.file("catalog.db")).status, 2);
+}
+
+}  // namespace
