@@ -21,5 +21,8 @@ const std::vector<Command>& commands();
 
 int runInfo(const Arguments& arguments);
 int runEdit(const Arguments& arguments);
+int runConvert(const Arguments& arguments);
+int runRotate(const Arguments& arguments);
+int runThumb(const Arguments& arguments);
 
 }  // namespace OrvantaTool
