@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "orvanta/platform/JpegErrorJump.h"
@@ -91,6 +92,36 @@ int outputSpace(const JPEG_CORE_PROPERTIES* props, const jpeg_decompress_struct&
     return IJL_INVALID_JPEG_PROPERTIES;
 }
 
+// The decode proper, run under the caller's long jump: nothing here outlives a jump back.
+int decodeRows(JPEG_CORE_PROPERTIES* props, jpeg_decompress_struct& info, JSAMPROW* rows, int reduction) {
+    jpeg_read_header(&info, TRUE);
+    J_COLOR_SPACE space;
+    const int checked = outputSpace(props, info, &space);
+    if (checked != IJL_OK) return checked;
+    info.out_color_space = space;
+    info.scale_num = 1;
+    info.scale_denom = static_cast<unsigned int>(reduction);
+    jpeg_calc_output_dimensions(&info);
+    if (static_cast<int>(info.output_width) != props->DIBWidth ||
+        static_cast<int>(info.output_height) != props->DIBHeight)
+        return IJL_INVALID_JPEG_PROPERTIES;
+    jpeg_start_decompress(&info);
+    while (info.output_scanline < info.output_height) {
+        const JDIMENSION line = info.output_scanline;
+        if (jpeg_read_scanlines(&info, &rows[line], info.output_height - line) == 0) break;
+    }
+    if (space == JCS_CMYK) {
+        // libjpeg gives cyan, magenta, yellow, black; the blue-first order puts yellow first.
+        for (int y = 0; y < props->DIBHeight; ++y) {
+            unsigned char* p = rows[y];
+            for (int x = 0; x < props->DIBWidth; ++x, p += 4) std::swap(p[0], p[2]);
+        }
+    }
+    // A picture cut short has been delivered as far as it goes; the rest of its data is not needed,
+    // so the decoder is not asked to finish.
+    return IJL_OK;
+}
+
 int readImage(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, int reduction) {
     if (!props->DIBBytes || props->DIBWidth <= 0 || props->DIBHeight <= 0 || props->DIBPadBytes < 0)
         return IJL_INVALID_JPEG_PROPERTIES;
@@ -107,47 +138,16 @@ int readImage(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, 
     JpegErrorJump errors;
     jpeg_decompress_struct info;
     info.err = errors.install();
-    volatile int result = IJL_BAD_DATA;
     if (setjmp(errors.jump)) {
         jpeg_destroy_decompress(&info);
-        return result;
+        return IJL_BAD_DATA;
     }
     jpeg_create_decompress(&info);
     errors.watchScans(&info);
     jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
-    jpeg_read_header(&info, TRUE);
-    J_COLOR_SPACE space;
-    result = outputSpace(props, info, &space);
-    if (result != IJL_OK) {
-        jpeg_destroy_decompress(&info);
-        return result;
-    }
-    result = IJL_BAD_DATA;
-    info.out_color_space = space;
-    info.scale_num = 1;
-    info.scale_denom = static_cast<unsigned int>(reduction);
-    jpeg_calc_output_dimensions(&info);
-    if (static_cast<int>(info.output_width) != props->DIBWidth ||
-        static_cast<int>(info.output_height) != props->DIBHeight) {
-        jpeg_destroy_decompress(&info);
-        return IJL_INVALID_JPEG_PROPERTIES;
-    }
-    jpeg_start_decompress(&info);
-    while (info.output_scanline < info.output_height) {
-        const JDIMENSION line = info.output_scanline;
-        if (jpeg_read_scanlines(&info, &rows[line], info.output_height - line) == 0) break;
-    }
-    if (space == JCS_CMYK) {
-        // libjpeg gives cyan, magenta, yellow, black; the blue-first order puts yellow first.
-        for (int y = 0; y < props->DIBHeight; ++y) {
-            unsigned char* p = rows[y];
-            for (int x = 0; x < props->DIBWidth; ++x, p += 4) std::swap(p[0], p[2]);
-        }
-    }
-    // A picture cut short has been delivered as far as it goes; the rest of its data is not needed.
-    jpeg_abort_decompress(&info);
+    const int result = decodeRows(props, info, rows.data(), reduction);
     jpeg_destroy_decompress(&info);
-    return IJL_OK;
+    return result;
 }
 
 // A libjpeg destination over the caller's fixed block: running out of room is the one failure.
