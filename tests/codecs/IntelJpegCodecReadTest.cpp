@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/Dib.h"
+#include "orvanta/pixels/DibSection.h"
 #include "tests/codecs/ReferenceTools.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
@@ -239,4 +241,33 @@ TEST(JpegDamage, AMissingFileAndAnEmptyBlockAreRefused) {
     EXPECT_THROW(codec->readFromMemory("", 0, nullptr, 0, 0), Exception);
     CSize size;
     EXPECT_THROW(codec->getInfo(u"/nonexistent/photo.jpg", &size, nullptr), Exception);
+}
+
+TEST(JpegBlackCentre, AFileWhoseCentreDecodesBlackIsDecodedAgainAtFullSize) {
+    OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
+    OwnedPtr<Dib> black = DibSection::create(64, 48, 3);  // zeroed: black
+    TempDir dir;
+    ASSERT_GT(codec->write(black, dir.wide("black.jpg"), ImageQualityNormal), 0);
+    CSize size;
+    OwnedPtr<Dib> fromFile = codec->read(dir.wide("black.jpg"), &size, 12, 16);
+    ASSERT_TRUE(fromFile);
+    EXPECT_EQ(CSize(64, 48), fromFile->getSize()) << "the second decoder ignores the box";
+    EXPECT_EQ(3, fromFile->getBytesPerPixel());
+    EXPECT_EQ(CSize(64, 48), size);
+    // A memory block is not checked, so it keeps its reduced decode.
+    const std::string bytes = readFileBytes(dir.file("black.jpg"));
+    OwnedPtr<Dib> fromMemory = codec->readFromMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, 12, 16);
+    ASSERT_TRUE(fromMemory);
+    EXPECT_EQ(CSize(16, 12), fromMemory->getSize());
+}
+
+TEST(JpegBlackCentre, APictureWithABrightCentreKeepsItsReducedDecode) {
+    OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
+    OwnedPtr<Dib> picture = DibSection::create(64, 48, 3);
+    std::memset(picture->getBits() + picture->getStride() * 20, 200, picture->getStride() * 8);
+    TempDir dir;
+    ASSERT_GT(codec->write(picture, dir.wide("band.jpg"), ImageQualityNormal), 0);
+    OwnedPtr<Dib> reduced = codec->read(dir.wide("band.jpg"), nullptr, 12, 16);
+    ASSERT_TRUE(reduced);
+    EXPECT_EQ(CSize(16, 12), reduced->getSize());
 }
