@@ -15,9 +15,10 @@ sed -i "s|^prefix=.*|prefix=$prefix|" "$prefix"/lib*/pkgconfig/orvanta.pc 2>/dev
   sed -i "s|^prefix=.*|prefix=$prefix|" "$prefix"/lib/*/pkgconfig/orvanta.pc
 pcdir=$(dirname "$(find "$prefix" -name orvanta.pc | head -n 1)")
 
-# Sanitizer builds need their runtime in the consumers too.
+# Sanitizer builds need their runtime in the consumers too. (grep reads all of nm's output: with
+# pipefail, grep -q would end the pipe early and nm's SIGPIPE would read as "not found".)
 extra=""
-if nm -D "$(find "$prefix" -name 'liborvanta.so' | head -n 1)" 2>/dev/null | grep -q __asan_init; then
+if nm -D "$(find "$prefix" -name 'liborvanta.so' | head -n 1)" 2>/dev/null | grep __asan_init >/dev/null; then
   extra="-fsanitize=address,undefined"
 fi
 
