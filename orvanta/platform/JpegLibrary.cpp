@@ -22,19 +22,26 @@ struct JpegEngine {
 
 namespace {
 
-bool isFileMode(int mode) { return mode % 2 == 0; }
+bool isFileMode(int mode) {
+    return mode % 2 == 0;
+}
 
 int reductionOf(int mode) {
     switch (mode) {
         case IJL_JFILE_READWHOLEIMAGE:
-        case IJL_JBUFF_READWHOLEIMAGE: return 1;
+        case IJL_JBUFF_READWHOLEIMAGE:
+            return 1;
         case IJL_JFILE_READONEHALF:
-        case IJL_JBUFF_READONEHALF: return 2;
+        case IJL_JBUFF_READONEHALF:
+            return 2;
         case IJL_JFILE_READONEQUARTER:
-        case IJL_JBUFF_READONEQUARTER: return 4;
+        case IJL_JBUFF_READONEQUARTER:
+            return 4;
         case IJL_JFILE_READONEEIGHTH:
-        case IJL_JBUFF_READONEEIGHTH: return 8;
-        default: return 0;
+        case IJL_JBUFF_READONEEIGHTH:
+            return 8;
+        default:
+            return 0;
     }
 }
 
@@ -125,7 +132,8 @@ int decodeRows(JPEG_CORE_PROPERTIES* props, jpeg_decompress_struct& info, JSAMPR
 int readImage(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, int reduction) {
     if (!props->DIBBytes || props->DIBWidth <= 0 || props->DIBHeight <= 0 || props->DIBPadBytes < 0)
         return IJL_INVALID_JPEG_PROPERTIES;
-    const long long rowBytes = static_cast<long long>(props->DIBWidth) * props->DIBChannels + props->DIBPadBytes;
+    const long long rowBytes =
+        static_cast<long long>(props->DIBWidth) * props->DIBChannels + props->DIBPadBytes;
     if (rowBytes > INT_MAX) return IJL_INVALID_JPEG_PROPERTIES;
     std::vector<JSAMPROW> rows;
     try {
@@ -182,10 +190,15 @@ int encode(JPEG_CORE_PROPERTIES* props, jpeg_compress_struct& info, JpegErrorJum
     int horizontal = 1, vertical = 1;
     switch (props->JPGSubsampling) {
         case IJL_411:
-        case IJL_4114: horizontal = vertical = 2; break;
+        case IJL_4114:
+            horizontal = vertical = 2;
+            break;
         case IJL_422:
-        case IJL_4224: horizontal = 2; break;
-        default: break;
+        case IJL_4224:
+            horizontal = 2;
+            break;
+        default:
+            break;
     }
     info.comp_info[0].h_samp_factor = horizontal;
     info.comp_info[0].v_samp_factor = vertical;
@@ -195,7 +208,8 @@ int encode(JPEG_CORE_PROPERTIES* props, jpeg_compress_struct& info, JpegErrorJum
     while (info.next_scanline < info.image_height) {
         int count = 0;
         for (; count < 16 && info.next_scanline + count < info.image_height; ++count)
-            rows[count] = props->DIBBytes + static_cast<std::ptrdiff_t>(stride) * (info.next_scanline + count);
+            rows[count] =
+                props->DIBBytes + static_cast<std::ptrdiff_t>(stride) * (info.next_scanline + count);
         jpeg_write_scanlines(&info, rows, static_cast<JDIMENSION>(count));
     }
     jpeg_finish_compress(&info);
@@ -270,7 +284,8 @@ int ijlRead(JPEG_CORE_PROPERTIES* props, int mode) {
 
 int ijlWrite(JPEG_CORE_PROPERTIES* props, int mode) {
     if (!props || !props->engine) return IJL_NULL_POINTER;
-    if (mode != IJL_JFILE_WRITEWHOLEIMAGE && mode != IJL_JBUFF_WRITEWHOLEIMAGE) return IJL_INVALID_JPEG_PROPERTIES;
+    if (mode != IJL_JFILE_WRITEWHOLEIMAGE && mode != IJL_JBUFF_WRITEWHOLEIMAGE)
+        return IJL_INVALID_JPEG_PROPERTIES;
     return writeImage(props, mode);
 }
 

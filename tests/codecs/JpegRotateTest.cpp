@@ -1,7 +1,7 @@
 // Lossless rotation of JPEG files in place.
 
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -100,7 +100,8 @@ TEST_F(JpegRotate, EverySegmentIsCopiedAndTheTimesKept) {
     ASSERT_EQ(0, stat(path.c_str(), &old));
     ASSERT_TRUE(rotate(path, 90));
     const std::string after = readFileBytes(path);
-    for (int marker : {0xE1, 0xE2, 0xED, 0xFE}) EXPECT_EQ(jpegSegments(before, marker), jpegSegments(after, marker));
+    for (int marker : {0xE1, 0xE2, 0xED, 0xFE})
+        EXPECT_EQ(jpegSegments(before, marker), jpegSegments(after, marker));
     struct stat now;
     ASSERT_EQ(0, stat(path.c_str(), &now));
     EXPECT_EQ(old.st_mtim.tv_sec, now.st_mtim.tv_sec);
@@ -143,7 +144,8 @@ TEST_F(JpegRotate, AMissingSourceThrows) {
 }
 
 TEST_F(JpegRotate, ADamagedFileIsNotRewritten) {
-    for (const char* name : {"jpeg-awkward/truncated-baseline-bluesquare.jpg", "jpeg-awkward/missing-sos.jpg"}) {
+    for (const char* name :
+         {"jpeg-awkward/truncated-baseline-bluesquare.jpg", "jpeg-awkward/missing-sos.jpg"}) {
         SCOPED_TRACE(name);
         const std::string path = copyOf(name);
         const std::string before = readFileBytes(path);

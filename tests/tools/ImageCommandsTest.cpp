@@ -91,7 +91,8 @@ TEST_F(ImageCommands, RotateTurnsTheFileAndSaysWhenEdgesAreDropped) {
     const std::string ragged = copyOf("jpeg/sony-dsc-hx5v-730x547.jpg");
     r = run("rotate '" + ragged + "' 270");
     EXPECT_EQ(0, r.status);
-    EXPECT_EQ(ragged + "\t547\t720\tedge blocks dropped\n", r.out) << "the partial blocks of the right edge go";
+    EXPECT_EQ(ragged + "\t547\t720\tedge blocks dropped\n", r.out)
+        << "the partial blocks of the right edge go";
 }
 
 TEST_F(ImageCommands, RotateRefusesOtherFormatsAnglesAndDamagedFiles) {
@@ -113,7 +114,8 @@ TEST_F(ImageCommands, ThumbUsesTheEmbeddedPictureUnlessTold) {
     r = run("thumb '" + photo + "' '" + dir.file("u.jpg") + "' --no-embedded --box 100x100");
     EXPECT_EQ(dir.file("u.jpg") + "\t100\t75\tdecoded\n", r.out);
     r = run("thumb '" + photo + "' '" + dir.file("v.bmp") + "' --box 64x64");
-    EXPECT_EQ(dir.file("v.bmp") + "\t64\t48\tembedded\n", r.out) << "the embedded picture, fitted into the box";
+    EXPECT_EQ(dir.file("v.bmp") + "\t64\t48\tembedded\n", r.out)
+        << "the embedded picture, fitted into the box";
     r = run("thumb '" + testDataPath("jpeg/orientation-1-landscape.jpg") + "' '" + dir.file("w.jpg") + "'");
     EXPECT_EQ(dir.file("w.jpg") + "\t160\t106\tdecoded\n", r.out) << "no EXIF thumbnail in this file";
     EXPECT_EQ(2, run("thumb '" + photo + "'").status);

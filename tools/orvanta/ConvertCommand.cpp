@@ -12,10 +12,14 @@ namespace OrvantaTool {
 namespace {
 
 bool parseQuality(const std::string& name, int& quality) {
-    if (name == "normal") quality = 0;
-    else if (name == "draft") quality = 1;
-    else if (name == "high") quality = 2;
-    else return false;
+    if (name == "normal")
+        quality = 0;
+    else if (name == "draft")
+        quality = 1;
+    else if (name == "high")
+        quality = 2;
+    else
+        return false;
     return true;
 }
 
@@ -43,10 +47,12 @@ int runConvert(const Arguments& arguments) {
         return 2;
     }
     orvantaIUInit();
-    const int flags = orvantaIUDownsizeAndConvertFileU8(paths[0].c_str(), paths[1].c_str(), maxWidth, maxHeight, quality);
+    const int flags =
+        orvantaIUDownsizeAndConvertFileU8(paths[0].c_str(), paths[1].c_str(), maxWidth, maxHeight, quality);
     orvantaIUDeInit();
     if (flags == 0) {
-        std::fprintf(stderr, "orvanta convert: cannot convert '%s' to '%s'\n", paths[0].c_str(), paths[1].c_str());
+        std::fprintf(stderr, "orvanta convert: cannot convert '%s' to '%s'\n", paths[0].c_str(),
+                     paths[1].c_str());
         return 1;
     }
     std::string names;

@@ -18,15 +18,19 @@ namespace OrvantaTool {
 
 namespace {
 
-std::string narrow(const char16_t* text) { return CString(text).toUtf8(); }
+std::string narrow(const char16_t* text) {
+    return CString(text).toUtf8();
+}
 
 int rotate(const std::string& file, int angle) {
     const CString path = CString::fromUtf8(file);
     Codec* codec = CodecManager::getCodec(path);
-    auto* image = codec && codec->getCodecType() == CodecTypeImage ? static_cast<ImageCodec*>(codec) : nullptr;
+    auto* image =
+        codec && codec->getCodecType() == CodecTypeImage ? static_cast<ImageCodec*>(codec) : nullptr;
     OwnedPtr<RotateOp> op = RotateOp::create(angle);
     if (!image || !image->canApplyToFile(op)) {
-        std::fprintf(stderr, "orvanta rotate: '%s': only JPEG files turn without re-encoding\n", file.c_str());
+        std::fprintf(stderr, "orvanta rotate: '%s': only JPEG files turn without re-encoding\n",
+                     file.c_str());
         return 1;
     }
     CSize before(0, 0);

@@ -31,7 +31,8 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
     ImageCodec* reader = imageCodecFor(source);
     ImageCodec* writer = imageCodecFor(destination);
     if (!reader || !writer) {
-        std::fprintf(stderr, "orvanta thumb: no codec for '%s'\n", (!reader ? sourceName : destinationName).c_str());
+        std::fprintf(stderr, "orvanta thumb: no codec for '%s'\n",
+                     (!reader ? sourceName : destinationName).c_str());
         return 1;
     }
     try {
@@ -49,18 +50,20 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
         }
         const CSize size = picture->getSize();
         if (size.cx > boxWidth || size.cy > boxHeight) {
-            OwnedPtr<DownsizeOp> fit =
-                DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(boxWidth, boxHeight), true, false);
+            OwnedPtr<DownsizeOp> fit = DownsizeOp::create(DownsizeOp::DownsizeMethodResample,
+                                                          CSize(boxWidth, boxHeight), true, false);
             picture = fit->doOp(picture, nullptr);
         }
         if (!picture || writer->write(picture, destination, ImageQualityNormal) <= 0) {
             std::fprintf(stderr, "orvanta thumb: cannot write '%s'\n", destinationName.c_str());
             return 1;
         }
-        std::printf("%s\t%d\t%d\t%s\n", destinationName.c_str(), picture->getSize().cx, picture->getSize().cy, origin);
+        std::printf("%s\t%d\t%d\t%s\n", destinationName.c_str(), picture->getSize().cx, picture->getSize().cy,
+                    origin);
         return 0;
     } catch (const Exception& e) {
-        std::fprintf(stderr, "orvanta thumb: '%s': %s\n", sourceName.c_str(), CString(e.getMessage()).toUtf8().c_str());
+        std::fprintf(stderr, "orvanta thumb: '%s': %s\n", sourceName.c_str(),
+                     CString(e.getMessage()).toUtf8().c_str());
         return 1;
     }
 }
@@ -73,7 +76,8 @@ int runThumb(const Arguments& arguments) {
     bool allowEmbedded = true;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
-        if (argument == "--box" && i + 1 < arguments.size() && parseBox(arguments[i + 1], boxWidth, boxHeight)) {
+        if (argument == "--box" && i + 1 < arguments.size() &&
+            parseBox(arguments[i + 1], boxWidth, boxHeight)) {
             ++i;
         } else if (argument == "--no-embedded") {
             allowEmbedded = false;
