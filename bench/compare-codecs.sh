@@ -58,7 +58,7 @@ have gm && compare "convert --max 160x160" -- "$orvanta" convert "$photo" "$work
   -- gm convert -size 320x320 "$photo" -thumbnail 160x160 "$work/g160.jpg"
 have vipsthumbnail && compare "convert --max 160x160" -- "$orvanta" convert "$photo" "$work/o160.jpg" --max 160x160 \
   -- vipsthumbnail "$photo" -s 160x160 -o "$work/v160.jpg"
-have djpeg && compare "convert --max 160x160 (decode alone)" -- "$orvanta" convert "$photo" "$work/o160.jpg" --max 160x160 \
+have djpeg && compare "convert --max 160x160 vs a decode alone" -- "$orvanta" convert "$photo" "$work/o160.jpg" --max 160x160 \
   -- djpeg -scale 1/8 -outfile "$work/d8.ppm" "$photo"
 have vips && compare "convert --max 1024x1024, quality 85" -- "$orvanta" convert "$photo" "$work/o1024.jpg" --max 1024x1024 \
   -- vips thumbnail "$photo" "$work/v1024.jpg[Q=85]" 1024
