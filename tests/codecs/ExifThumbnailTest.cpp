@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ExifThumbnail.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/OwnedPtr.h"
@@ -139,4 +140,13 @@ TEST(ExifThumbnail, BytesThatAreNotExifLoadAsNothing) {
     const unsigned char junk[] = "this is not an EXIF block at all, only text";
     EXPECT_EQ(nullptr, ExifThumbnail::load(junk, sizeof junk));
     EXPECT_EQ(nullptr, ExifThumbnail::load(nullptr, 0));
+}
+
+TEST(EmbeddedThumbnailSwitch, TheJpegCodecUsesThumbnailsWhileFastThumbnailingIsOn) {
+    OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
+    EXPECT_TRUE(codec->hasEmbeddedThumbnail());
+    CodecManager::disableFastThumbnailing();
+    EXPECT_FALSE(codec->useEmbeddedThumbnail());
+    CodecManager::enableFastThumbnailing(true);
+    EXPECT_TRUE(codec->useEmbeddedThumbnail());
 }
