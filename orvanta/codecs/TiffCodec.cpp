@@ -110,7 +110,7 @@ bool pageSize(TIFF* tiff, int* width, int* height) {
 }
 
 // CIE L*a*b* as TIFF stores it in 8 bits (L* scaled to 0..255, a* and b* signed), turned into
-// sRGB with the D65 white of the TIFF specification. libtiff's own conversion models a display
+// sRGB with the D65 white that TIFF readers assume. libtiff's own conversion models a display
 // with a plain 2.4 gamma and gives visibly darker colours, so these pages are converted here.
 void labToBgr(const unsigned char* lab, unsigned char* bgra) {
     const auto inverse = [](double t) {
