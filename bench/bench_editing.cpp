@@ -46,7 +46,8 @@ Dib* photo() {
         std::error_code error;
         if (!std::filesystem::exists(bmp) ||
             std::filesystem::last_write_time(bmp, error) < std::filesystem::last_write_time(jpeg, error)) {
-            const std::string command = "/usr/bin/convert '" + jpeg + "' -depth 8 -type TrueColor 'BMP3:" + bmp + "'";
+            const std::string command =
+                "/usr/bin/convert '" + jpeg + "' -depth 8 -type TrueColor 'BMP3:" + bmp + "'";
             if (std::system(command.c_str()) != 0) return OwnedPtr<Dib>();
         }
         OwnedPtr<BmpCodec> reader(BmpCodec::create());
@@ -70,18 +71,26 @@ void countPixels(benchmark::State& state) {
 EditingOp* makeOp(int which) {
     const CSize size = photo()->getSize();
     switch (which) {
-        case 0: return RotateOp::create(90);
-        case 1: return RotateOp::create(180);
-        case 2: return MirrorOp::create(false);
-        case 3: return MirrorOp::create(true);
-        case 4: return CropOp::create(DibMask(0, 0, size, DibRect(0.1, 0.1, 0.9, 0.9), 0));
-        case 5: return SepiaOp::create(0.65, 0.5, 0.35);
-        default: return BWOp::create(0.5, 0.5, 0.5);
+        case 0:
+            return RotateOp::create(90);
+        case 1:
+            return RotateOp::create(180);
+        case 2:
+            return MirrorOp::create(false);
+        case 3:
+            return MirrorOp::create(true);
+        case 4:
+            return CropOp::create(DibMask(0, 0, size, DibRect(0.1, 0.1, 0.9, 0.9), 0));
+        case 5:
+            return SepiaOp::create(0.65, 0.5, 0.35);
+        default:
+            return BWOp::create(0.5, 0.5, 0.5);
     }
 }
 
 const char* opName(int which) {
-    static const char* names[] = {"rotate90", "rotate180", "mirror_h", "mirror_v", "crop", "tone_sepia", "tone_bw"};
+    static const char* names[] = {"rotate90", "rotate180",  "mirror_h", "mirror_v",
+                                  "crop",     "tone_sepia", "tone_bw"};
     return names[which];
 }
 

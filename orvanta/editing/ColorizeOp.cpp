@@ -62,19 +62,21 @@ void ColorizeOp::buildToneTable(float red, float green, float blue, unsigned cha
     const float step = 1.0f / 2040.0f;
     for (int i = 0; i < kToneRows; ++i) {
         const float t = static_cast<float>(i) * step;
-        for (int c = 0; c < 3; ++c) table[i][c] = toneByte(::pow(static_cast<double>(t), exponents[c]) * 255.9);
+        for (int c = 0; c < 3; ++c)
+            table[i][c] = toneByte(::pow(static_cast<double>(t), exponents[c]) * 255.9);
     }
 }
 
-void ColorizeOp::applyToneTable(const unsigned char table[kToneRows][3], const CGrNav& from, const CGrNav& to) {
+void ColorizeOp::applyToneTable(const unsigned char table[kToneRows][3], const CGrNav& from,
+                                const CGrNav& to) {
     if (from.deltaX == 3 && to.deltaX == 3) return applyRows<3, 3>(table, from, to);
     if (from.deltaX == 4 && to.deltaX == 4) return applyRows<4, 4>(table, from, to);
     for (int y = 0; y < from.height; ++y) {
         for (int x = 0; x < from.width; ++x) {
             const unsigned char* s = from.buffer + static_cast<std::ptrdiff_t>(from.deltaY) * y +
                                      static_cast<std::ptrdiff_t>(from.deltaX) * x;
-            unsigned char* d =
-                to.buffer + static_cast<std::ptrdiff_t>(to.deltaY) * y + static_cast<std::ptrdiff_t>(to.deltaX) * x;
+            unsigned char* d = to.buffer + static_cast<std::ptrdiff_t>(to.deltaY) * y +
+                               static_cast<std::ptrdiff_t>(to.deltaX) * x;
             const unsigned char* row = table[5 * s[1] + 2 * s[0] + s[2]];
             d[0] = row[0];
             d[1] = row[1];
@@ -86,7 +88,8 @@ void ColorizeOp::applyToneTable(const unsigned char table[kToneRows][3], const C
 void ColorizeOp::runKernel(Dib* from, Dib* to) const {
     DibWalker source(from);
     DibWalker target(to);
-    if (source.getPixelSize() == 1 || target.getPixelSize() == 1) throw Exception(u"getPixel call expecting RGB dib");
+    if (source.getPixelSize() == 1 || target.getPixelSize() == 1)
+        throw Exception(u"getPixel call expecting RGB dib");
     // The levels travel as floats; the curves are computed in double from them.
     unsigned char table[kToneRows][3];
     buildToneTable(static_cast<float>(mRed), static_cast<float>(mGreen), static_cast<float>(mBlue), table);

@@ -7,7 +7,9 @@
 
 namespace Orvanta {
 
-CropOp* CropOp::create(DibMask mask) { return new CropOp(mask); }
+CropOp* CropOp::create(DibMask mask) {
+    return new CropOp(mask);
+}
 
 Dib* CropOp::doOp(Dib* dib, UndoOp** undo) {
     const CSize size = dib->getSize();

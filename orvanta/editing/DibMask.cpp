@@ -9,7 +9,9 @@ namespace Orvanta {
 namespace {
 
 // a * b / c in whole numbers, truncated toward zero; a ratio with a zero part gives 0.
-long long scaled(long long a, long long b, long long c) { return c == 0 ? 0 : a * b / c; }
+long long scaled(long long a, long long b, long long c) {
+    return c == 0 ? 0 : a * b / c;
+}
 
 // The platform's rectangle intersection: the common part, or all zeros when there is none.
 CRect intersectRect(CRect a, CRect b) {
@@ -61,7 +63,11 @@ DibMask::DibMask(int a, int b, CSize size, DibRect rect, int lock)
 }
 
 DibMask::DibMask(int a, int b, CRect sel, CRect image, int lock)
-    : mWidth(image.width()), mHeight(image.height()), mAspectA(std::min(a, b)), mAspectB(std::max(a, b)), mLock(lock) {
+    : mWidth(image.width()),
+      mHeight(image.height()),
+      mAspectA(std::min(a, b)),
+      mAspectB(std::max(a, b)),
+      mLock(lock) {
     set(sel, image);
 }
 
@@ -220,7 +226,9 @@ void DibMask::setOrientation(int orientation) {
     if (orientation != current) rotate();
 }
 
-bool DibMask::isLandscape() const { return isSquare() || getOrientation() == 0; }
+bool DibMask::isLandscape() const {
+    return isSquare() || getOrientation() == 0;
+}
 
 void DibMask::lockOrientation() {
     mOrientationLocked = true;

@@ -13,7 +13,8 @@ namespace Orvanta {
 
 int DownsizeOp::mgStretchState = 0;
 
-DownsizeOp* DownsizeOp::create(DownsizeMethod method, CSize target, bool flagA, bool allowEnlarge, DibRect source) {
+DownsizeOp* DownsizeOp::create(DownsizeMethod method, CSize target, bool flagA, bool allowEnlarge,
+                               DibRect source) {
     return new DownsizeOp(method, target, flagA, allowEnlarge, source);
 }
 
@@ -39,7 +40,8 @@ Dib* DownsizeOp::doOp(Dib* dib, UndoOp** undo) {
     const int bottom = truncToInt((1.0 - mSource.T()) * size.cy);
     const int w = right - left;
     const int h = bottom - top;
-    const double scale = Image::calcScale(CSize(w, h), CSize(mTargetWidth, mTargetHeight), mAllowEnlarge, false);
+    const double scale =
+        Image::calcScale(CSize(w, h), CSize(mTargetWidth, mTargetHeight), mAllowEnlarge, false);
     const int newW = truncToInt(std::max(1.0, w * scale));
     const int newH = truncToInt(std::max(1.0, h * scale));
     OwnedPtr<DibSection> result(newEditedDib(newW, newH, 3));

@@ -96,9 +96,13 @@ void EditableDib::clearRedo() {
     while (!mRedoStack.empty()) mRedoStack.pop_back();
 }
 
-int EditableDib::getLastOpType() const { return mUndoStack.empty() ? 0 : mUndoStack.back()->getOriginalOpType(); }
+int EditableDib::getLastOpType() const {
+    return mUndoStack.empty() ? 0 : mUndoStack.back()->getOriginalOpType();
+}
 
-int EditableDib::getNextRedoOpType() const { return mRedoStack.empty() ? 0 : mRedoStack.back()->getOpType(); }
+int EditableDib::getNextRedoOpType() const {
+    return mRedoStack.empty() ? 0 : mRedoStack.back()->getOpType();
+}
 
 int EditableDib::getRotation() const {
     int rotation = 0;

@@ -7,9 +7,9 @@
 // operation that throws leaves the history as it was (except that undo with keepForRedo has already
 // pushed on the redo list). An operation answering null means "nothing to do": doOp returns false
 // and the redo list stays. An operation that gives a picture but no undo record (DownsizeOp) throws
-// Exception "EditingOp does not support undo" and changes nothing. At undo limit n (0: none) the history holds at most n records; what falls
-// off keeps its operation in the retired list. Each successful doOp, undo and redo notifies the
-// listeners with code 0; commit and revert notify nothing.
+// Exception "EditingOp does not support undo" and changes nothing. At undo limit n (0: none) the history
+// holds at most n records; what falls off keeps its operation in the retired list. Each successful doOp, undo
+// and redo notifies the listeners with code 0; commit and revert notify nothing.
 
 #include <deque>
 #include <vector>

@@ -5,7 +5,9 @@
 
 namespace Orvanta {
 
-void EditingOp::doOpInPlace(Dib* dib, UndoOp** undo) { throw Exception(u"EditingOp does not support InPlaceOp"); }
+void EditingOp::doOpInPlace(Dib* dib, UndoOp** undo) {
+    throw Exception(u"EditingOp does not support InPlaceOp");
+}
 
 DibSection* newEditedDib(int width, int height, int channels) {
     DibSection* dib = DibSection::create(width, height, channels);

@@ -15,6 +15,7 @@
 namespace Orvanta {
 
 class Dib;
+class DibSection;
 class UndoOp;
 
 class EditingOp : public Owned<EditingOp> {
@@ -38,7 +39,6 @@ private:
 // The pixels of a new 3- or 4-channel picture for an operation's result; throws Exception
 // "Not enough memory for the edited picture." when the block cannot be had, so that a failed
 // allocation never reads as "nothing to do" and never loses the picture being edited.
-class DibSection;
 DibSection* newEditedDib(int width, int height, int channels);
 
 }  // namespace Orvanta

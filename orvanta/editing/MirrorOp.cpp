@@ -7,7 +7,9 @@
 
 namespace Orvanta {
 
-MirrorOp* MirrorOp::create(bool vertical) { return new MirrorOp(vertical); }
+MirrorOp* MirrorOp::create(bool vertical) {
+    return new MirrorOp(vertical);
+}
 
 Dib* MirrorOp::doOp(Dib* dib, UndoOp** undo) {
     DibWalker view(dib);

@@ -7,7 +7,9 @@
 
 namespace Orvanta {
 
-RotateOp* RotateOp::create(int angle) { return new RotateOp(angle); }
+RotateOp* RotateOp::create(int angle) {
+    return new RotateOp(angle);
+}
 
 Dib* RotateOp::doOp(Dib* dib, UndoOp** undo) {
     // The view turns without moving a pixel; the one copy through it does the work.

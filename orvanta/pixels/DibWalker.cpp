@@ -18,15 +18,21 @@ namespace {
 
 constexpr const char16_t* kNotRgbDib = u"Cannot construct DibWalker from non-RGB Dib.";
 constexpr const char16_t* kSubrectExceeds = u"Cannot construct DibWalker - subrect exceeds source rect.";
-constexpr const char16_t* kSpecifiedRectExceeds = u"Cannot construct DibWalker - specified rect exceeds source rect.";
-constexpr const char16_t* kBadBytesPerPixel = u"Cannot construct DibWalker - bytesPerPixel must be 1, 3, or 4.";
+constexpr const char16_t* kSpecifiedRectExceeds =
+    u"Cannot construct DibWalker - specified rect exceeds source rect.";
+constexpr const char16_t* kBadBytesPerPixel =
+    u"Cannot construct DibWalker - bytesPerPixel must be 1, 3, or 4.";
 constexpr const char16_t* kBadAngle = u"Cannot rotate a DibWalker by other than 90, 180, or 270 degrees.";
 constexpr const char16_t* kSizesDiffer = u"Cannot copy dib region - source and dest size are different";
 
-bool validPixelSize(int size) { return size == 1 || size == 3 || size == 4; }
+bool validPixelSize(int size) {
+    return size == 1 || size == 3 || size == 4;
+}
 
 // A part [x, x + w) of [0, extent): the pieces may be empty but never reach outside.
-bool fitsIn(int x, int w, int extent) { return x >= 0 && w >= 0 && static_cast<long long>(x) + w <= extent; }
+bool fitsIn(int x, int w, int extent) {
+    return x >= 0 && w >= 0 && static_cast<long long>(x) + w <= extent;
+}
 
 // Side of the square tiles in which a copy between views of crossing strides works, so that both the
 // rows read and the rows written stay in the first-level cache.
@@ -59,8 +65,8 @@ private:
 // over to the next destination line.
 struct AxisWeights {
     long long scale = 0;
-    std::vector<int> first;         // per destination line: the first source line it takes
-    std::vector<int> offset;        // per destination line: where its weights start in weights
+    std::vector<int> first;   // per destination line: the first source line it takes
+    std::vector<int> offset;  // per destination line: where its weights start in weights
     std::vector<std::uint32_t> weights;
 
     AxisWeights(int sourceLines, int destLines) {
@@ -212,8 +218,13 @@ DibWalker::DibWalker(DibWalker* parent)
       mCurrent(parent->mBuffer) {}
 
 DibWalker::DibWalker(DibWalker* parent, int x, int y, int w, int h)
-    : mWidth(w), mHeight(h), mDeltaX(parent->mDeltaX), mDeltaY(parent->mDeltaY), mPixelSize(parent->mPixelSize) {
-    if (!fitsIn(x, w, parent->mWidth) || !fitsIn(y, h, parent->mHeight)) throw Exception(kSpecifiedRectExceeds);
+    : mWidth(w),
+      mHeight(h),
+      mDeltaX(parent->mDeltaX),
+      mDeltaY(parent->mDeltaY),
+      mPixelSize(parent->mPixelSize) {
+    if (!fitsIn(x, w, parent->mWidth) || !fitsIn(y, h, parent->mHeight))
+        throw Exception(kSpecifiedRectExceeds);
     mBuffer = parent->address(x, y);
     mCurrent = mBuffer;
 }
@@ -231,10 +242,18 @@ DibWalker::DibWalker(unsigned char* buffer, int width, int height, int deltaX, i
 
 // ---- failures, kept out of line so the pixel accessors stay small
 
-void DibWalker::throwOutside() { throw Exception(u"getPixel call is outside of DibWalker extents."); }
-void DibWalker::throwNotGrey() { throw Exception(u"getPixel call expecting dib of pixel size = 1 byte"); }
-void DibWalker::throwReadNotRgb() { throw Exception(u"getPixel call expecting RGB dib"); }
-void DibWalker::throwWriteNotRgb() { throw Exception(u"setPixel call expecting RGB dib"); }
+void DibWalker::throwOutside() {
+    throw Exception(u"getPixel call is outside of DibWalker extents.");
+}
+void DibWalker::throwNotGrey() {
+    throw Exception(u"getPixel call expecting dib of pixel size = 1 byte");
+}
+void DibWalker::throwReadNotRgb() {
+    throw Exception(u"getPixel call expecting RGB dib");
+}
+void DibWalker::throwWriteNotRgb() {
+    throw Exception(u"setPixel call expecting RGB dib");
+}
 
 // ---- whole-view operations
 
@@ -329,11 +348,12 @@ void DibWalker::copyFrom(DibWalker* src, bool swap) {
     }
     if (ddx == 3 && sdx == 3) {
         // Plain rows of 3-byte pixels on both sides.
-        for (int y = 0; y < h; ++y) std::memcpy(address(0, y), src->address(0, y), static_cast<std::size_t>(w) * 3);
+        for (int y = 0; y < h; ++y)
+            std::memcpy(address(0, y), src->address(0, y), static_cast<std::size_t>(w) * 3);
         return;
     }
-    const bool rowsAlong = (ddx == 3 || ddx == 4 || ddx == -3 || ddx == -4) &&
-                           (sdx == 3 || sdx == 4 || sdx == -3 || sdx == -4);
+    const bool rowsAlong =
+        (ddx == 3 || ddx == 4 || ddx == -3 || ddx == -4) && (sdx == 3 || sdx == 4 || sdx == -3 || sdx == -4);
     if (rowsAlong) {
         // Both views run along memory rows (a mirror, or 3 and 4 bytes): row after row.
         for (int y = 0; y < h; ++y) {
@@ -371,11 +391,11 @@ void DibWalker::resizeFrom(DibWalker* src) {
     if (mPixelSize == 1) throwWriteNotRgb();
     const long long largestScale = std::max(across.scale, down.scale);
     if (largestScale * 255 < (1ll << 32))
-        resampleRgb<std::uint32_t>(src->mBuffer, src->mDeltaX, src->mDeltaY, sh, mBuffer, mDeltaX, mDeltaY, across,
-                                   down);
+        resampleRgb<std::uint32_t>(src->mBuffer, src->mDeltaX, src->mDeltaY, sh, mBuffer, mDeltaX, mDeltaY,
+                                   across, down);
     else
-        resampleRgb<std::uint64_t>(src->mBuffer, src->mDeltaX, src->mDeltaY, sh, mBuffer, mDeltaX, mDeltaY, across,
-                                   down);
+        resampleRgb<std::uint64_t>(src->mBuffer, src->mDeltaX, src->mDeltaY, sh, mBuffer, mDeltaX, mDeltaY,
+                                   across, down);
 }
 
 void DibWalker::flipInPlace(bool vertical) {
@@ -434,7 +454,9 @@ void DibWalker::rotate(int degrees) {
     mCurrent = address(mCurrentX, mCurrentY);
 }
 
-void DibWalker::rotate(RotateOp* op) { rotate(op->getAngle()); }
+void DibWalker::rotate(RotateOp* op) {
+    rotate(op->getAngle());
+}
 
 void DibWalker::mirror(bool vertical) {
     if (vertical) {

@@ -27,7 +27,8 @@ constexpr std::size_t kMapFrom = std::size_t(4) << 20;
 
 unsigned char* mapPixels(std::size_t size, std::size_t& mapped) {
     const std::size_t length = (size + kHugePage - 1) / kHugePage * kHugePage;
-    void* area = mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* area =
+        mmap(nullptr, length + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (area == MAP_FAILED) return nullptr;
     const auto start = reinterpret_cast<std::uintptr_t>(area);
     const std::uintptr_t aligned = (start + kHugePage - 1) / kHugePage * kHugePage;

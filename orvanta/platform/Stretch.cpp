@@ -17,18 +17,24 @@ pixman_format_code_t formatFor(const BITMAPINFOHEADER& header) {
     return pixman_format_code_t(0);
 }
 
-int strideOf(const BITMAPINFOHEADER& header) { return (header.biWidth * header.biBitCount + 31) / 32 * 4; }
+int strideOf(const BITMAPINFOHEADER& header) {
+    return (header.biWidth * header.biBitCount + 31) / 32 * 4;
+}
 
-bool inside(int x, int w, int extent) { return x >= 0 && w > 0 && static_cast<long long>(x) + w <= extent; }
+bool inside(int x, int w, int extent) {
+    return x >= 0 && w > 0 && static_cast<long long>(x) + w <= extent;
+}
 
 // A pixman view of rows in memory, top row first whichever way round they are stored.
 pixman_image_t* imageOver(const BITMAPINFOHEADER& header, const void* bits) {
     const int height = std::abs(header.biHeight);
     const int stride = strideOf(header);
     auto* base = static_cast<std::uint8_t*>(const_cast<void*>(bits));
-    if (header.biHeight > 0) return pixman_image_create_bits_no_clear(
-        formatFor(header), header.biWidth, height,
-        reinterpret_cast<std::uint32_t*>(base + static_cast<std::ptrdiff_t>(height - 1) * stride), -stride);
+    if (header.biHeight > 0)
+        return pixman_image_create_bits_no_clear(
+            formatFor(header), header.biWidth, height,
+            reinterpret_cast<std::uint32_t*>(base + static_cast<std::ptrdiff_t>(height - 1) * stride),
+            -stride);
     return pixman_image_create_bits_no_clear(formatFor(header), header.biWidth, height,
                                              reinterpret_cast<std::uint32_t*>(base), stride);
 }
@@ -58,8 +64,9 @@ void setGoodFilter(pixman_image_t* image, double scaleX, double scaleY) {
     const pixman_kernel_t sampleY = scaleY > 1.0 ? PIXMAN_KERNEL_BOX : PIXMAN_KERNEL_IMPULSE;
     int count = 0;
     pixman_fixed_t* params = pixman_filter_create_separable_convolution(
-        &count, pixman_double_to_fixed(scaleX > 1.0 ? scaleX : 1.0), pixman_double_to_fixed(scaleY > 1.0 ? scaleY : 1.0),
-        reconstructX, reconstructY, sampleX, sampleY, kSubsampleBits, kSubsampleBits);
+        &count, pixman_double_to_fixed(scaleX > 1.0 ? scaleX : 1.0),
+        pixman_double_to_fixed(scaleY > 1.0 ? scaleY : 1.0), reconstructX, reconstructY, sampleX, sampleY,
+        kSubsampleBits, kSubsampleBits);
     if (params) {
         pixman_image_set_filter(image, PIXMAN_FILTER_SEPARABLE_CONVOLUTION, params, count);
         std::free(params);

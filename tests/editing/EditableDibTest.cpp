@@ -32,7 +32,9 @@ std::u16string messageOf(const std::function<void()>& f) {
     return u"(no exception)";
 }
 
-std::string bytesOf(Dib* dib) { return std::string(reinterpret_cast<char*>(dib->getBits()), dib->getBitsSize()); }
+std::string bytesOf(Dib* dib) {
+    return std::string(reinterpret_cast<char*>(dib->getBits()), dib->getBitsSize());
+}
 
 // An edit for the history's own rules: it adds `step` to every byte, and can be told to find
 // nothing to do or to fail. Its record is the inverse edit.

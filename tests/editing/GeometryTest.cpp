@@ -50,7 +50,8 @@ TEST(DibPointTest, FromPixelsAndBack) {
     EXPECT_EQ(DibPoint(-0.019, 0.0).mapTo(CRect(0, 0, 100, 100)), CPoint(-1, 0));  // toward zero
     EXPECT_TRUE(DibPoint(0.1, 0.2) == DibPoint(0.1, 0.2));
     EXPECT_TRUE(DibPoint(0.1, 0.2) != DibPoint(0.1, 0.2000001));
-    EXPECT_EQ(domainErrorOf([] { DibPoint(CPoint(1, 1), CRect(5, 5, 5, 9)); }), "Cannot set DibPoint from empty rect.");
+    EXPECT_EQ(domainErrorOf([] { DibPoint(CPoint(1, 1), CRect(5, 5, 5, 9)); }),
+              "Cannot set DibPoint from empty rect.");
 }
 
 TEST(DibRectTest, MapsAndInverseMaps) {
@@ -77,15 +78,18 @@ TEST(VisibleRect, ZoomOneIsTheWholePicture) {
 
 TEST(VisibleRect, CentredWindowAtTwiceTheFit) {
     // Fit scale 0.1, zoomed 2x: the picture is 800 x 600 scaled, the view 400 x 300 of it.
-    const DibRect r = DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.5, 0.5), 2.0);
+    const DibRect r =
+        DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.5, 0.5), 2.0);
     EXPECT_EQ(r, DibRect(200.0 / 800, 150.0 / 600, 600.0 / 800, 450.0 / 600));
 }
 
 TEST(VisibleRect, WindowPushedAgainstTheEdges) {
-    const DibRect right = DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.95, 0.5), 2.0);
+    const DibRect right =
+        DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.95, 0.5), 2.0);
     EXPECT_EQ(right.R(), 1.0);
     EXPECT_EQ(right.L(), 400.0 / 800);  // moved left by the overshoot
-    const DibRect left = DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.0, 0.0), 2.0);
+    const DibRect left =
+        DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.0, 0.0), 2.0);
     EXPECT_EQ(left, DibRect(0.0, 0.0, 0.5, 0.5));
 }
 

@@ -54,7 +54,8 @@ protected:
         static std::vector<std::pair<std::string, OwnedPtr<Dib>>> photos = [] {
             std::vector<std::pair<std::string, OwnedPtr<Dib>>> loaded;
             for (const auto& name : OrvantaTest::editingPhotographs())
-                if (Dib* dib = OrvantaTest::loadPhotograph(name)) loaded.emplace_back(name, OwnedPtr<Dib>(dib));
+                if (Dib* dib = OrvantaTest::loadPhotograph(name))
+                    loaded.emplace_back(name, OwnedPtr<Dib>(dib));
             return loaded;
         }();
         return photos;
@@ -150,7 +151,8 @@ TEST_F(Photographs, CropKeepsTheSelectedPixelsAndTheInputForUndo) {
                   CSize(static_cast<int>(size.cx * 0.77) - left, static_cast<int>(size.cy * 0.94) - top));
         DibWalker from(photo.get()), to(cropped.get());
         for (int y = 0; y < to.height(); ++y)
-            for (int x = 0; x < to.width(); ++x) ASSERT_EQ(to.getPixel(x, y), from.getPixel(x + left, y + top));
+            for (int x = 0; x < to.width(); ++x)
+                ASSERT_EQ(to.getPixel(x, y), from.getPixel(x + left, y + top));
         EXPECT_EQ(record->getMethod(), UndoOp::SavedBitmap);
         EXPECT_EQ(record->getSaved(), photo.get());  // shared, not copied
         EXPECT_FALSE(record->supportsInPlaceOp());
@@ -203,7 +205,8 @@ TEST_F(Photographs, HistoryGivesBackExactPixelsUnderEveryLimit) {
             ASSERT_EQ(picture->getRedoCount(), static_cast<int>(ops.size()));
             for (std::size_t i = 0; i < ops.size(); ++i) {
                 ASSERT_TRUE(picture->redo());
-                ASSERT_EQ(packedPixels(*picture), states[i + 1]) << name << " limit " << limit << " redo " << i;
+                ASSERT_EQ(packedPixels(*picture), states[i + 1])
+                    << name << " limit " << limit << " redo " << i;
             }
             EXPECT_EQ(picture->getRotation(), 180);
             EXPECT_TRUE(picture->hasNonRotation());
@@ -221,7 +224,8 @@ TEST(ToneKernel, TableFollowsTheGammaCurves) {
         const double levels[3] = {0.92f, 0.9f, 0.9f};  // blue, green, red
         for (int c = 0; c < 3; ++c) {
             const double e = -::log10(levels[c]) / ::log10(2.0);
-            EXPECT_EQ(table[i][c], static_cast<int>(::pow(static_cast<double>(t), e) * 255.9)) << i << " " << c;
+            EXPECT_EQ(table[i][c], static_cast<int>(::pow(static_cast<double>(t), e) * 255.9))
+                << i << " " << c;
         }
     }
     // Mid-grey lands on the level: pow(0.5, e) is the level.
@@ -302,8 +306,8 @@ TEST(ToneKernel, GreyPicturesHaveNoColoursToMap) {
 TEST(Downsize, SizesFollowTheScaleRule) {
     OwnedPtr<Dib> dib(makePatternDib(40, 30, 3));
     auto sizeOf = [&](int method, CSize target, bool enlarge, DibRect source = DibRect(0, 0, 1, 1)) {
-        OwnedPtr<EditingOp> op(DownsizeOp::create(static_cast<DownsizeOp::DownsizeMethod>(method), target, false,
-                                                  enlarge, source));
+        OwnedPtr<EditingOp> op(DownsizeOp::create(static_cast<DownsizeOp::DownsizeMethod>(method), target,
+                                                  false, enlarge, source));
         UndoOp* record = reinterpret_cast<UndoOp*>(1);
         OwnedPtr<Dib> result(op->doOp(dib, &record));
         EXPECT_EQ(record, nullptr);  // a downsize cannot be undone
@@ -314,14 +318,16 @@ TEST(Downsize, SizesFollowTheScaleRule) {
     EXPECT_EQ(sizeOf(2, CSize(80, 90), true), CSize(80, 60));
     EXPECT_EQ(sizeOf(0, CSize(20, 20), false, DibRect(0.5, 0.0, 1.0, 0.5)), CSize(20, 15));
     OwnedPtr<Dib> thin(makePatternDib(400, 2, 3));
-    OwnedPtr<EditingOp> op(DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(40, 40), false, false));
+    OwnedPtr<EditingOp> op(
+        DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(40, 40), false, false));
     OwnedPtr<Dib> small(op->doOp(thin, nullptr));
     EXPECT_EQ(small->getSize(), CSize(40, 1));  // 2 · 0.1 is lifted to one row
 }
 
 TEST(Downsize, UnknownMethodGivesABlankPicture) {
     OwnedPtr<Dib> dib(makePatternDib(40, 30, 3));
-    OwnedPtr<EditingOp> op(DownsizeOp::create(static_cast<DownsizeOp::DownsizeMethod>(3), CSize(20, 20), false, false));
+    OwnedPtr<EditingOp> op(
+        DownsizeOp::create(static_cast<DownsizeOp::DownsizeMethod>(3), CSize(20, 20), false, false));
     OwnedPtr<Dib> result(op->doOp(dib, nullptr));
     ASSERT_EQ(result->getSize(), CSize(20, 15));
     EXPECT_EQ(packedPixels(*result), std::string(20 * 15 * 3, '\0'));
@@ -341,8 +347,8 @@ TEST_F(Photographs, ResamplerAndStretchShowTheSamePicture) {
                 DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(64, 64), false, false, part));
             OwnedPtr<EditingOp> stretch(
                 DownsizeOp::create(DownsizeOp::DownsizeMethodStretch, CSize(64, 64), false, false, part));
-            OwnedPtr<EditingOp> either(
-                DownsizeOp::create(DownsizeOp::DownsizeMethodStretchIfWorking, CSize(64, 64), false, false, part));
+            OwnedPtr<EditingOp> either(DownsizeOp::create(DownsizeOp::DownsizeMethodStretchIfWorking,
+                                                          CSize(64, 64), false, false, part));
             OwnedPtr<Dib> a(exact->doOp(photo, nullptr)), b(stretch->doOp(photo, nullptr)),
                 c(either->doOp(photo, nullptr));
             ASSERT_EQ(a->getSize(), b->getSize());
@@ -356,7 +362,8 @@ TEST_F(Photographs, ResamplerAndStretchShowTheSamePicture) {
             // (they may lie one row off the resampler's). Over those rows both average the same
             // area, so the pictures differ by filter noise only: a stretch upside down or of the
             // wrong part would differ by tens of levels.
-            const int left = static_cast<int>(part.L() * size.cx), right = static_cast<int>(part.R() * size.cx);
+            const int left = static_cast<int>(part.L() * size.cx),
+                      right = static_cast<int>(part.R() * size.cx);
             const int top = static_cast<int>((1.0 - part.B()) * size.cy);
             const int bottom = static_cast<int>((1.0 - part.T()) * size.cy);
             DibWalker stretchedRows(photo.get(), left, size.cy - bottom, right - left, bottom - top);

@@ -13,10 +13,10 @@ namespace OrvantaTest {
 
 std::vector<std::string> editingPhotographs() {
     return {
-        "bmp/rgb24-photo-119x96-pad3.bmp",     // odd width: rows carry padding
-        "bmp/rle8-photo-hopper-128x128.bmp",   // read through the palette path
+        "bmp/rgb24-photo-119x96-pad3.bmp",    // odd width: rows carry padding
+        "bmp/rle8-photo-hopper-128x128.bmp",  // read through the palette path
         "jpeg/fujifilm-finepix40i-600x450.jpg",
-        "jpeg/sony-dsc-hx5v-730x547.jpg",      // odd height
+        "jpeg/sony-dsc-hx5v-730x547.jpg",          // odd height
         "jpeg/canon-eos7d-photoshop-allsegs.jpg",  // portrait
     };
 }
@@ -39,11 +39,13 @@ Orvanta::Dib* loadPhotograph(const std::string& relative) {
         if (std::fscanf(pipe, "%d %d", &width, &height) != 2) width = height = 0;
         pclose(pipe);
     }
-    if (width <= 0 || height <= 0 || packed->size() != static_cast<std::size_t>(width) * height * 3) return nullptr;
+    if (width <= 0 || height <= 0 || packed->size() != static_cast<std::size_t>(width) * height * 3)
+        return nullptr;
     Orvanta::DibSection* dib = Orvanta::DibSection::create(width, height, 3);
     for (int y = 0; y < height; ++y)
         std::memcpy(dib->getBits() + static_cast<std::ptrdiff_t>(y) * dib->getStride(),
-                    packed->data() + static_cast<std::size_t>(y) * width * 3, static_cast<std::size_t>(width) * 3);
+                    packed->data() + static_cast<std::size_t>(y) * width * 3,
+                    static_cast<std::size_t>(width) * 3);
     return dib;
 }
 

@@ -14,8 +14,8 @@
 #include "orvanta/pixels/ByteDib.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
-#include "orvanta/pixels/StaticDib.h"
 #include "orvanta/pixels/PixelHeap.h"
+#include "orvanta/pixels/StaticDib.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
@@ -40,7 +40,9 @@ public:
     void plainCopyFrom(DibWalker* src, bool swap) { copyEachPixel(src, swap); }
 };
 
-std::string bytesOf(Dib* dib) { return std::string(reinterpret_cast<char*>(dib->getBits()), dib->getBitsSize()); }
+std::string bytesOf(Dib* dib) {
+    return std::string(reinterpret_cast<char*>(dib->getBits()), dib->getBitsSize());
+}
 
 // The view of a picture after a sequence of turns (90, 180, 270) and mirrors (-1 across, -2 down).
 DibWalker viewOf(Dib* dib, const std::vector<int>& steps) {
@@ -147,7 +149,8 @@ TEST(DibWalkerConstruction, FailuresCarryTheirTexts) {
     info.bmiHeader.biHeight = -4;
     info.bmiHeader.biBitCount = 16;
     OwnedPtr<Dib> sixteen(StaticDib::create(info, PixelHeap::allocate(32)));
-    EXPECT_EQ(messageOf([&] { DibWalker w(sixteen.get()); }), u"Cannot construct DibWalker from non-RGB Dib.");
+    EXPECT_EQ(messageOf([&] { DibWalker w(sixteen.get()); }),
+              u"Cannot construct DibWalker from non-RGB Dib.");
 
     OwnedPtr<Dib> dib(DibSection::create(4, 3, 3));
     EXPECT_EQ(messageOf([&] { DibWalker w(dib.get(), 1, 0, 4, 3); }),
@@ -194,7 +197,7 @@ TEST(DibWalkerCursor, MovesStayInsideTheView) {
     EXPECT_FALSE(w.goToX(3));  // fails without resetting y
     EXPECT_EQ(w.currentX(), 1);
     EXPECT_EQ(w.currentY(), 1);
-    EXPECT_TRUE(w.goToX(2));   // succeeds and resets y
+    EXPECT_TRUE(w.goToX(2));  // succeeds and resets y
     EXPECT_EQ(w.currentY(), 0);
     w.end();
     EXPECT_FALSE(w.next());
@@ -247,7 +250,8 @@ TEST(DibWalkerCursor, BadAngleChangesNothing) {
     OwnedPtr<Dib> dib(DibSection::create(5, 3, 3));
     DibWalker w(dib.get());
     w.goTo(1, 2);
-    EXPECT_EQ(messageOf([&] { w.rotate(45); }), u"Cannot rotate a DibWalker by other than 90, 180, or 270 degrees.");
+    EXPECT_EQ(messageOf([&] { w.rotate(45); }),
+              u"Cannot rotate a DibWalker by other than 90, 180, or 270 degrees.");
     EXPECT_EQ(w.width(), 5);
     EXPECT_EQ(w.getDeltaX(), 3);
     EXPECT_EQ(w.currentX(), 1);
@@ -413,7 +417,8 @@ TEST(DibWalkerWholeView, FastCopiesEqualThePlainWalk) {
                     PlainWalker plainTarget(plain.get(), 2, 1, view.width(), view.height());
                     fastTarget.copyFrom(&view, swap);
                     plainTarget.plainCopyFrom(&viewCopy, swap);
-                    ASSERT_EQ(bytesOf(fast), bytesOf(plain)) << fromChannels << toChannels << steps.size() << swap;
+                    ASSERT_EQ(bytesOf(fast), bytesOf(plain))
+                        << fromChannels << toChannels << steps.size() << swap;
                     ASSERT_EQ(bytesOf(source), bytesOf(sourceCopy)) << fromChannels << toChannels << swap;
                 }
             }
@@ -460,9 +465,9 @@ TEST(DibWalkerResize, EqualsTheColumnByColumnResampler) {
         std::vector<int> steps;
     };
     const std::vector<Case> cases = {
-        {100, 80, 33, 17, 3, {}},  {100, 80, 7, 80, 3, {}},    {31, 29, 64, 50, 3, {}},  // enlarging
-        {97, 61, 40, 41, 4, {}},   {60, 90, 13, 11, 3, {90}},  {60, 90, 17, 23, 4, {270, -1}},
-        {5, 300, 3, 7, 3, {-2}},   {300, 2, 1, 1, 3, {}},      {12, 12, 11, 13, 3, {180}},
+        {100, 80, 33, 17, 3, {}}, {100, 80, 7, 80, 3, {}},   {31, 29, 64, 50, 3, {}},  // enlarging
+        {97, 61, 40, 41, 4, {}},  {60, 90, 13, 11, 3, {90}}, {60, 90, 17, 23, 4, {270, -1}},
+        {5, 300, 3, 7, 3, {-2}},  {300, 2, 1, 1, 3, {}},     {12, 12, 11, 13, 3, {180}},
     };
     for (const auto& c : cases) {
         OwnedPtr<Dib> source(makePatternDib(c.sw, c.sh, c.fromChannels, 5));
@@ -480,7 +485,8 @@ TEST(DibWalkerResize, EqualsTheColumnByColumnResampler) {
 }
 
 TEST(DibWalkerResize, GreyViewsResizeOnlyAtEqualSizes) {
-    OwnedPtr<Dib> small(ByteDib::create(4, 4)), large(ByteDib::create(8, 8)), rgb(DibSection::create(4, 4, 3));
+    OwnedPtr<Dib> small(ByteDib::create(4, 4)), large(ByteDib::create(8, 8)),
+        rgb(DibSection::create(4, 4, 3));
     std::memset(large->getBits(), 0x55, large->getBitsSize());
     DibWalker s(small.get()), l(large.get()), c(rgb.get());
     EXPECT_EQ(messageOf([&] { s.resizeFrom(&l); }), u"getPixel call expecting RGB dib");

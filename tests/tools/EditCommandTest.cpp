@@ -71,7 +71,8 @@ TEST_F(EditCommand, EditsMatchTheLibraryAndReportTheHistory) {
 
 TEST_F(EditCommand, LimitRetiresAndDownsizeStartsANewHistory) {
     const std::string out = dir.file("out.bmp");
-    ToolRun run = runTool("edit --undo-limit=1 '" + photo + "' '" + out + "' mirror=h sepia crop=0,0,0.5,0.5");
+    ToolRun run =
+        runTool("edit --undo-limit=1 '" + photo + "' '" + out + "' mirror=h sepia crop=0,0,0.5,0.5");
     ASSERT_EQ(run.status, 0);
     EXPECT_EQ(run.out, out + "\t59\t48\tundo 1\tredo 0\tretired 2\n");
     run = runTool("edit '" + photo + "' '" + out + "' bw downsize=30x30:1 colorize=0.6,0.5,0.4");

@@ -74,7 +74,8 @@ bool parseDownsize(const std::string& value, CSize& target, int& method) {
     method = 0;
     if (colon != std::string::npos && !parseInt(value.substr(colon + 1), method)) return false;
     int w = 0, h = 0;
-    if (!parseInt(value.substr(0, x), w) || !parseInt(value.substr(x + 1, colon == std::string::npos ? std::string::npos : colon - x - 1), h))
+    if (!parseInt(value.substr(0, x), w) ||
+        !parseInt(value.substr(x + 1, colon == std::string::npos ? std::string::npos : colon - x - 1), h))
         return false;
     if (w <= 0 || h <= 0 || method > 2) return false;
     target = CSize(w, h);
@@ -179,7 +180,8 @@ int runEdit(const Arguments& arguments) {
         ImageCodec* reader = imageCodecFor(source);
         ImageCodec* writer = imageCodecFor(destination);
         if (!reader || !writer) {
-            std::fprintf(stderr, "orvanta edit: no codec for '%s'\n", (!reader ? source : destination).c_str());
+            std::fprintf(stderr, "orvanta edit: no codec for '%s'\n",
+                         (!reader ? source : destination).c_str());
             status = 1;
         } else {
             CSize originalSize;
@@ -207,8 +209,8 @@ int runEdit(const Arguments& arguments) {
                         status = 1;
                     } else {
                         const CSize size = picture->getSize();
-                        std::printf("%s\t%d\t%d\tundo %d\tredo %d\tretired %d\n", destination.c_str(), size.cx,
-                                    size.cy, picture->getUndoCount(), picture->getRedoCount(),
+                        std::printf("%s\t%d\t%d\tundo %d\tredo %d\tretired %d\n", destination.c_str(),
+                                    size.cx, size.cy, picture->getUndoCount(), picture->getRedoCount(),
                                     picture->getRetiredCount());
                     }
                 }
