@@ -120,3 +120,17 @@ TEST_F(ImageCommands, ThumbUsesTheEmbeddedPictureUnlessTold) {
     EXPECT_EQ(dir.file("w.jpg") + "\t160\t106\tdecoded\n", r.out) << "no EXIF thumbnail in this file";
     EXPECT_EQ(2, run("thumb '" + photo + "'").status);
 }
+
+TEST_F(ImageCommands, EditKeepsTheMetadataOfAJpegSource) {
+    // This camera file begins with its EXIF segment, right after the start marker.
+    const std::string photo = testDataPath("jpeg/canon-ixus-640x480.jpg");
+    const std::string source = readFileBytes(photo);
+    ASSERT_EQ('\xE1', source[3]);
+    const std::size_t length =
+        (static_cast<unsigned char>(source[4]) << 8) | static_cast<unsigned char>(source[5]);
+    const std::string exif = source.substr(2, length + 2);
+    ASSERT_EQ(0, run("edit '" + photo + "' '" + dir.file("e.jpg") + "' rotate=90").status);
+    const std::string edited = readFileBytes(dir.file("e.jpg"));
+    EXPECT_EQ(exif, edited.substr(2, exif.size())) << "the EXIF segment comes first, byte for byte";
+    EXPECT_EQ(CSize(480, 640), jpegSize(dir.file("e.jpg")));
+}
