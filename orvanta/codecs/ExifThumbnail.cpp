@@ -37,9 +37,13 @@ ExifThumbnail::~ExifThumbnail() {
     exif_mem_unref(mMemory);
 }
 
-const unsigned char* ExifThumbnail::getThumbnail() const { return mData->size > 0 ? mData->data : nullptr; }
+const unsigned char* ExifThumbnail::getThumbnail() const {
+    return mData->size > 0 ? mData->data : nullptr;
+}
 
-int ExifThumbnail::getThumbnailSize() const { return mData->data ? static_cast<int>(mData->size) : 0; }
+int ExifThumbnail::getThumbnailSize() const {
+    return mData->data ? static_cast<int>(mData->size) : 0;
+}
 
 bool ExifThumbnail::setThumbnail(const unsigned char* bytes, int size) {
     if (mData->data) exif_mem_free(mMemory, mData->data);

@@ -44,13 +44,16 @@ bool copyFile(const char16_t* from, const char16_t* to) {
     if (!in.open(source)) return false;
     Platform::ReplacementFile out(CString(to).toUtf8());
     struct stat info;
-    if (Platform::FileSystem::current().stat(source.c_str(), &info) == 0) out.keepTimes(info.st_atim, info.st_mtim);
+    if (Platform::FileSystem::current().stat(source.c_str(), &info) == 0)
+        out.keepTimes(info.st_atim, info.st_mtim);
     return out.open() && out.write(in.data(), static_cast<std::size_t>(in.size())) && out.commit();
 }
 
 // Writes with the JPEG codec's metadata-keeping form where the codec has one.
-int writeKeeping(ImageCodec* codec, Dib* dib, const char16_t* path, const char16_t* sourcePath, ImageQuality quality) {
-    if (auto* jpeg = dynamic_cast<IntelJpegCodec*>(codec)) return jpeg->writeKeepingMetadata(dib, path, sourcePath, quality);
+int writeKeeping(ImageCodec* codec, Dib* dib, const char16_t* path, const char16_t* sourcePath,
+                 ImageQuality quality) {
+    if (auto* jpeg = dynamic_cast<IntelJpegCodec*>(codec))
+        return jpeg->writeKeepingMetadata(dib, path, sourcePath, quality);
     return codec->write(dib, path, quality);
 }
 
@@ -63,8 +66,10 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
     ImageQuality sourceQuality = ImageQualityNormal;
     if (!getImageFileInformation(source, &sourceType, &size, &sourceQuality)) return 0;
     if (!getImageFileInformation(destination, &destinationType, nullptr, nullptr)) return 0;
-    const bool needResize = (maxWidth != -1 && maxWidth < size.cx) || (maxHeight != -1 && maxHeight < size.cy);
-    if (sourceType == destinationType && !needResize) return copyFile(source, destination) ? kConvertCopied : 0;
+    const bool needResize =
+        (maxWidth != -1 && maxWidth < size.cx) || (maxHeight != -1 && maxHeight < size.cy);
+    if (sourceType == destinationType && !needResize)
+        return copyFile(source, destination) ? kConvertCopied : 0;
 
     auto* reader = static_cast<ImageCodec*>(CodecManager::getCodec(source));
     ImageCodec* writer = reader;
@@ -85,14 +90,18 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
         }
         flags |= kConvertMadeSmaller;
     }
-    if (reader != writer) writer->write(dib, destination, quality);
-    else if (reader->getImageType() == ImageTypeJpeg) writeKeeping(writer, dib, destination, source, quality);
-    else writer->write(dib, destination, quality);
+    if (reader != writer)
+        writer->write(dib, destination, quality);
+    else if (reader->getImageType() == ImageTypeJpeg)
+        writeKeeping(writer, dib, destination, source, quality);
+    else
+        writer->write(dib, destination, quality);
     if (quality != sourceQuality) flags |= kConvertQualityChanged;
     return flags;
 }
 
-bool ImageCodec::writeAsJpeg(Dib* dib, const char16_t* path, ImageQuality quality, const char16_t* sourcePath) {
+bool ImageCodec::writeAsJpeg(Dib* dib, const char16_t* path, ImageQuality quality,
+                             const char16_t* sourcePath) {
     OwnedPtr<Codec> codec = CodecManager::getCodec(u".jpg");
     if (!codec || codec->getCodecType() != CodecTypeImage) return false;
     auto* jpeg = static_cast<ImageCodec*>(codec.get());

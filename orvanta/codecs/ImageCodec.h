@@ -25,7 +25,8 @@ public:
     virtual Dib* readEmbeddedThumbnail(const char16_t* path) { return nullptr; }
     virtual void writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail) {}
     virtual Dib* read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) = 0;
-    virtual Dib* readFromMemory(const void* data, int size, CSize* originalSize, int maxHeight, int maxWidth) {
+    virtual Dib* readFromMemory(const void* data, int size, CSize* originalSize, int maxHeight,
+                                int maxWidth) {
         return nullptr;
     }
     virtual bool getInfo(const char16_t* path, CSize* size, ImageQuality* quality) = 0;
@@ -44,7 +45,8 @@ public:
 
     // What a file is, by its extension and its header. When size and quality are both null the file
     // is not opened, so this also answers for a file that does not exist yet. Never throws.
-    static bool getImageFileInformation(const char16_t* path, ImageType* type, CSize* size, ImageQuality* quality);
+    static bool getImageFileInformation(const char16_t* path, ImageType* type, CSize* size,
+                                        ImageQuality* quality);
 
     // Result flags of downsizeAndConvertFile; a plain copy answers kConvertCopied alone.
     static constexpr int kConvertCopied = 1;

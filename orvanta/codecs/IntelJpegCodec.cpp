@@ -88,7 +88,9 @@ void readHeader(JPEG_CORE_PROPERTIES& p, CSize* size, ImageQuality* quality) {
     }
     if (size) *size = CSize(p.JPGWidth, p.JPGHeight);
     if (quality)
-        *quality = p.jquality >= 85 ? ImageQualityHigh : p.jquality >= 65 ? ImageQualityDraft : ImageQualityNormal;
+        *quality = p.jquality >= 85   ? ImageQualityHigh
+                   : p.jquality >= 65 ? ImageQualityDraft
+                                      : ImageQualityNormal;
 }
 
 // The power of two the decoder divides by: the largest that keeps the picture at least as big as
@@ -105,10 +107,14 @@ int reductionFor(int width, int height, int maxWidth, int maxHeight) {
 int decodeMode(int reduction, bool fromFile) {
     const int file = fromFile ? 0 : 1;
     switch (reduction) {
-        case 2: return IJL_JFILE_READONEHALF + file;
-        case 4: return IJL_JFILE_READONEQUARTER + file;
-        case 8: return IJL_JFILE_READONEEIGHTH + file;
-        default: return IJL_JFILE_READWHOLEIMAGE + file;
+        case 2:
+            return IJL_JFILE_READONEHALF + file;
+        case 4:
+            return IJL_JFILE_READONEQUARTER + file;
+        case 8:
+            return IJL_JFILE_READONEEIGHTH + file;
+        default:
+            return IJL_JFILE_READWHOLEIMAGE + file;
     }
 }
 
@@ -163,7 +169,8 @@ struct PixelBlockDeleter {
 const JpegMarkerMap::Segment* findExifSegment(const JpegMarkerMap& map) {
     for (int i = 0; const JpegMarkerMap::Segment* segment = map.getSegment(JpegFormat::kApp1, i); ++i) {
         if (segment->length >= JpegFormat::kMinimumExifSegment &&
-            std::memcmp(map.getData() + segment->offset, JpegFormat::kExifHeader, JpegFormat::kExifHeaderSize) == 0)
+            std::memcmp(map.getData() + segment->offset, JpegFormat::kExifHeader,
+                        JpegFormat::kExifHeaderSize) == 0)
             return segment;
     }
     return nullptr;
@@ -198,14 +205,18 @@ struct LibjpegEncode {
 
 }  // namespace
 
-IntelJpegCodec* IntelJpegCodec::create() { return new (std::nothrow) IntelJpegCodec(); }
+IntelJpegCodec* IntelJpegCodec::create() {
+    return new (std::nothrow) IntelJpegCodec();
+}
 
 IntelJpegCodec::IntelJpegCodec() {
     mExtensions.push_back(u"jpg");
     mExtensions.push_back(u"jpeg");
 }
 
-bool IntelJpegCodec::useEmbeddedThumbnail() { return CodecManager::isFastThumbnailingEnabled(); }
+bool IntelJpegCodec::useEmbeddedThumbnail() {
+    return CodecManager::isFastThumbnailingEnabled();
+}
 
 bool IntelJpegCodec::getInfo(const char16_t* path, CSize* size, ImageQuality* quality) {
     JpegRecord record(path, nullptr, 0, ImageQualityHigh);
@@ -223,7 +234,8 @@ Dib* IntelJpegCodec::read(const char16_t* path, CSize* originalSize, int maxHeig
     return readCommon(path, nullptr, 0, originalSize, maxHeight, maxWidth);
 }
 
-Dib* IntelJpegCodec::readFromMemory(const void* data, int size, CSize* originalSize, int maxHeight, int maxWidth) {
+Dib* IntelJpegCodec::readFromMemory(const void* data, int size, CSize* originalSize, int maxHeight,
+                                    int maxWidth) {
     return readCommon(nullptr, data, size, originalSize, maxHeight, maxWidth);
 }
 
@@ -244,7 +256,8 @@ Dib* IntelJpegCodec::readCommon(const char16_t* path, const void* data, int size
         // PixelHeap hands out zeroed blocks, so the stretch from the centre pixel that the check
         // below reads is black unless the decoder writes it.
         std::unique_ptr<unsigned char, PixelBlockDeleter> block(
-            blockSize > 0 && blockSize <= INT_MAX ? PixelHeap::allocate(static_cast<std::size_t>(blockSize)) : nullptr);
+            blockSize > 0 && blockSize <= INT_MAX ? PixelHeap::allocate(static_cast<std::size_t>(blockSize))
+                                                  : nullptr);
         if (!block) throw Exception(u"Cannot allocate memory for JPEG\n");
         p.DIBBytes = block.get();
         if (ijlRead(&p, decodeMode(s, path != nullptr)) != IJL_OK)
@@ -253,7 +266,8 @@ Dib* IntelJpegCodec::readCommon(const char16_t* path, const void* data, int size
         if (p.DIBColor == IJL_RGBA_FPX) applyBlack(block.get(), p.DIBWidth, p.DIBHeight, stride);
 
         if (p.DIBChannels != 3 && p.DIBChannels != 4) throw Exception(u"Unsupported number of channels");
-        OwnedPtr<Dib> dib = StaticDib::create(topDownInfo(p.DIBWidth, p.DIBHeight, p.DIBChannels * 8), block.get());
+        OwnedPtr<Dib> dib =
+            StaticDib::create(topDownInfo(p.DIBWidth, p.DIBHeight, p.DIBChannels * 8), block.get());
         if (!dib) throw Exception(u"Cannot allocate memory for JPEG\n");
         block.release();
         if (path && centreLooksEmpty(*dib)) throw Exception(u"Bad initial image decode");
@@ -294,7 +308,8 @@ Dib* IntelJpegCodec::readWithLibjpeg(const char16_t* path, CSize* originalSize) 
     if (inks) d->inks.resize(static_cast<std::size_t>(width) * 4);
     const int stride = d->dib->getStride();
     while (d->info.output_scanline < d->info.output_height) {
-        unsigned char* row = d->dib->getBits() + static_cast<std::ptrdiff_t>(d->info.output_scanline) * stride;
+        unsigned char* row =
+            d->dib->getBits() + static_cast<std::ptrdiff_t>(d->info.output_scanline) * stride;
         JSAMPROW target = inks ? d->inks.data() : row;
         if (jpeg_read_scanlines(&d->info, &target, 1) != 1) break;
         if (!inks) continue;
@@ -318,7 +333,8 @@ int IntelJpegCodec::writeToMemory(Dib* dib, void* buffer, int size, ImageQuality
     return writeCommon(dib, nullptr, buffer, size, quality);
 }
 
-int IntelJpegCodec::writeCommon(Dib* dib, const char16_t* path, void* buffer, int size, ImageQuality quality) {
+int IntelJpegCodec::writeCommon(Dib* dib, const char16_t* path, void* buffer, int size,
+                                ImageQuality quality) {
     if (!dib) return 0;
     int result;
     {
@@ -341,22 +357,29 @@ int IntelJpegCodec::writeCommon(Dib* dib, const char16_t* path, void* buffer, in
         p.DIBHeight = p.JPGHeight = -header.biHeight;
         p.DIBPadBytes = Dib::strideFor(p.DIBWidth, p.DIBChannels) - p.DIBWidth * p.DIBChannels;
         p.JPGChannels = p.DIBChannels;
-        if (p.DIBChannels == 3) p.JPGSubsampling = quality == ImageQualityHigh ? IJL_422 : IJL_411;
-        else p.JPGSubsampling = quality == ImageQualityHigh ? IJL_4224 : IJL_4114;
+        if (p.DIBChannels == 3)
+            p.JPGSubsampling = quality == ImageQualityHigh ? IJL_422 : IJL_411;
+        else
+            p.JPGSubsampling = quality == ImageQualityHigh ? IJL_4224 : IJL_4114;
         result = ijlWrite(&p, path ? IJL_JFILE_WRITEWHOLEIMAGE : IJL_JBUFF_WRITEWHOLEIMAGE);
-        if (result == IJL_OK) result = p.JPGSizeBytes > 0 ? p.JPGSizeBytes : 1;
-        else if (result == IJL_BUFFER_TOO_SMALL) result = 0;
-        else if (result != IJL_EXCEPTION_DETECTED) throw Exception(u"Cannot write JPEG data to file\n");
+        if (result == IJL_OK)
+            result = p.JPGSizeBytes > 0 ? p.JPGSizeBytes : 1;
+        else if (result == IJL_BUFFER_TOO_SMALL)
+            result = 0;
+        else if (result != IJL_EXCEPTION_DETECTED)
+            throw Exception(u"Cannot write JPEG data to file\n");
     }
     if (result == IJL_EXCEPTION_DETECTED) return writeWithLibjpeg(dib, path, buffer, size, quality);
     return result;
 }
 
-int IntelJpegCodec::writeWithLibjpeg(Dib* dib, const char16_t* path, void* buffer, int size, ImageQuality quality) {
+int IntelJpegCodec::writeWithLibjpeg(Dib* dib, const char16_t* path, void* buffer, int size,
+                                     ImageQuality quality) {
     const CSize dibSize = dib->getSize();
     const int channels = dib->getBytesPerPixel();
-    if (dibSize.cx <= 0 || dibSize.cy <= 0 || dibSize.cx > JPEG_MAX_DIMENSION || dibSize.cy > JPEG_MAX_DIMENSION ||
-        (channels != 1 && channels != 3 && channels != 4) || (!path && (!buffer || size <= 0)))
+    if (dibSize.cx <= 0 || dibSize.cy <= 0 || dibSize.cx > JPEG_MAX_DIMENSION ||
+        dibSize.cy > JPEG_MAX_DIMENSION || (channels != 1 && channels != 3 && channels != 4) ||
+        (!path && (!buffer || size <= 0)))
         return 0;
     std::unique_ptr<LibjpegEncode> job(new (std::nothrow) LibjpegEncode());
     if (!job) return 0;
@@ -433,7 +456,8 @@ int IntelJpegCodec::writeKeepingMetadata(Dib* dib, const char16_t* path, const c
     // Encode to memory, with room for the headers of even the smallest picture; a picture that
     // does not fit (noise at high quality) gets a larger buffer.
     std::vector<unsigned char> encoded;
-    long long capacity = static_cast<long long>(dib->getSize().cx) * dib->getSize().cy * dib->getBytesPerPixel() + 16384;
+    long long capacity =
+        static_cast<long long>(dib->getSize().cx) * dib->getSize().cy * dib->getBytesPerPixel() + 16384;
     int encodedSize = 0;
     while (encodedSize == 0 && capacity <= INT_MAX) {
         encoded.resize(static_cast<std::size_t>(capacity));
@@ -455,10 +479,13 @@ int IntelJpegCodec::writeKeepingMetadata(Dib* dib, const char16_t* path, const c
     // A file with EXIF begins with it (its JFIF segment is not carried over); one without keeps the
     // new picture's JFIF segment in front.
     const bool hasExif = source->getExifBlock() != nullptr;
-    if (hasExif) ok = ok && put(*source, *source->getSegment(kApp1, 0));
-    else if (const JpegMarkerMap::Segment* app0 = picture.getSegment(kApp0, 0)) ok = ok && put(picture, *app0);
+    if (hasExif)
+        ok = ok && put(*source, *source->getSegment(kApp1, 0));
+    else if (const JpegMarkerMap::Segment* app0 = picture.getSegment(kApp0, 0))
+        ok = ok && put(picture, *app0);
     for (int i = hasExif ? 1 : 0; i < app1Count; ++i) ok = ok && put(*source, *source->getSegment(kApp1, i));
-    for (int i = 0; i < source->getSegmentCount(kApp13); ++i) ok = ok && put(*source, *source->getSegment(kApp13, i));
+    for (int i = 0; i < source->getSegmentCount(kApp13); ++i)
+        ok = ok && put(*source, *source->getSegment(kApp13, i));
     for (int i = 0; i < source->getSegmentCount(kComment); ++i)
         ok = ok && put(*source, *source->getSegment(kComment, i));
     for (const JpegMarkerMap::Segment& segment : picture.getSegments()) {
@@ -497,7 +524,8 @@ void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail
     }
     const JpegMarkerMap::Segment* segment = findExifSegment(*map);
     if (!segment) return;
-    const std::unique_ptr<ExifThumbnail> exif = ExifThumbnail::load(map->getData() + segment->offset, segment->length);
+    const std::unique_ptr<ExifThumbnail> exif =
+        ExifThumbnail::load(map->getData() + segment->offset, segment->length);
     if (!exif) return;
 
     std::vector<unsigned char> jpeg;
@@ -505,8 +533,8 @@ void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail
         jpeg.resize(static_cast<std::size_t>(thumbnail->getBitsSize()) + 40);
         OwnedPtr<IntelJpegCodec> encoder = IntelJpegCodec::create();
         if (!encoder) return;
-        const int written = encoder->writeToMemory(thumbnail, jpeg.data(), static_cast<int>(jpeg.size()),
-                                                   ImageQualityNormal);
+        const int written =
+            encoder->writeToMemory(thumbnail, jpeg.data(), static_cast<int>(jpeg.size()), ImageQualityNormal);
         jpeg.resize(written > 0 ? static_cast<std::size_t>(written) : 0);
     }
     if (!exif->setThumbnail(jpeg.data(), static_cast<int>(jpeg.size()))) return;
@@ -529,7 +557,9 @@ void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail
         out.commit();
 }
 
-bool IntelJpegCodec::canApplyToFile(EditingOp* op) { return op && op->getOpType() == 2; }
+bool IntelJpegCodec::canApplyToFile(EditingOp* op) {
+    return op && op->getOpType() == 2;
+}
 
 bool IntelJpegCodec::isLosslessOnFile(EditingOp* op, Dib* dib) {
     if (!canApplyToFile(op) || !dib) return false;
@@ -543,10 +573,17 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
     if (angle == 0) return true;
     TJXOP operation;
     switch (angle) {
-        case 90: operation = TJXOP_ROT90; break;
-        case 180: operation = TJXOP_ROT180; break;
-        case 270: operation = TJXOP_ROT270; break;
-        default: throw Error(u"Angle not supported");
+        case 90:
+            operation = TJXOP_ROT90;
+            break;
+        case 180:
+            operation = TJXOP_ROT180;
+            break;
+        case 270:
+            operation = TJXOP_ROT270;
+            break;
+        default:
+            throw Error(u"Angle not supported");
     }
     const std::string target = CString(path).toUtf8();
     MappedFile source;

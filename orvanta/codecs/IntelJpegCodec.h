@@ -31,7 +31,8 @@ public:
     // without an EXIF block is left alone. The file's times are kept.
     void writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail) override;
     Dib* read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) override;
-    Dib* readFromMemory(const void* data, int size, CSize* originalSize, int maxHeight, int maxWidth) override;
+    Dib* readFromMemory(const void* data, int size, CSize* originalSize, int maxHeight,
+                        int maxWidth) override;
     bool getInfo(const char16_t* path, CSize* size, ImageQuality* quality) override;
     bool getInfoFromMemory(const void* data, int size, CSize* imageSize, ImageQuality* quality) override;
     int write(Dib* dib, const char16_t* path, ImageQuality quality) override;
@@ -51,7 +52,8 @@ public:
     // Re-encodes dib into path, carrying over the APP1 (EXIF, XMP), APP13 and COM segments of the
     // JPEG file sourcePath byte for byte. A source with none of them, or one that cannot be parsed,
     // gives a plain write.
-    int writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath, ImageQuality quality);
+    int writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath,
+                             ImageQuality quality);
 
 private:
     IntelJpegCodec();

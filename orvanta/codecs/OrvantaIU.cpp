@@ -46,11 +46,12 @@ int orvantaIUGetImageFileInformation(const char16_t* path, int* type, int* width
 }
 
 int orvantaIUGetImageFileInformationU8(const char* path, int* type, int* width, int* height, int* quality) {
-    return orvantaIUGetImageFileInformation(CString::fromUtf8(path ? path : ""), type, width, height, quality);
+    return orvantaIUGetImageFileInformation(CString::fromUtf8(path ? path : ""), type, width, height,
+                                            quality);
 }
 
-int orvantaIUDownsizeAndConvertFile(const char16_t* source, const char16_t* destination, int maxWidth, int maxHeight,
-                                    int quality) {
+int orvantaIUDownsizeAndConvertFile(const char16_t* source, const char16_t* destination, int maxWidth,
+                                    int maxHeight, int quality) {
     // A C host cannot catch what the codecs throw for a file they cannot read or write: here that
     // is a failed conversion.
     try {
@@ -61,19 +62,23 @@ int orvantaIUDownsizeAndConvertFile(const char16_t* source, const char16_t* dest
     }
 }
 
-int orvantaIUDownsizeAndConvertFileU8(const char* source, const char* destination, int maxWidth, int maxHeight,
-                                      int quality) {
+int orvantaIUDownsizeAndConvertFileU8(const char* source, const char* destination, int maxWidth,
+                                      int maxHeight, int quality) {
     return orvantaIUDownsizeAndConvertFile(CString::fromUtf8(source ? source : ""),
-                                           CString::fromUtf8(destination ? destination : ""), maxWidth, maxHeight,
-                                           quality);
+                                           CString::fromUtf8(destination ? destination : ""), maxWidth,
+                                           maxHeight, quality);
 }
 
-int orvantaIUIsFileTypeSupported(const char16_t* path) { return CodecManager::getCodec(path) != nullptr; }
+int orvantaIUIsFileTypeSupported(const char16_t* path) {
+    return CodecManager::getCodec(path) != nullptr;
+}
 
 int orvantaIUIsFileTypeSupportedU8(const char* path) {
     return orvantaIUIsFileTypeSupported(CString::fromUtf8(path ? path : ""));
 }
 
-int GetOrvantaVersion(void) { return 0x10001; }
+int GetOrvantaVersion(void) {
+    return 0x10001;
+}
 
 }  // extern "C"

@@ -66,7 +66,7 @@ tmsize_t writeStream(thandle_t handle, void* buffer, tmsize_t count) {
 
 toff_t seekStream(thandle_t handle, toff_t offset, int whence) {
     auto* s = static_cast<TiffStream*>(handle);
-    const long long base = whence == SEEK_CUR ? static_cast<long long>(s->position)
+    const long long base = whence == SEEK_CUR   ? static_cast<long long>(s->position)
                            : whence == SEEK_END ? static_cast<long long>(s->size)
                                                 : 0;
     const long long target = base + static_cast<long long>(offset);
@@ -75,9 +75,13 @@ toff_t seekStream(thandle_t handle, toff_t offset, int whence) {
     return s->position;
 }
 
-int closeStream(thandle_t) { return 0; }
+int closeStream(thandle_t) {
+    return 0;
+}
 
-toff_t sizeOfStream(thandle_t handle) { return static_cast<TiffStream*>(handle)->size; }
+toff_t sizeOfStream(thandle_t handle) {
+    return static_cast<TiffStream*>(handle)->size;
+}
 
 int mapStream(thandle_t handle, void** base, toff_t* size) {
     auto* s = static_cast<TiffStream*>(handle);
@@ -97,7 +101,8 @@ TIFF* openStream(const std::string& name, const char* mode, TiffStream& stream) 
 // The first page's size, or false when a side is missing, 0, or beyond what a picture can have.
 bool pageSize(TIFF* tiff, int* width, int* height) {
     uint32_t w = 0, h = 0;
-    if (!TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &w) || !TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &h)) return false;
+    if (!TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &w) || !TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &h))
+        return false;
     if (w == 0 || h == 0 || w > INT_MAX || h > INT_MAX) return false;
     *width = static_cast<int>(w);
     *height = static_cast<int>(h);
@@ -105,10 +110,12 @@ bool pageSize(TIFF* tiff, int* width, int* height) {
 }
 
 // CIE L*a*b* as TIFF stores it in 8 bits (L* scaled to 0..255, a* and b* signed), turned into
-// sRGB with the D65 white of the TIFF specification. libtiff's own conversion models a display
+// sRGB with the D65 white that TIFF readers assume. libtiff's own conversion models a display
 // with a plain 2.4 gamma and gives visibly darker colours, so these pages are converted here.
 void labToBgr(const unsigned char* lab, unsigned char* bgra) {
-    const auto inverse = [](double t) { return t > 6.0 / 29 ? t * t * t : 3 * (6.0 / 29) * (6.0 / 29) * (t - 4.0 / 29); };
+    const auto inverse = [](double t) {
+        return t > 6.0 / 29 ? t * t * t : 3 * (6.0 / 29) * (6.0 / 29) * (t - 4.0 / 29);
+    };
     const auto compand = [](double c) {
         c = c < 0 ? 0 : c > 1 ? 1 : c;
         const double v = c <= 0.0031308 ? 12.92 * c : 1.055 * std::pow(c, 1 / 2.4) - 0.055;
@@ -157,7 +164,9 @@ bool readLab(TIFF* tiff, Dib* dib, int width, int height) {
 
 }  // namespace
 
-TiffCodec* TiffCodec::create() { return new (std::nothrow) TiffCodec(); }
+TiffCodec* TiffCodec::create() {
+    return new (std::nothrow) TiffCodec();
+}
 
 TiffCodec::TiffCodec() {
     mExtensions.push_back(u"tif");
@@ -194,13 +203,15 @@ Dib* TiffCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, i
     }
     // Four bytes a pixel leave no padding, so the rows are exactly the raster libtiff fills. A page
     // damaged in places still gives what could be read; only a page libtiff cannot convert fails.
-    ok = dib && TIFFReadRGBAImageOriented(tiff, static_cast<uint32_t>(width), static_cast<uint32_t>(height),
-                                          reinterpret_cast<uint32_t*>(dib->getBits()), ORIENTATION_TOPLEFT, 0);
+    ok =
+        dib && TIFFReadRGBAImageOriented(tiff, static_cast<uint32_t>(width), static_cast<uint32_t>(height),
+                                         reinterpret_cast<uint32_t*>(dib->getBits()), ORIENTATION_TOPLEFT, 0);
     TIFFClose(tiff);
     if (!ok) return nullptr;
     // libtiff gives red first.
     unsigned char* p = dib->getBits();
-    for (long long i = 0, n = static_cast<long long>(width) * height; i < n; ++i, p += 4) std::swap(p[0], p[2]);
+    for (long long i = 0, n = static_cast<long long>(width) * height; i < n; ++i, p += 4)
+        std::swap(p[0], p[2]);
     return dib.detach();
 }
 

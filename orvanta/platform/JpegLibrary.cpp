@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "orvanta/platform/JpegErrorJump.h"
@@ -21,19 +22,26 @@ struct JpegEngine {
 
 namespace {
 
-bool isFileMode(int mode) { return mode % 2 == 0; }
+bool isFileMode(int mode) {
+    return mode % 2 == 0;
+}
 
 int reductionOf(int mode) {
     switch (mode) {
         case IJL_JFILE_READWHOLEIMAGE:
-        case IJL_JBUFF_READWHOLEIMAGE: return 1;
+        case IJL_JBUFF_READWHOLEIMAGE:
+            return 1;
         case IJL_JFILE_READONEHALF:
-        case IJL_JBUFF_READONEHALF: return 2;
+        case IJL_JBUFF_READONEHALF:
+            return 2;
         case IJL_JFILE_READONEQUARTER:
-        case IJL_JBUFF_READONEQUARTER: return 4;
+        case IJL_JBUFF_READONEQUARTER:
+            return 4;
         case IJL_JFILE_READONEEIGHTH:
-        case IJL_JBUFF_READONEEIGHTH: return 8;
-        default: return 0;
+        case IJL_JBUFF_READONEEIGHTH:
+            return 8;
+        default:
+            return 0;
     }
 }
 
@@ -91,47 +99,19 @@ int outputSpace(const JPEG_CORE_PROPERTIES* props, const jpeg_decompress_struct&
     return IJL_INVALID_JPEG_PROPERTIES;
 }
 
-int readImage(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, int reduction) {
-    if (!props->DIBBytes || props->DIBWidth <= 0 || props->DIBHeight <= 0 || props->DIBPadBytes < 0)
-        return IJL_INVALID_JPEG_PROPERTIES;
-    const long long rowBytes = static_cast<long long>(props->DIBWidth) * props->DIBChannels + props->DIBPadBytes;
-    if (rowBytes > INT_MAX) return IJL_INVALID_JPEG_PROPERTIES;
-    std::vector<JSAMPROW> rows;
-    try {
-        rows.resize(static_cast<std::size_t>(props->DIBHeight));
-    } catch (const std::bad_alloc&) {
-        return IJL_MEMORY_ERROR;
-    }
-    for (int y = 0; y < props->DIBHeight; ++y) rows[y] = props->DIBBytes + rowBytes * y;
-
-    JpegErrorJump errors;
-    jpeg_decompress_struct info;
-    info.err = errors.install();
-    volatile int result = IJL_BAD_DATA;
-    if (setjmp(errors.jump)) {
-        jpeg_destroy_decompress(&info);
-        return result;
-    }
-    jpeg_create_decompress(&info);
-    errors.watchScans(&info);
-    jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
+// The decode proper, run under the caller's long jump: nothing here outlives a jump back.
+int decodeRows(JPEG_CORE_PROPERTIES* props, jpeg_decompress_struct& info, JSAMPROW* rows, int reduction) {
     jpeg_read_header(&info, TRUE);
     J_COLOR_SPACE space;
-    result = outputSpace(props, info, &space);
-    if (result != IJL_OK) {
-        jpeg_destroy_decompress(&info);
-        return result;
-    }
-    result = IJL_BAD_DATA;
+    const int checked = outputSpace(props, info, &space);
+    if (checked != IJL_OK) return checked;
     info.out_color_space = space;
     info.scale_num = 1;
     info.scale_denom = static_cast<unsigned int>(reduction);
     jpeg_calc_output_dimensions(&info);
     if (static_cast<int>(info.output_width) != props->DIBWidth ||
-        static_cast<int>(info.output_height) != props->DIBHeight) {
-        jpeg_destroy_decompress(&info);
+        static_cast<int>(info.output_height) != props->DIBHeight)
         return IJL_INVALID_JPEG_PROPERTIES;
-    }
     jpeg_start_decompress(&info);
     while (info.output_scanline < info.output_height) {
         const JDIMENSION line = info.output_scanline;
@@ -144,10 +124,38 @@ int readImage(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, 
             for (int x = 0; x < props->DIBWidth; ++x, p += 4) std::swap(p[0], p[2]);
         }
     }
-    // A picture cut short has been delivered as far as it goes; the rest of its data is not needed.
-    jpeg_abort_decompress(&info);
-    jpeg_destroy_decompress(&info);
+    // A picture cut short has been delivered as far as it goes; the rest of its data is not needed,
+    // so the decoder is not asked to finish.
     return IJL_OK;
+}
+
+int readImage(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, int reduction) {
+    if (!props->DIBBytes || props->DIBWidth <= 0 || props->DIBHeight <= 0 || props->DIBPadBytes < 0)
+        return IJL_INVALID_JPEG_PROPERTIES;
+    const long long rowBytes =
+        static_cast<long long>(props->DIBWidth) * props->DIBChannels + props->DIBPadBytes;
+    if (rowBytes > INT_MAX) return IJL_INVALID_JPEG_PROPERTIES;
+    std::vector<JSAMPROW> rows;
+    try {
+        rows.resize(static_cast<std::size_t>(props->DIBHeight));
+    } catch (const std::bad_alloc&) {
+        return IJL_MEMORY_ERROR;
+    }
+    for (int y = 0; y < props->DIBHeight; ++y) rows[y] = props->DIBBytes + rowBytes * y;
+
+    JpegErrorJump errors;
+    jpeg_decompress_struct info;
+    info.err = errors.install();
+    if (setjmp(errors.jump)) {
+        jpeg_destroy_decompress(&info);
+        return IJL_BAD_DATA;
+    }
+    jpeg_create_decompress(&info);
+    errors.watchScans(&info);
+    jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
+    const int result = decodeRows(props, info, rows.data(), reduction);
+    jpeg_destroy_decompress(&info);
+    return result;
 }
 
 // A libjpeg destination over the caller's fixed block: running out of room is the one failure.
@@ -182,10 +190,15 @@ int encode(JPEG_CORE_PROPERTIES* props, jpeg_compress_struct& info, JpegErrorJum
     int horizontal = 1, vertical = 1;
     switch (props->JPGSubsampling) {
         case IJL_411:
-        case IJL_4114: horizontal = vertical = 2; break;
+        case IJL_4114:
+            horizontal = vertical = 2;
+            break;
         case IJL_422:
-        case IJL_4224: horizontal = 2; break;
-        default: break;
+        case IJL_4224:
+            horizontal = 2;
+            break;
+        default:
+            break;
     }
     info.comp_info[0].h_samp_factor = horizontal;
     info.comp_info[0].v_samp_factor = vertical;
@@ -195,7 +208,8 @@ int encode(JPEG_CORE_PROPERTIES* props, jpeg_compress_struct& info, JpegErrorJum
     while (info.next_scanline < info.image_height) {
         int count = 0;
         for (; count < 16 && info.next_scanline + count < info.image_height; ++count)
-            rows[count] = props->DIBBytes + static_cast<std::ptrdiff_t>(stride) * (info.next_scanline + count);
+            rows[count] =
+                props->DIBBytes + static_cast<std::ptrdiff_t>(stride) * (info.next_scanline + count);
         jpeg_write_scanlines(&info, rows, static_cast<JDIMENSION>(count));
     }
     jpeg_finish_compress(&info);
@@ -270,7 +284,8 @@ int ijlRead(JPEG_CORE_PROPERTIES* props, int mode) {
 
 int ijlWrite(JPEG_CORE_PROPERTIES* props, int mode) {
     if (!props || !props->engine) return IJL_NULL_POINTER;
-    if (mode != IJL_JFILE_WRITEWHOLEIMAGE && mode != IJL_JBUFF_WRITEWHOLEIMAGE) return IJL_INVALID_JPEG_PROPERTIES;
+    if (mode != IJL_JFILE_WRITEWHOLEIMAGE && mode != IJL_JBUFF_WRITEWHOLEIMAGE)
+        return IJL_INVALID_JPEG_PROPERTIES;
     return writeImage(props, mode);
 }
 

@@ -9,7 +9,9 @@
 
 namespace Orvanta::Platform {
 
-MappedFile::~MappedFile() { close(); }
+MappedFile::~MappedFile() {
+    close();
+}
 
 bool MappedFile::open(const std::string& path) {
     close();
@@ -34,7 +36,8 @@ bool MappedFile::open(const std::string& path) {
 }
 
 void MappedFile::close() {
-    if (mData) FileSystem::current().unmap(const_cast<unsigned char*>(mData), static_cast<std::size_t>(mSize));
+    if (mData)
+        FileSystem::current().unmap(const_cast<unsigned char*>(mData), static_cast<std::size_t>(mSize));
     mData = nullptr;
     mSize = 0;
     mOpen = false;

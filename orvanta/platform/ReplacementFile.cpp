@@ -27,7 +27,9 @@ std::string temporarySuffix() {
 
 ReplacementFile::ReplacementFile(std::string target) : mTarget(std::move(target)) {}
 
-ReplacementFile::~ReplacementFile() { discard(); }
+ReplacementFile::~ReplacementFile() {
+    discard();
+}
 
 bool ReplacementFile::open() {
     discard();

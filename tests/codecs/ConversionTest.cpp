@@ -1,7 +1,7 @@
 // Converting and shrinking files through the codec registry and the flat interface.
 
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -66,7 +66,8 @@ TEST_F(Conversion, SameTypeWithoutShrinkingCopiesByteForByteWhateverTheQuality) 
     const std::string source = testDataPath("jpeg/canon-ixus-640x480.jpg");
     EXPECT_EQ(kCopied, convert(source, "copy.jpg", -1, -1, ImageQualityDraft));
     EXPECT_EQ(readFileBytes(source), readFileBytes(dir.file("copy.jpg")));
-    EXPECT_EQ(kCopied, convert(source, "copy2.jpeg", 640, 480, ImageQualityNormal)) << "a box the picture fits";
+    EXPECT_EQ(kCopied, convert(source, "copy2.jpeg", 640, 480, ImageQualityNormal))
+        << "a box the picture fits";
 }
 
 TEST_F(Conversion, AnotherFormatAtFullSizeSetsTheFormatFlagAndTheQualityFlag) {
@@ -88,7 +89,8 @@ TEST_F(Conversion, AJpegShrunkIntoABoxKeepsItsMetadataAndAspect) {
     EXPECT_EQ(CSize(106, 160), small->getSize());
     const std::string before = readFileBytes(source);
     const std::string after = readFileBytes(dir.file("small.jpg"));
-    for (int marker : {0xE1, 0xED, 0xFE}) EXPECT_EQ(jpegSegments(before, marker), jpegSegments(after, marker));
+    for (int marker : {0xE1, 0xED, 0xFE})
+        EXPECT_EQ(jpegSegments(before, marker), jpegSegments(after, marker));
     EXPECT_EQ((std::vector<std::string>{"2x2", "1x1", "1x1"}), jpegSampling(after)) << "normal quality";
 }
 
@@ -99,8 +101,8 @@ TEST_F(Conversion, AShrunkPictureLooksLikeTheReferenceThumbnail) {
     ASSERT_TRUE(small);
     EXPECT_EQ(CSize(256, 192), small->getSize());
     if (access("/usr/bin/convert", X_OK) != 0) return;
-    const std::string command = "/usr/bin/convert '" + source + "' -filter box -resize 256x192! '" +
-                                dir.file("reference.ppm") + "'";
+    const std::string command =
+        "/usr/bin/convert '" + source + "' -filter box -resize 256x192! '" + dir.file("reference.ppm") + "'";
     ASSERT_EQ(0, std::system(command.c_str()));
     const std::optional<Picture> reference = magickDecode(dir.file("reference.ppm"));
     ASSERT_TRUE(reference);
@@ -126,12 +128,14 @@ TEST_F(Conversion, UnknownTypesAndUnreadableSourcesGiveZero) {
 
 TEST_F(Conversion, TheFlatFunctionForwardsAndNeverThrows) {
     const std::string source = testDataPath("jpeg/canon-ixus-640x480.jpg");
-    EXPECT_EQ(kSmaller, orvantaIUDownsizeAndConvertFileU8(source.c_str(), dir.file("a.jpg").c_str(), 320, 320, 2));
+    EXPECT_EQ(kSmaller,
+              orvantaIUDownsizeAndConvertFileU8(source.c_str(), dir.file("a.jpg").c_str(), 320, 320, 2));
     EXPECT_EQ(kSmaller | kFormat | kQuality,
               orvantaIUDownsizeAndConvertFile(CString::fromUtf8(source), dir.wide("b.bmp"), 320, 320, 0));
     // A truncated file reads (the decoder delivers what there is); a garbled one throws inside.
     writeFileBytes(dir.file("garbled.jpg"), readFileBytes(source).substr(0, 700) + std::string(5000, '\xFF'));
-    EXPECT_EQ(0, orvantaIUDownsizeAndConvertFileU8(dir.file("garbled.jpg").c_str(), dir.file("c.bmp").c_str(), -1, -1, 2));
+    EXPECT_EQ(0, orvantaIUDownsizeAndConvertFileU8(dir.file("garbled.jpg").c_str(), dir.file("c.bmp").c_str(),
+                                                   -1, -1, 2));
 }
 
 TEST_F(Conversion, AFailedWriteLeavesAnExistingDestination) {
@@ -152,7 +156,8 @@ TEST_F(Conversion, AFailedWriteLeavesAnExistingDestination) {
 TEST_F(Conversion, WriteAsJpegKeepsMetadataOnlyFromAJpegSource) {
     OwnedPtr<Dib> picture = makePatternDib(64, 48, 3);
     const std::string source = testDataPath("jpeg/kodak-dc210-com.jpg");
-    EXPECT_TRUE(ImageCodec::writeAsJpeg(picture, dir.wide("kept.jpg"), ImageQualityDraft, CString::fromUtf8(source)));
+    EXPECT_TRUE(
+        ImageCodec::writeAsJpeg(picture, dir.wide("kept.jpg"), ImageQualityDraft, CString::fromUtf8(source)));
     const std::string kept = readFileBytes(dir.file("kept.jpg"));
     EXPECT_EQ(jpegSegments(readFileBytes(source), 0xFE), jpegSegments(kept, 0xFE));
     EXPECT_EQ((std::vector<std::string>{"2x1", "1x1", "1x1"}), jpegSampling(kept)) << "always high quality";

@@ -1,11 +1,12 @@
 // Reading and replacing the small picture stored in a photograph's EXIF block.
 
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 
+#include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ExifThumbnail.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/OwnedPtr.h"
@@ -52,7 +53,8 @@ TEST_F(EmbeddedThumbnail, CameraFilesGiveTheirThumbnailAsExiftoolExtractsIt) {
         ASSERT_TRUE(thumbnail);
         if (!haveTool("exiftool")) continue;
         const std::string extracted = dir.file("thumb.jpg");
-        const std::string command = "exiftool -b -ThumbnailImage '" + testDataPath(name) + "' > '" + extracted + "'";
+        const std::string command =
+            "exiftool -b -ThumbnailImage '" + testDataPath(name) + "' > '" + extracted + "'";
         ASSERT_EQ(0, std::system(command.c_str()));
         OwnedPtr<Dib> reference = codec->read(CString::fromUtf8(extracted), nullptr, 0, 0);
         ASSERT_TRUE(reference);
@@ -61,8 +63,9 @@ TEST_F(EmbeddedThumbnail, CameraFilesGiveTheirThumbnailAsExiftoolExtractsIt) {
 }
 
 TEST_F(EmbeddedThumbnail, FilesWithoutOneGiveNull) {
-    for (const char* name : {"jpeg/orientation-1-landscape.jpg", "jpeg-awkward/size-33x33.jpg",
-                             "jpeg/kodak-dc210-com.jpg", "jpeg-awkward/missing-sos.jpg", "tiff/rgba-8bit-le-162x20.tif"}) {
+    for (const char* name :
+         {"jpeg/orientation-1-landscape.jpg", "jpeg-awkward/size-33x33.jpg", "jpeg/kodak-dc210-com.jpg",
+          "jpeg-awkward/missing-sos.jpg", "tiff/rgba-8bit-le-162x20.tif"}) {
         SCOPED_TRACE(name);
         EXPECT_FALSE(codec->readEmbeddedThumbnail(CString::fromUtf8(testDataPath(name))));
     }
@@ -82,7 +85,8 @@ TEST_F(EmbeddedThumbnail, ANewThumbnailReplacesTheOldAndNothingElseMoves) {
     ASSERT_TRUE(thumbnail);
     EXPECT_EQ(CSize(160, 107), thumbnail->getSize());
     // Every segment but the EXIF one, and the picture itself, are untouched.
-    for (int marker : {0xDB, 0xC0, 0xC4, 0xED}) EXPECT_EQ(jpegSegments(before, marker), jpegSegments(after, marker));
+    for (int marker : {0xDB, 0xC0, 0xC4, 0xED})
+        EXPECT_EQ(jpegSegments(before, marker), jpegSegments(after, marker));
     ASSERT_NE(std::string::npos, jpegScanOffset(after));
     EXPECT_EQ(before.substr(jpegScanOffset(before)), after.substr(jpegScanOffset(after)));
     struct stat now;
@@ -90,7 +94,10 @@ TEST_F(EmbeddedThumbnail, ANewThumbnailReplacesTheOldAndNothingElseMoves) {
     EXPECT_EQ(old.st_mtim.tv_sec, now.st_mtim.tv_sec);
     if (haveTool("exiftool")) {
         const std::string command = "exiftool -q -q -Make -Model -DateTimeOriginal -ExposureTime -s3 '";
-        EXPECT_EQ(std::system((command + testDataPath("jpeg/nikon-d70-app13-after-dht.jpg") + "' > '" + dir.file("a") + "'").c_str()), 0);
+        EXPECT_EQ(std::system((command + testDataPath("jpeg/nikon-d70-app13-after-dht.jpg") + "' > '" +
+                               dir.file("a") + "'")
+                                  .c_str()),
+                  0);
         EXPECT_EQ(std::system((command + path + "' > '" + dir.file("b") + "'").c_str()), 0);
         EXPECT_EQ(readFileBytes(dir.file("a")), readFileBytes(dir.file("b")));
     }
@@ -133,4 +140,13 @@ TEST(ExifThumbnail, BytesThatAreNotExifLoadAsNothing) {
     const unsigned char junk[] = "this is not an EXIF block at all, only text";
     EXPECT_EQ(nullptr, ExifThumbnail::load(junk, sizeof junk));
     EXPECT_EQ(nullptr, ExifThumbnail::load(nullptr, 0));
+}
+
+TEST(EmbeddedThumbnailSwitch, TheJpegCodecUsesThumbnailsWhileFastThumbnailingIsOn) {
+    OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
+    EXPECT_TRUE(codec->hasEmbeddedThumbnail());
+    CodecManager::disableFastThumbnailing();
+    EXPECT_FALSE(codec->useEmbeddedThumbnail());
+    CodecManager::enableFastThumbnailing(true);
+    EXPECT_TRUE(codec->useEmbeddedThumbnail());
 }

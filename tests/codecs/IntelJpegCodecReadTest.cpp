@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/Dib.h"
+#include "orvanta/pixels/DibSection.h"
 #include "tests/codecs/ReferenceTools.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
@@ -93,12 +95,14 @@ TEST_F(JpegRead, ReducedDecodesEqualDjpegScaling) {
             const std::optional<Picture> reference = djpegDecode(path, denominator);
             if (!reference) continue;  // four-channel files: djpeg writes no PPM of them
             CSize size;
-            OwnedPtr<Dib> dib = decodeOrNull(*codec, path, &size, full.cy / denominator, full.cx / denominator);
+            OwnedPtr<Dib> dib =
+                decodeOrNull(*codec, path, &size, full.cy / denominator, full.cx / denominator);
             ASSERT_TRUE(dib);
             EXPECT_EQ(full, size) << "the original size is reported, not the decoded one";
             EXPECT_EQ(reference->width, dib->getSize().cx);
             EXPECT_EQ(reference->height, dib->getSize().cy);
-            EXPECT_TRUE(pictureOf(*dib).bgr == reference->bgr) << "pixels differ from djpeg -scale 1/" << denominator;
+            EXPECT_TRUE(pictureOf(*dib).bgr == reference->bgr)
+                << "pixels differ from djpeg -scale 1/" << denominator;
         }
     }
 }
@@ -135,7 +139,8 @@ TEST_F(JpegRead, MemoryAndFileGiveTheSamePicture) {
     const std::string bytes = readFileBytes(path);
     CSize fileSize, memorySize;
     OwnedPtr<Dib> fromFile = codec->read(CString::fromUtf8(path), &fileSize, 200, 200);
-    OwnedPtr<Dib> fromMemory = codec->readFromMemory(bytes.data(), static_cast<int>(bytes.size()), &memorySize, 200, 200);
+    OwnedPtr<Dib> fromMemory =
+        codec->readFromMemory(bytes.data(), static_cast<int>(bytes.size()), &memorySize, 200, 200);
     ASSERT_TRUE(fromFile && fromMemory);
     EXPECT_TRUE(*fromFile == *fromMemory);
     EXPECT_EQ(fileSize, memorySize);
@@ -144,7 +149,8 @@ TEST_F(JpegRead, MemoryAndFileGiveTheSamePicture) {
 TEST_F(JpegRead, HeaderReportsSizeAndHighQuality) {
     CSize size;
     ImageQuality quality = ImageQualityDraft;
-    EXPECT_TRUE(codec->getInfo(CString::fromUtf8(testDataPath("jpeg/sony-dsc-hx5v-730x547.jpg")), &size, &quality));
+    EXPECT_TRUE(
+        codec->getInfo(CString::fromUtf8(testDataPath("jpeg/sony-dsc-hx5v-730x547.jpg")), &size, &quality));
     EXPECT_EQ(CSize(730, 547), size);
     EXPECT_EQ(ImageQualityHigh, quality);
 }
@@ -202,13 +208,16 @@ TEST(JpegDamage, TruncatedAndGarbledInputNeverCrashes) {
         } catch (const Exception&) {
         }
         try {
-            OwnedPtr<Dib> dib = codec->readFromMemory(damaged.data(), static_cast<int>(damaged.size()), nullptr, 100, 100);
+            OwnedPtr<Dib> dib =
+                codec->readFromMemory(damaged.data(), static_cast<int>(damaged.size()), nullptr, 100, 100);
         } catch (const Exception&) {
         }
         std::string garbled = bytes;
-        for (std::size_t i = cut; i < garbled.size() && i < cut + 64; ++i) garbled[i] = static_cast<char>(i * 37);
+        for (std::size_t i = cut; i < garbled.size() && i < cut + 64; ++i)
+            garbled[i] = static_cast<char>(i * 37);
         try {
-            OwnedPtr<Dib> dib = codec->readFromMemory(garbled.data(), static_cast<int>(garbled.size()), nullptr, 0, 0);
+            OwnedPtr<Dib> dib =
+                codec->readFromMemory(garbled.data(), static_cast<int>(garbled.size()), nullptr, 0, 0);
         } catch (const Exception&) {
         }
     }
@@ -217,8 +226,9 @@ TEST(JpegDamage, TruncatedAndGarbledInputNeverCrashes) {
 TEST(JpegDamage, FilesNoDecoderReadsRaiseTheHeaderOrDataException) {
     ORVANTA_REQUIRE_TESTDATA();
     OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
-    for (const char* name : {"jpeg-awkward/missing-sos.jpg", "jpeg-awkward/invalid-dimensions.jpg",
-                             "jpeg-awkward/dnl-height0-beach-200.jpg", "jpeg-awkward/precision12-sof1-149x227.jpg"}) {
+    for (const char* name :
+         {"jpeg-awkward/missing-sos.jpg", "jpeg-awkward/invalid-dimensions.jpg",
+          "jpeg-awkward/dnl-height0-beach-200.jpg", "jpeg-awkward/precision12-sof1-149x227.jpg"}) {
         SCOPED_TRACE(name);
         const CString path = CString::fromUtf8(testDataPath(name));
         try {
@@ -226,7 +236,8 @@ TEST(JpegDamage, FilesNoDecoderReadsRaiseTheHeaderOrDataException) {
             ADD_FAILURE() << "no exception";
         } catch (const Exception& e) {
             const std::u16string message = e.getMessage();
-            EXPECT_TRUE(message == u"Cannot read JPEG header" || message == u"Cannot read JPEG data from file\n");
+            EXPECT_TRUE(message == u"Cannot read JPEG header" ||
+                        message == u"Cannot read JPEG data from file\n");
         }
         CSize size;
         EXPECT_THROW(codec->getInfo(path, &size, nullptr), Exception);
@@ -239,4 +250,34 @@ TEST(JpegDamage, AMissingFileAndAnEmptyBlockAreRefused) {
     EXPECT_THROW(codec->readFromMemory("", 0, nullptr, 0, 0), Exception);
     CSize size;
     EXPECT_THROW(codec->getInfo(u"/nonexistent/photo.jpg", &size, nullptr), Exception);
+}
+
+TEST(JpegBlackCentre, AFileWhoseCentreDecodesBlackIsDecodedAgainAtFullSize) {
+    OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
+    OwnedPtr<Dib> black = DibSection::create(64, 48, 3);  // zeroed: black
+    TempDir dir;
+    ASSERT_GT(codec->write(black, dir.wide("black.jpg"), ImageQualityNormal), 0);
+    CSize size;
+    OwnedPtr<Dib> fromFile = codec->read(dir.wide("black.jpg"), &size, 12, 16);
+    ASSERT_TRUE(fromFile);
+    EXPECT_EQ(CSize(64, 48), fromFile->getSize()) << "the second decoder ignores the box";
+    EXPECT_EQ(3, fromFile->getBytesPerPixel());
+    EXPECT_EQ(CSize(64, 48), size);
+    // A memory block is not checked, so it keeps its reduced decode.
+    const std::string bytes = readFileBytes(dir.file("black.jpg"));
+    OwnedPtr<Dib> fromMemory =
+        codec->readFromMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr, 12, 16);
+    ASSERT_TRUE(fromMemory);
+    EXPECT_EQ(CSize(16, 12), fromMemory->getSize());
+}
+
+TEST(JpegBlackCentre, APictureWithABrightCentreKeepsItsReducedDecode) {
+    OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
+    OwnedPtr<Dib> picture = DibSection::create(64, 48, 3);
+    std::memset(picture->getBits() + picture->getStride() * 20, 200, picture->getStride() * 8);
+    TempDir dir;
+    ASSERT_GT(codec->write(picture, dir.wide("band.jpg"), ImageQualityNormal), 0);
+    OwnedPtr<Dib> reduced = codec->read(dir.wide("band.jpg"), nullptr, 12, 16);
+    ASSERT_TRUE(reduced);
+    EXPECT_EQ(CSize(16, 12), reduced->getSize());
 }

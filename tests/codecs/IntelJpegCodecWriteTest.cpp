@@ -83,7 +83,8 @@ TEST_F(JpegWrite, MemoryWriteGivesTheSameBytesAsTheFile) {
     OwnedPtr<Dib> picture = makeGradient(64, 48, 3);
     const std::string file = writeFile(picture, ImageQualityNormal);
     std::string block(64 * 48 * 3 + 4096, '\0');
-    const int size = codec->writeToMemory(picture, block.data(), static_cast<int>(block.size()), ImageQualityNormal);
+    const int size =
+        codec->writeToMemory(picture, block.data(), static_cast<int>(block.size()), ImageQualityNormal);
     ASSERT_GT(size, 0);
     EXPECT_EQ(file, block.substr(0, static_cast<std::size_t>(size)));
 }
@@ -128,8 +129,10 @@ TEST_F(JpegWrite, AFailedRenameOrFlushLeavesTheOldFile) {
     OwnedPtr<Dib> picture = makePatternDib(300, 200, 3);
     for (int fault = 0; fault < 2; ++fault) {
         FaultyFileSystem disk;
-        if (fault == 0) disk.failRenames(EIO);
-        else disk.failSync(true);
+        if (fault == 0)
+            disk.failRenames(EIO);
+        else
+            disk.failSync(true);
         EXPECT_THROW(codec->write(picture, dir.wide("out.jpg"), ImageQualityNormal), Exception);
     }
     EXPECT_EQ(before, readFileBytes(dir.file("out.jpg")));

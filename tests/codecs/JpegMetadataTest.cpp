@@ -36,7 +36,9 @@ protected:
         OwnedPtr<Dib> dib = codec->read(CString::fromUtf8(source), nullptr, 300, 300);
         EXPECT_TRUE(dib);
         if (!dib) return std::string();
-        EXPECT_GT(codec->writeKeepingMetadata(dib, dir.wide("out.jpg"), CString::fromUtf8(source), ImageQualityHigh), 0);
+        EXPECT_GT(codec->writeKeepingMetadata(dib, dir.wide("out.jpg"), CString::fromUtf8(source),
+                                              ImageQualityHigh),
+                  0);
         return readFileBytes(dir.file("out.jpg"));
     }
     TempDir dir;
@@ -46,10 +48,11 @@ protected:
 }  // namespace
 
 TEST_F(JpegMetadata, App1App13AndCommentSegmentsAreKeptByteForByte) {
-    for (const char* name : {"jpeg/canon-eos7d-photoshop-allsegs.jpg", "jpeg/nikon-d70-app13-after-dht.jpg",
-                             "jpeg/iptc-app13-before-exif.jpg", "jpeg/kodak-dc210-com.jpg",
-                             "jpeg/android-depthmap-extended-xmp.jpg", "jpeg/nikon-coolpix-gps-xmp-after-sof.jpg",
-                             "jpeg-awkward/grey-photo-canon-exif-800x533.jpg", "jpeg-awkward/grey-hopper-com.jpg"}) {
+    for (const char* name :
+         {"jpeg/canon-eos7d-photoshop-allsegs.jpg", "jpeg/nikon-d70-app13-after-dht.jpg",
+          "jpeg/iptc-app13-before-exif.jpg", "jpeg/kodak-dc210-com.jpg",
+          "jpeg/android-depthmap-extended-xmp.jpg", "jpeg/nikon-coolpix-gps-xmp-after-sof.jpg",
+          "jpeg-awkward/grey-photo-canon-exif-800x533.jpg", "jpeg-awkward/grey-hopper-com.jpg"}) {
         SCOPED_TRACE(name);
         const std::string source = readFileBytes(testDataPath(name));
         const std::string out = reencode(testDataPath(name));
@@ -86,17 +89,21 @@ TEST_F(JpegMetadata, AFileWithoutExifKeepsTheNewJfifSegmentInFront) {
 TEST_F(JpegMetadata, ASourceWithoutMetadataGivesAPlainWrite) {
     const std::string source = testDataPath("jpeg-awkward/size-227x149-ijg-testorig.jpg");
     OwnedPtr<Dib> dib = codec->read(CString::fromUtf8(source), nullptr, 0, 0);
-    ASSERT_GT(codec->writeKeepingMetadata(dib, dir.wide("kept.jpg"), CString::fromUtf8(source), ImageQualityNormal), 0);
+    ASSERT_GT(
+        codec->writeKeepingMetadata(dib, dir.wide("kept.jpg"), CString::fromUtf8(source), ImageQualityNormal),
+        0);
     ASSERT_GT(codec->write(dib, dir.wide("plain.jpg"), ImageQualityNormal), 0);
     EXPECT_EQ(readFileBytes(dir.file("plain.jpg")), readFileBytes(dir.file("kept.jpg")));
 }
 
 TEST_F(JpegMetadata, AnUnparsableOrMissingSourceGivesAPlainWrite) {
     OwnedPtr<Dib> dib = makePatternDib(40, 30, 3);
-    writeFileBytes(dir.file("broken.jpg"), std::string("\xFF\xD8\xFF\xE1\x7F\xFF", 6) + std::string(100, 'x'));
+    writeFileBytes(dir.file("broken.jpg"),
+                   std::string("\xFF\xD8\xFF\xE1\x7F\xFF", 6) + std::string(100, 'x'));
     ASSERT_GT(codec->write(dib, dir.wide("plain.jpg"), ImageQualityNormal), 0);
     for (const char* source : {"broken.jpg", "missing.jpg"}) {
-        ASSERT_GT(codec->writeKeepingMetadata(dib, dir.wide("kept.jpg"), dir.wide(source), ImageQualityNormal), 0);
+        ASSERT_GT(
+            codec->writeKeepingMetadata(dib, dir.wide("kept.jpg"), dir.wide(source), ImageQualityNormal), 0);
         EXPECT_EQ(readFileBytes(dir.file("plain.jpg")), readFileBytes(dir.file("kept.jpg")));
     }
 }
@@ -118,7 +125,8 @@ TEST_F(JpegMetadata, AFailedWriteLeavesTheDestinationAsItWas) {
     {
         FaultyFileSystem disk;
         disk.failWritesAfter(5000);
-        EXPECT_EQ(0, codec->writeKeepingMetadata(dib, dir.wide("out.jpg"), CString::fromUtf8(source), ImageQualityHigh));
+        EXPECT_EQ(0, codec->writeKeepingMetadata(dib, dir.wide("out.jpg"), CString::fromUtf8(source),
+                                                 ImageQualityHigh));
     }
     EXPECT_EQ("the old contents", readFileBytes(dir.file("out.jpg")));
 }

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <sstream>
 
@@ -30,7 +30,9 @@ std::optional<std::string> capture(const std::string& command, bool allowWarning
     return out;
 }
 
-std::string quoted(const std::string& path) { return "'" + path + "'"; }
+std::string quoted(const std::string& path) {
+    return "'" + path + "'";
+}
 
 // A binary PPM (P6) of 8-bit samples, turned blue first. The header may carry comment lines.
 std::optional<Picture> parsePpm(const std::string& bytes) {
@@ -106,9 +108,9 @@ bool jpegtranRotate(const std::string& path, int angle, const std::string& outpu
 
 std::optional<std::string> exiftoolTags(const std::string& path) {
     if (!haveTool("exiftool")) return std::nullopt;
-    auto out = capture("exiftool -G1 -s -a -n -x System:all -x File:all -x JFIF:all -x Composite:all " +
-                           quoted(path),
-                       false);
+    auto out = capture(
+        "exiftool -G1 -s -a -n -x System:all -x File:all -x JFIF:all -x Composite:all " + quoted(path),
+        false);
     if (!out) return std::nullopt;
     std::istringstream lines(*out);
     std::vector<std::string> kept;
@@ -126,7 +128,8 @@ Picture pictureOf(const Orvanta::Dib& dib) {
     Picture picture{size.cx, size.cy, std::string()};
     picture.bgr.reserve(static_cast<std::size_t>(size.cx) * size.cy * 3);
     for (int y = 0; y < size.cy; ++y) {
-        const auto* row = reinterpret_cast<const char*>(dib.getBits()) + static_cast<std::ptrdiff_t>(y) * dib.getStride();
+        const auto* row =
+            reinterpret_cast<const char*>(dib.getBits()) + static_cast<std::ptrdiff_t>(y) * dib.getStride();
         for (int x = 0; x < size.cx; ++x) picture.bgr.append(row + x * channels, 3);
     }
     return picture;
@@ -136,7 +139,8 @@ double psnr(const Picture& a, const Picture& b) {
     if (a.width != b.width || a.height != b.height || a.bgr.size() != b.bgr.size() || a.bgr.empty()) return 0;
     double squares = 0;
     for (std::size_t i = 0; i < a.bgr.size(); ++i) {
-        const double d = static_cast<unsigned char>(a.bgr[i]) - static_cast<double>(static_cast<unsigned char>(b.bgr[i]));
+        const double d =
+            static_cast<unsigned char>(a.bgr[i]) - static_cast<double>(static_cast<unsigned char>(b.bgr[i]));
         squares += d * d;
     }
     if (squares == 0) return std::numeric_limits<double>::infinity();
@@ -152,7 +156,8 @@ std::vector<std::string> jpegSegments(const std::string& bytes, int marker) {
         while (i < bytes.size() && static_cast<unsigned char>(bytes[i]) == 0xFF) ++i;
         if (i + 3 > bytes.size()) break;
         const int m = static_cast<unsigned char>(bytes[i]);
-        const std::size_t length = (static_cast<unsigned char>(bytes[i + 1]) << 8) | static_cast<unsigned char>(bytes[i + 2]);
+        const std::size_t length =
+            (static_cast<unsigned char>(bytes[i + 1]) << 8) | static_cast<unsigned char>(bytes[i + 2]);
         if (m == marker && i + 1 + length <= bytes.size()) found.push_back(bytes.substr(i - 1, length + 2));
         if (m == 0xDA) break;
         i += 1 + length;

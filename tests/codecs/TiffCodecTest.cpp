@@ -60,10 +60,12 @@ TEST_F(Tiff, InfoGivesTheFirstPageSizeAndHighQuality) {
     ORVANTA_REQUIRE_TESTDATA();
     CSize size;
     ImageQuality quality = ImageQualityDraft;
-    EXPECT_TRUE(codec->getInfo(CString::fromUtf8(testDataPath("tiff/rgba-8bit-le-162x20.tif")), &size, &quality));
+    EXPECT_TRUE(
+        codec->getInfo(CString::fromUtf8(testDataPath("tiff/rgba-8bit-le-162x20.tif")), &size, &quality));
     EXPECT_EQ(CSize(162, 20), size);
     EXPECT_EQ(ImageQualityHigh, quality);
-    EXPECT_FALSE(codec->getInfo(CString::fromUtf8(testDataPath("tiff/rgba-8bit-le-162x20.tif")), nullptr, &quality));
+    EXPECT_FALSE(
+        codec->getInfo(CString::fromUtf8(testDataPath("tiff/rgba-8bit-le-162x20.tif")), nullptr, &quality));
     EXPECT_FALSE(codec->getInfo(dir.wide("missing.tif"), &size, nullptr));
 }
 
@@ -78,7 +80,9 @@ TEST_F(Tiff, AWrittenPictureIsA24BitPackBitsFileThatReadsBackExactly) {
         const Picture written = pictureOf(*picture);
         EXPECT_TRUE(pictureOf(*back).bgr == written.bgr);
         if (haveTool("tiffinfo")) {
-            const std::string command = "tiffinfo '" + dir.file("out.tif") + "' 2>/dev/null | grep -c 'PackBits\\|Samples/Pixel: 3\\|Bits/Sample: 8'";
+            const std::string command =
+                "tiffinfo '" + dir.file("out.tif") +
+                "' 2>/dev/null | grep -c 'PackBits\\|Samples/Pixel: 3\\|Bits/Sample: 8'";
             FILE* pipe = popen(command.c_str(), "r");
             char count[8] = {};
             std::fgets(count, sizeof count, pipe);
@@ -99,7 +103,8 @@ TEST_F(Tiff, OnlyColourDibsAreWritten) {
 }
 
 TEST_F(Tiff, DamagedAndForeignFilesGiveNull) {
-    writeFileBytes(dir.file("text.tif"), "II*\0 this is text pretending to be a TIFF file, long enough to parse");
+    writeFileBytes(dir.file("text.tif"),
+                   "II*\0 this is text pretending to be a TIFF file, long enough to parse");
     writeFileBytes(dir.file("empty.tif"), "");
     for (const char* name : {"text.tif", "empty.tif", "missing.tif"}) {
         SCOPED_TRACE(name);
@@ -121,8 +126,10 @@ TEST_F(Tiff, AFailedWriteLeavesTheOldFile) {
     OwnedPtr<Dib> picture = makePatternDib(200, 100, 3);
     for (int fault = 0; fault < 2; ++fault) {
         FaultyFileSystem disk;
-        if (fault == 0) disk.failWritesAfter(1000);
-        else disk.failRenames(EIO);
+        if (fault == 0)
+            disk.failWritesAfter(1000);
+        else
+            disk.failRenames(EIO);
         EXPECT_EQ(0, codec->write(picture, dir.wide("out.tif"), ImageQualityHigh));
     }
     EXPECT_EQ("the old contents", readFileBytes(dir.file("out.tif")));

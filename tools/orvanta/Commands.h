@@ -23,5 +23,8 @@ int runInfo(const Arguments& arguments);
 int runEdit(const Arguments& arguments);
 int runBatchConvert(const Arguments& arguments);
 int runDb(const Arguments& arguments);
+int runConvert(const Arguments& arguments);
+int runRotate(const Arguments& arguments);
+int runThumb(const Arguments& arguments);
 
 }  // namespace OrvantaTool

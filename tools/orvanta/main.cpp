@@ -67,6 +67,34 @@ const std::vector<Command>& commands() {
          "The file is opened as the library opens it (read-write, exclusively): an interrupted change is\n"
          "completed or undone first. Exit status 1 if the file does not open, 2 for bad arguments.\n",
          runDb},
+        {"convert", "convert SRC DST     shrinks and converts a picture (JPEG, TIFF, BMP)",
+         "usage: orvanta convert SRC DST [--max WxH] [--quality normal|draft|high]\n"
+         "Writes SRC to DST in the format of DST's extension. With --max the picture is fitted into\n"
+         "W x H (a JPEG is decoded straight at a half, a quarter or an eighth where the box allows).\n"
+         "The same format at a size that fits is copied byte for byte. A JPEG written from a JPEG keeps\n"
+         "its EXIF, XMP, IPTC and comment segments. --quality (JPEG output): normal 85, draft 65, high 85\n"
+         "with finer colour; normal by default.\n"
+         "Prints: DST  FLAGS  NAMES, where FLAGS is 1 (copied) or the sum of 4 (format changed),\n"
+         "8 (made smaller) and 16 (quality differs from the source's), NAMES the same in words.\n"
+         "Exit status 0 on success, 1 if the conversion failed, 2 on bad arguments.\n",
+         runConvert},
+        {"rotate", "rotate FILE ANGLE   turns a JPEG file in place without re-encoding it",
+         "usage: orvanta rotate FILE 90|180|270\n"
+         "Turns the JPEG picture clockwise in the file itself, without decoding it: nothing of the\n"
+         "picture is lost, except the partial blocks along an edge whose side is not a whole number of\n"
+         "blocks (usually 8 or 16 pixels), which are dropped. Every metadata segment is kept as it is,\n"
+         "and so are the file's dates. The file is replaced only once its new version is complete.\n"
+         "Prints: FILE  WIDTH  HEIGHT [edge blocks dropped]\n"
+         "Exit status 0 on success, 1 if the file could not be turned, 2 on bad arguments.\n",
+         runRotate},
+        {"thumb", "thumb SRC DST       a small picture of a photograph",
+         "usage: orvanta thumb SRC DST [--box WxH] [--no-embedded]\n"
+         "Writes a picture of SRC fitted into the box (160x160 by default) to DST, in the format of\n"
+         "DST's extension. The thumbnail a camera stored in the EXIF block is used when there is one,\n"
+         "unless --no-embedded is given; otherwise the picture is decoded reduced and resampled.\n"
+         "Prints: DST  WIDTH  HEIGHT  embedded|decoded\n"
+         "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
+         runThumb},
     };
     return table;
 }
