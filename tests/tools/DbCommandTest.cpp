@@ -10,28 +10,13 @@
 #include "orvanta/store/DatabaseOrdering.h"
 #include "orvanta/store/PropertyDatabase.h"
 #include "tests/support/TempDir.h"
+#include "tests/support/TestData.h"
+#include "tests/support/ToolRunner.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
 
 namespace {
-
-struct ToolRun {
-    std::string output;
-    int status;
-};
-
-ToolRun runTool(const std::string& arguments) {
-    const char* tool = std::getenv("ORVANTA_TOOL");
-    if (!tool) return {"", -1};
-    FILE* pipe = popen((std::string(tool) + " " + arguments + " 2>&1").c_str(), "r");
-    ToolRun run{"", -1};
-    char buffer[4096];
-    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) run.output.append(buffer, n);
-    const int status = pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
 
 class DbCommandTest : public ::testing::Test {
 protected:
@@ -84,9 +69,35 @@ TEST_F(DbCommandTest, DamagedFileIsReportedNotCrashedOn) {
     writeFileBytes(dir.file("junk.db"), "###OrvantaDB###");
     const ToolRun run = runTool("db stats " + dir.file("junk.db"));
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.output.find("Cannot open database"), std::string::npos) << run.output;
+    EXPECT_NE(run.errors.find("Cannot open database"), std::string::npos) << run.errors;
     EXPECT_EQ(runTool("db").status, 2);
     EXPECT_EQ(runTool("db frobnicate " + dir.file("catalog.db")).status, 2);
+}
+
+TEST_F(DbCommandTest, AddCataloguesReadablePicturesAndReportsTheRest) {
+    ORVANTA_REQUIRE_TESTDATA();
+    const std::string photo = testDataPath("jpeg/canon-ixus-640x480.jpg");
+    const std::string bitmap = testDataPath("bmp/rgb24-photo-119x96-pad3.bmp");
+    writeFileBytes(dir.file("notes.txt"), "not a picture");
+    const std::string catalogue = dir.file("new.db");
+    const ToolRun run = runTool("db add '" + catalogue + "' '" + photo + "' '" + bitmap + "' '" +
+                                dir.file("notes.txt") + "'");
+    EXPECT_EQ(run.status, 1);  // one file was not a picture
+    EXPECT_NE(run.output.find(dir.file("notes.txt") + "\tunreadable\n"), std::string::npos) << run.output;
+
+    OwnedPtr<PropertyDatabase> db = PropertyDatabase::create(CString::fromUtf8(catalogue), 10);
+    ASSERT_EQ(db->getCount(), 2);
+    OwnedPtr<PropertyDatabase::Iterator> lists = db->createIterator();
+    int widths = 0;
+    while (OwnedPtr<PropertyList> list = lists->next()) {
+        const CString name = list->getValue(u"filename").asString();
+        EXPECT_EQ(list->getValue(u"folder").asString(), CString::fromUtf8(testDataDir() + (name == u"canon-ixus-640x480.jpg" ? "/jpeg" : "/bmp")));
+        EXPECT_NE(run.output.find(list->getValue(PropertyList::kPropID).asUniqueID().asString().toUtf8()),
+                  std::string::npos);
+        EXPECT_FALSE(list->getValue(u"timestamp").asDateTime().isNull());
+        widths += list->getValue(u"width").asInt();
+    }
+    EXPECT_EQ(widths, 640 + 119);
 }
 
 }  // namespace

@@ -16,27 +16,13 @@
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
 #include "tests/support/TestPictures.h"
+#include "tests/support/ToolRunner.h"
 
 using namespace Orvanta;
+using OrvantaTest::runTool;
+using OrvantaTest::ToolRun;
 
 namespace {
-
-struct ToolRun {
-    int status = -1;
-    std::string out;
-};
-
-ToolRun runTool(const std::string& arguments) {
-    ToolRun run;
-    const char* tool = std::getenv("ORVANTA_TOOL");
-    const std::string command = std::string(tool) + " " + arguments + " 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) run.out.append(buffer, n);
-    const int status = pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
 
 Dib* readBmp(const std::string& path) {
     OwnedPtr<BmpCodec> codec(BmpCodec::create());
@@ -60,7 +46,7 @@ TEST_F(EditCommand, EditsMatchTheLibraryAndReportTheHistory) {
     const std::string out = dir.file("out.bmp");
     const ToolRun run = runTool("edit '" + photo + "' '" + out + "' rotate=90 mirror=v undo");
     ASSERT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, out + "\t96\t119\tundo 1\tredo 1\tretired 0\n");
+    EXPECT_EQ(run.output, out + "\t96\t119\tundo 1\tredo 1\tretired 0\n");
     OwnedPtr<Dib> original(readBmp(photo));
     OwnedPtr<EditableDib> expected(new EditableDib(original));
     expected->doOp(OwnedPtr<EditingOp>(RotateOp::create(90)));
@@ -74,10 +60,10 @@ TEST_F(EditCommand, LimitRetiresAndDownsizeStartsANewHistory) {
     ToolRun run =
         runTool("edit --undo-limit=1 '" + photo + "' '" + out + "' mirror=h sepia crop=0,0,0.5,0.5");
     ASSERT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, out + "\t59\t48\tundo 1\tredo 0\tretired 2\n");
+    EXPECT_EQ(run.output, out + "\t59\t48\tundo 1\tredo 0\tretired 2\n");
     run = runTool("edit '" + photo + "' '" + out + "' bw downsize=30x30:1 colorize=0.6,0.5,0.4");
     ASSERT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, out + "\t30\t24\tundo 1\tredo 0\tretired 0\n");
+    EXPECT_EQ(run.output, out + "\t30\t24\tundo 1\tredo 0\tretired 0\n");
 }
 
 TEST_F(EditCommand, BadArgumentsAndFilesFailCleanly) {

@@ -97,7 +97,7 @@ TEST(EditFixCommand, RedeyeOnSkinChangesNothing) {
     const ToolRun run =
         runTool("edit '" + testDataPath(kRedeyePhoto) + "' '" + dir.file("skin.bmp") + "' redeye=0.5,0.2,20");
     EXPECT_EQ(run.status, 0);
-    EXPECT_NE(run.output.find("redeye=0.5,0.2,20 changed nothing"), std::string::npos) << run.output;
+    EXPECT_NE(run.errors.find("redeye=0.5,0.2,20 changed nothing"), std::string::npos) << run.errors;
     EXPECT_NE(run.output.find("undo 0"), std::string::npos) << run.output;
 }
 
@@ -108,8 +108,8 @@ TEST(EditFixCommand, RedeyeRefusesBadArguments) {
                            "redeye=0.5,0.5,2.5", "redeye=a,b", "redeye=0.5,0.5,10,4", "picfix=1"}) {
         const ToolRun run =
             runTool("edit '" + testDataPath(kRedeyePhoto) + "' '" + dir.file("out.bmp") + "' " + op);
-        EXPECT_EQ(run.status, 2) << op << ": " << run.output;
-        EXPECT_NE(run.output.find("bad operation"), std::string::npos) << op;
+        EXPECT_EQ(run.status, 2) << op << ": " << run.errors;
+        EXPECT_NE(run.errors.find("bad operation"), std::string::npos) << op;
     }
 }
 

@@ -13,27 +13,12 @@
 #include "orvanta/pixels/Dib.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
+#include "tests/support/ToolRunner.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
 
 namespace {
-
-struct ToolResult {
-    int status = -1;
-    std::string out;
-};
-
-ToolResult run(const std::string& arguments) {
-    ToolResult result;
-    const std::string command = std::string(std::getenv("ORVANTA_TOOL")) + " " + arguments + " 2>/dev/null";
-    FILE* pipe = popen(command.c_str(), "r");
-    char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) result.out.append(buffer, n);
-    const int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return result;
-}
 
 CSize jpegSize(const std::string& path) {
     OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
@@ -63,62 +48,62 @@ protected:
 
 TEST_F(ImageCommands, ConvertPrintsTheResultFlags) {
     const std::string photo = testDataPath("jpeg/canon-ixus-640x480.jpg");
-    ToolResult r = run("convert '" + photo + "' '" + dir.file("a.jpg") + "'");
+    ToolRun r = runTool("convert '" + photo + "' '" + dir.file("a.jpg") + "'");
     EXPECT_EQ(0, r.status);
-    EXPECT_EQ(dir.file("a.jpg") + "\t1\tcopied\n", r.out);
-    r = run("convert '" + photo + "' '" + dir.file("b.tif") + "' --max 320x320 --quality high");
+    EXPECT_EQ(dir.file("a.jpg") + "\t1\tcopied\n", r.output);
+    r = runTool("convert '" + photo + "' '" + dir.file("b.tif") + "' --max 320x320 --quality high");
     EXPECT_EQ(0, r.status);
-    EXPECT_EQ(dir.file("b.tif") + "\t12\tformat-changed,made-smaller\n", r.out);
-    r = run("convert '" + photo + "' '" + dir.file("c.jpg") + "' --max 100x100");
-    EXPECT_EQ(dir.file("c.jpg") + "\t24\tmade-smaller,quality-changed\n", r.out);
+    EXPECT_EQ(dir.file("b.tif") + "\t12\tformat-changed,made-smaller\n", r.output);
+    r = runTool("convert '" + photo + "' '" + dir.file("c.jpg") + "' --max 100x100");
+    EXPECT_EQ(dir.file("c.jpg") + "\t24\tmade-smaller,quality-changed\n", r.output);
     EXPECT_EQ(CSize(100, 75), jpegSize(dir.file("c.jpg")));
 }
 
 TEST_F(ImageCommands, ConvertRefusesBadArgumentsAndUnreadableFiles) {
     const std::string photo = testDataPath("jpeg/canon-ixus-640x480.jpg");
-    EXPECT_EQ(2, run("convert '" + photo + "'").status);
-    EXPECT_EQ(2, run("convert '" + photo + "' x.jpg --max 100").status);
-    EXPECT_EQ(2, run("convert '" + photo + "' x.jpg --quality best").status);
-    EXPECT_EQ(1, run("convert '" + dir.file("missing.jpg") + "' '" + dir.file("x.bmp") + "'").status);
-    EXPECT_EQ(1, run("convert '" + photo + "' '" + dir.file("x.png") + "'").status);
+    EXPECT_EQ(2, runTool("convert '" + photo + "'").status);
+    EXPECT_EQ(2, runTool("convert '" + photo + "' x.jpg --max 100").status);
+    EXPECT_EQ(2, runTool("convert '" + photo + "' x.jpg --quality best").status);
+    EXPECT_EQ(1, runTool("convert '" + dir.file("missing.jpg") + "' '" + dir.file("x.bmp") + "'").status);
+    EXPECT_EQ(1, runTool("convert '" + photo + "' '" + dir.file("x.png") + "'").status);
 }
 
 TEST_F(ImageCommands, RotateTurnsTheFileAndSaysWhenEdgesAreDropped) {
     const std::string aligned = copyOf("jpeg/canon-ixus-640x480.jpg");
-    ToolResult r = run("rotate '" + aligned + "' 90");
+    ToolRun r = runTool("rotate '" + aligned + "' 90");
     EXPECT_EQ(0, r.status);
-    EXPECT_EQ(aligned + "\t480\t640\n", r.out);
+    EXPECT_EQ(aligned + "\t480\t640\n", r.output);
     const std::string ragged = copyOf("jpeg/sony-dsc-hx5v-730x547.jpg");
-    r = run("rotate '" + ragged + "' 270");
+    r = runTool("rotate '" + ragged + "' 270");
     EXPECT_EQ(0, r.status);
-    EXPECT_EQ(ragged + "\t547\t720\tedge blocks dropped\n", r.out)
+    EXPECT_EQ(ragged + "\t547\t720\tedge blocks dropped\n", r.output)
         << "the partial blocks of the right edge go";
 }
 
 TEST_F(ImageCommands, RotateRefusesOtherFormatsAnglesAndDamagedFiles) {
-    EXPECT_EQ(2, run("rotate '" + dir.file("x.jpg") + "' 45").status);
+    EXPECT_EQ(2, runTool("rotate '" + dir.file("x.jpg") + "' 45").status);
     writeFileBytes(dir.file("x.bmp"), readFileBytes(testDataPath("bmp/rgb24-photo-119x96-pad3.bmp")));
-    EXPECT_EQ(1, run("rotate '" + dir.file("x.bmp") + "' 90").status);
+    EXPECT_EQ(1, runTool("rotate '" + dir.file("x.bmp") + "' 90").status);
     const std::string damaged = copyOf("jpeg-awkward/truncated-baseline-bluesquare.jpg");
     const std::string before = readFileBytes(damaged);
-    EXPECT_EQ(1, run("rotate '" + damaged + "' 90").status);
+    EXPECT_EQ(1, runTool("rotate '" + damaged + "' 90").status);
     EXPECT_EQ(before, readFileBytes(damaged));
-    EXPECT_EQ(1, run("rotate '" + dir.file("missing.jpg") + "' 90").status);
+    EXPECT_EQ(1, runTool("rotate '" + dir.file("missing.jpg") + "' 90").status);
 }
 
 TEST_F(ImageCommands, ThumbUsesTheEmbeddedPictureUnlessTold) {
     const std::string photo = testDataPath("jpeg/canon-ixus-640x480.jpg");
-    ToolResult r = run("thumb '" + photo + "' '" + dir.file("t.jpg") + "'");
+    ToolRun r = runTool("thumb '" + photo + "' '" + dir.file("t.jpg") + "'");
     EXPECT_EQ(0, r.status);
-    EXPECT_EQ(dir.file("t.jpg") + "\t160\t120\tembedded\n", r.out);
-    r = run("thumb '" + photo + "' '" + dir.file("u.jpg") + "' --no-embedded --box 100x100");
-    EXPECT_EQ(dir.file("u.jpg") + "\t100\t75\tdecoded\n", r.out);
-    r = run("thumb '" + photo + "' '" + dir.file("v.bmp") + "' --box 64x64");
-    EXPECT_EQ(dir.file("v.bmp") + "\t64\t48\tembedded\n", r.out)
+    EXPECT_EQ(dir.file("t.jpg") + "\t160\t120\tembedded\n", r.output);
+    r = runTool("thumb '" + photo + "' '" + dir.file("u.jpg") + "' --no-embedded --box 100x100");
+    EXPECT_EQ(dir.file("u.jpg") + "\t100\t75\tdecoded\n", r.output);
+    r = runTool("thumb '" + photo + "' '" + dir.file("v.bmp") + "' --box 64x64");
+    EXPECT_EQ(dir.file("v.bmp") + "\t64\t48\tembedded\n", r.output)
         << "the embedded picture, fitted into the box";
-    r = run("thumb '" + testDataPath("jpeg/orientation-1-landscape.jpg") + "' '" + dir.file("w.jpg") + "'");
-    EXPECT_EQ(dir.file("w.jpg") + "\t160\t106\tdecoded\n", r.out) << "no EXIF thumbnail in this file";
-    EXPECT_EQ(2, run("thumb '" + photo + "'").status);
+    r = runTool("thumb '" + testDataPath("jpeg/orientation-1-landscape.jpg") + "' '" + dir.file("w.jpg") + "'");
+    EXPECT_EQ(dir.file("w.jpg") + "\t160\t106\tdecoded\n", r.output) << "no EXIF thumbnail in this file";
+    EXPECT_EQ(2, runTool("thumb '" + photo + "'").status);
 }
 
 TEST_F(ImageCommands, EditKeepsTheMetadataOfAJpegSource) {
@@ -129,7 +114,7 @@ TEST_F(ImageCommands, EditKeepsTheMetadataOfAJpegSource) {
     const std::size_t length =
         (static_cast<unsigned char>(source[4]) << 8) | static_cast<unsigned char>(source[5]);
     const std::string exif = source.substr(2, length + 2);
-    ASSERT_EQ(0, run("edit '" + photo + "' '" + dir.file("e.jpg") + "' rotate=90").status);
+    ASSERT_EQ(0, runTool("edit '" + photo + "' '" + dir.file("e.jpg") + "' rotate=90").status);
     const std::string edited = readFileBytes(dir.file("e.jpg"));
     EXPECT_EQ(exif, edited.substr(2, exif.size())) << "the EXIF segment comes first, byte for byte";
     EXPECT_EQ(CSize(480, 640), jpegSize(dir.file("e.jpg")));

@@ -31,5 +31,7 @@ TEST(InfoCommand, HelpDocumentsTheOutput) {
     const ToolRun run = runTool("info --help");
     EXPECT_EQ(run.status, 0);
     EXPECT_NE(run.output.find("PATH  TYPE  WIDTH  HEIGHT  QUALITY"), std::string::npos);
-    EXPECT_EQ(runTool("no-such-command").status, 2);
+    const ToolRun unknown = runTool("no-such-command");
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_NE(unknown.errors.find("unknown command"), std::string::npos);
 }

@@ -1,6 +1,8 @@
 // orvanta db: a look inside a record store file (a catalogue or a thumbnail store).
 
 #include <dirent.h>
+#include <limits.h>
+#include <stdlib.h>
 
 #include <algorithm>
 
@@ -9,7 +11,12 @@
 #include <string>
 
 #include "Commands.h"
+#include "orvanta/codecs/ImageCodec.h"
+#include "orvanta/codecs/OrvantaIU.h"
+#include "orvanta/foundation/DateTime.h"
 #include "orvanta/foundation/Exception.h"
+#include "orvanta/foundation/File.h"
+#include "orvanta/foundation/FilePath.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/platform/CString.h"
 #include "orvanta/store/Database.h"
@@ -197,13 +204,74 @@ int runDump(const std::string& path) {
     return 0;
 }
 
+// The catalogue's block size: one block holds a typical picture's property list.
+constexpr int kCatalogueBlockSize = 1024;
+constexpr int kCatalogueGrowBlocks = 64;
+
+// One picture's catalogue entry: where it is, when it was written, and its size in pixels.
+PropertyList* describePicture(const CString& path) {
+    CSize size;
+    ImageQuality quality;
+    if (!ImageCodec::getImageFileInformation(path, nullptr, &size, &quality) || size.cx <= 0 || size.cy <= 0)
+        return nullptr;
+    OwnedPtr<File> file = File::create(path);
+    FILETIME written{};
+    if (!file || !file->open(true) || !file->getTimes(nullptr, nullptr, &written)) return nullptr;
+    OwnedPtr<PropertyList> list = PropertyList::create();
+    list->set(PropertyList::kPropID, PropertyValue(UniqueID::create()), false);
+    list->set(u"filename", PropertyValue(FilePath::getFileName(path)), false);
+    list->set(u"folder", PropertyValue(FilePath::getFolder(path)), false);
+    list->set(u"timestamp", PropertyValue(DateTime(written, true)), false);
+    list->set(u"width", PropertyValue(size.cx), false);
+    list->set(u"height", PropertyValue(size.cy), false);
+    return list.detach();
+}
+
+int runAdd(const std::string& path, const std::vector<std::string>& pictures) {
+    const CString catalogue = CString::fromUtf8(path);
+    if (!FilePath::exists(catalogue, false) &&
+        !PropertyDatabase::createFile(catalogue, kCatalogueBlockSize, 1, 0)) {
+        std::fprintf(stderr, "orvanta db: cannot create '%s'\n", path.c_str());
+        return 1;
+    }
+    OwnedPtr<PropertyDatabase> lists;
+    try {
+        lists = PropertyDatabase::create(catalogue, kCatalogueGrowBlocks);
+    } catch (const Exception& e) {
+        std::fprintf(stderr, "orvanta db: %s: %s\n", path.c_str(), utf8(e.getMessage()).c_str());
+        return 1;
+    }
+    orvantaIUInit();
+    int status = 0;
+    for (const auto& picture : pictures) {
+        char resolved[PATH_MAX];
+        const std::string absolute = realpath(picture.c_str(), resolved) ? resolved : picture;
+        OwnedPtr<PropertyList> entry = describePicture(CString::fromUtf8(absolute));
+        if (!entry) {
+            std::printf("%s\tunreadable\n", picture.c_str());
+            status = 1;
+        } else if (!lists->putList(entry)) {
+            std::printf("%s\tnot stored\n", picture.c_str());
+            status = 1;
+        } else {
+            std::printf("%s\t%s\n", picture.c_str(), idText(entry->getValue(PropertyList::kPropID).asUniqueID()).c_str());
+        }
+    }
+    orvantaIUDeInit();
+    return status;
+}
+
 }  // namespace
 
 int runDb(const Arguments& arguments) {
-    if (arguments.size() != 2 || (arguments[0] != "stats" && arguments[0] != "dump")) {
-        std::fprintf(stderr, "usage: orvanta db stats FILE\n       orvanta db dump FILE\n");
+    const bool inspect = arguments.size() == 2 && (arguments[0] == "stats" || arguments[0] == "dump");
+    const bool add = arguments.size() >= 3 && arguments[0] == "add";
+    if (!inspect && !add) {
+        std::fprintf(stderr,
+                     "usage: orvanta db stats FILE\n       orvanta db dump FILE\n       orvanta db add FILE PICTURE...\n");
         return 2;
     }
+    if (add) return runAdd(arguments[1], Arguments(arguments.begin() + 2, arguments.end()));
     return arguments[0] == "stats" ? runStats(arguments[1]) : runDump(arguments[1]);
 }
 

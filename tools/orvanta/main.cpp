@@ -54,9 +54,10 @@ const std::vector<Command>& commands() {
          "Prints how many files were converted. Exit status 0 if all were, 1 if any was not, 2 for bad\n"
          "arguments, 130 when interrupted.\n",
          runBatchConvert},
-        {"db", "db stats|dump FILE   what a catalogue or thumbnail store holds",
+        {"db", "db stats|dump|add FILE ...  what a catalogue holds; adds pictures to one",
          "usage: orvanta db stats FILE\n"
          "       orvanta db dump FILE\n"
+         "       orvanta db add FILE PICTURE...\n"
          "FILE is a record store (\"###OrvantaDB###\") file: a catalogue or a thumbnail store.\n"
          "stats prints one tab-separated line per figure: the header (block size, block count, format\n"
          "  version), records, whether an info record is there, blocks in records and free, payload bytes,\n"
@@ -64,6 +65,9 @@ const std::vector<Command>& commands() {
          "  (a file in the same folder whose name starts with FILE's name).\n"
          "dump prints every record in file order: its id, size and first block, and for a property list\n"
          "  one line per property: name, type (string, int, datetime, id, bytes), value.\n"
+         "add makes FILE a catalogue if it does not exist, and stores one property list per picture:\n"
+         "  filename, folder, timestamp (the file's write time, local), width and height; it prints\n"
+         "  PICTURE and the new record's id, or PICTURE and \"unreadable\".\n"
          "The file is opened as the library opens it (read-write, exclusively): an interrupted change is\n"
          "completed or undone first. Exit status 1 if the file does not open, 2 for bad arguments.\n",
          runDb},
