@@ -45,7 +45,8 @@ fuzz: deps
 demo: build
 	bash scripts/demo.sh build/release/bin/orvanta
 
-bench: deps
+bench:
+	@bash scripts/install-deps.sh --bench
 	cmake -S . -B build/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DORVANTA_TESTS=OFF -DORVANTA_BENCH=ON
 	cmake --build build/bench -j $(JOBS)
 	bash bench/run-all.sh build/bench

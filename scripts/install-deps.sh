@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and demonstrating Orvanta need.
-# Idempotent: packages already present are skipped, and apt is not touched when nothing is missing.
+# Usage: install-deps.sh [--bench]. Idempotent: packages already present are skipped, and apt is not touched when nothing is missing.
 set -euo pipefail
 
 packages=(
@@ -40,6 +40,13 @@ packages=(
   lomiri-wallpapers-20.04
   mate-backgrounds
 )
+
+# With --bench: the reference tools the benchmark scripts time beside orvanta, and what makes their
+# input photographs.
+if [ "${1:-}" = "--bench" ]; then
+  packages+=(libvips-tools graphicsmagick libjpeg-turbo-progs libimage-exiftool-perl exiv2 exiftran
+             sqlite3 lmdb-utils hyperfine time)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,5 +1,5 @@
 #pragma once
-// The desktop's trash, after the freedesktop.org Trash specification, so that the file manager
+// The desktop's trash, laid out as freedesktop.org describes it, so that the file manager
 // lists what the library put there and can restore it.
 //
 // Contract: moveToTrash moves one file (or folder) into a trash on its own file system and records

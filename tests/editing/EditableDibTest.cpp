@@ -16,21 +16,14 @@
 #include "orvanta/foundation/NotifierListener.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
+#include "tests/support/ExceptionMessage.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
+using OrvantaTest::messageOf;
 using OrvantaTest::makePatternDib;
 
 namespace {
-
-std::u16string messageOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const Exception& e) {
-        return e.getMessage();
-    }
-    return u"(no exception)";
-}
 
 std::string bytesOf(Dib* dib) {
     return std::string(reinterpret_cast<char*>(dib->getBits()), dib->getBitsSize());

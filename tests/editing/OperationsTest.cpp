@@ -23,24 +23,17 @@
 #include "orvanta/pixels/ByteDib.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
+#include "tests/support/ExceptionMessage.h"
 #include "tests/editing/Photographs.h"
 #include "tests/support/TestData.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
+using OrvantaTest::messageOf;
 using OrvantaTest::makePatternDib;
 using OrvantaTest::packedPixels;
 
 namespace {
-
-std::u16string messageOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const Exception& e) {
-        return e.getMessage();
-    }
-    return u"(no exception)";
-}
 
 void copyPixels(Dib* to, Dib* from) {
     DibWalker source(from);

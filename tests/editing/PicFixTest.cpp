@@ -17,11 +17,13 @@
 #include "orvanta/pixels/ByteDib.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
+#include "tests/support/ExceptionMessage.h"
 #include "tests/editing/Photographs.h"
 #include "tests/support/TestData.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
+using OrvantaTest::messageOf;
 using Histogram = PicFixCurve::Histogram;
 
 namespace {
@@ -79,15 +81,6 @@ Rgb referencePixel(const PicFixCurve& curve, Rgb p) {
         return static_cast<int>(v);
     };
     return {channel(p.r), channel(p.g), channel(p.b)};
-}
-
-std::u16string messageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& e) {
-        return e.getMessage();
-    }
-    return u"(nothing thrown)";
 }
 
 }  // namespace

@@ -8,19 +8,10 @@
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/PixelHeap.h"
 #include "orvanta/pixels/StaticDib.h"
+#include "tests/support/ExceptionMessage.h"
 
 using namespace Orvanta;
-
-namespace {
-std::u16string messageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& e) {
-        return e.getMessage();
-    }
-    return u"(nothing thrown)";
-}
-}  // namespace
+using OrvantaTest::messageOf;
 
 TEST(DibSection, StrideRoundsRowsUpToFourBytes) {
     OwnedPtr<Dib> narrow = DibSection::create(1, 5, 3);
@@ -141,3 +132,4 @@ TEST(Dib, PlainDibsAnswerTheEditingExtensionWithNothing) {
     EXPECT_EQ(dib->getRotation(), 0);
     EXPECT_FALSE(dib->hasPicFix());
 }
+

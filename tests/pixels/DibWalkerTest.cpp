@@ -16,22 +16,15 @@
 #include "orvanta/pixels/DibWalker.h"
 #include "orvanta/pixels/PixelHeap.h"
 #include "orvanta/pixels/StaticDib.h"
+#include "tests/support/ExceptionMessage.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
+using OrvantaTest::messageOf;
 using OrvantaTest::makePatternDib;
 using OrvantaTest::packedPixels;
 
 namespace {
-
-std::u16string messageOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const Exception& e) {
-        return e.getMessage();
-    }
-    return u"(no exception)";
-}
 
 // A walker that also offers the plain walk that copyFrom's fast roads must agree with.
 class PlainWalker : public DibWalker {
