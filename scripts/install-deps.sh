@@ -33,9 +33,13 @@ packages=(
   libturbojpeg0-dev
   libexif-dev
   libtiff-dev
-  # reference decoders the tests compare against
+  # reference tools the tests compare against: decoders (ImageMagick, GraphicsMagick, djpeg),
+  # jpegtran's rotation, exiftool's tag reading, tiffinfo
   imagemagick
+  graphicsmagick
   libjpeg-turbo-progs
+  libimage-exiftool-perl
+  libtiff-tools
   # real photographs for the demo
   lomiri-wallpapers-20.04
   mate-backgrounds
@@ -44,7 +48,7 @@ packages=(
 # With --bench: the reference tools the benchmark scripts time beside orvanta, and what makes their
 # input photographs.
 if [ "${1:-}" = "--bench" ]; then
-  packages+=(libvips-tools graphicsmagick libjpeg-turbo-progs libimage-exiftool-perl exiv2 exiftran
+  packages+=(libvips-tools exiv2 exiftran
              sqlite3 lmdb-utils hyperfine time)
 fi
 
