@@ -5,6 +5,7 @@
 
 #include "orvanta/foundation/Size.h"
 #include "orvanta/platform/CString.h"
+#include "orvanta/platform/Messages.h"
 
 namespace Orvanta {
 
@@ -23,5 +24,13 @@ CString setCurDirectory(const char16_t* path);
 bool launch(const char16_t* file, bool fromAppDirectory = false, const char16_t* parameters = nullptr);
 // Logical pixels per inch of the screen, across and down.
 Size getScreenResolution();
+// A file's property sheet belongs to the Windows shell; the Linux desktops offer nothing a program
+// can open for one, so the answer is always false.
+bool showWindowsExplorerProperties(HWND window, const char16_t* path, const char16_t* pageName);
+// The library's answers to the questions about the Windows version that callers still ask: this is
+// not one of the old Windows 9x line, and it has everything Windows XP brought.
+bool isWin9x();
+bool isWinMe();
+bool isWindowsXPOrGreater();
 
 }  // namespace Orvanta
