@@ -75,16 +75,21 @@ void reverseRows(unsigned char* bits, int stride, int height) {
 
 }  // namespace
 
-BmpCodec* BmpCodec::create() { return new (std::nothrow) BmpCodec(); }
+BmpCodec* BmpCodec::create() {
+    return new (std::nothrow) BmpCodec();
+}
 
-BmpCodec::BmpCodec() { mExtensions.push_back(u"bmp"); }
+BmpCodec::BmpCodec() {
+    mExtensions.push_back(u"bmp");
+}
 
 Dib* BmpCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) {
     OwnedPtr<File> file = File::create(path);
     if (!file || !file->open(true)) return nullptr;
 
     BITMAPFILEHEADER fileHeader;
-    if (!file->read(&fileHeader, sizeof fileHeader) || fileHeader.bfType != BmpFormat::kSignature) return nullptr;
+    if (!file->read(&fileHeader, sizeof fileHeader) || fileHeader.bfType != BmpFormat::kSignature)
+        return nullptr;
     BITMAPINFOHEADER header;
     if (!file->read(&header, sizeof header) || header.biBitCount < 24) return nullptr;
     if (header.biWidth <= 0 || header.biHeight == 0 || header.biHeight == INT_MIN) return nullptr;
@@ -106,7 +111,8 @@ Dib* BmpCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, in
 
     const long long size = rowBytes(header) * height;
     if (size != dib->getBitsSize() || fileHeader.bfOffBits > INT_MAX) return nullptr;
-    if (!file->seek(static_cast<int>(fileHeader.bfOffBits)) || !file->read(dib->getBits(), static_cast<int>(size)))
+    if (!file->seek(static_cast<int>(fileHeader.bfOffBits)) ||
+        !file->read(dib->getBits(), static_cast<int>(size)))
         return nullptr;
     if (header.biHeight > 0) reverseRows(dib->getBits(), dib->getStride(), height);
     if (!standardMasks) remapThroughMasks(dib->getBits(), dib->getStride(), dib->getSize(), masks);
@@ -160,7 +166,8 @@ int BmpCodec::write(Dib* dib, const char16_t* path, ImageQuality quality) {
     if (topDown) {
         // Gather rows bottom-up into blocks of about a megabyte, so a big picture costs few writes.
         const int rowsPerBlock = std::max(1, (1 << 20) / std::max(stride, 1));
-        std::unique_ptr<unsigned char[]> block(new (std::nothrow) unsigned char[static_cast<std::size_t>(rowsPerBlock) * stride]);
+        std::unique_ptr<unsigned char[]> block(
+            new (std::nothrow) unsigned char[static_cast<std::size_t>(rowsPerBlock) * stride]);
         ok = ok && block != nullptr;
         for (int row = size.cy - 1; ok && row >= 0;) {
             int filled = 0;

@@ -3,9 +3,9 @@
 //
 // Contract: read gives a top-down DibSection of the file's pixels, or null for a file that is not a
 // BMP of 24 or 32 bits or is cut short, or is compressed; 32-bit pixels laid out by colour masks are
-// rearranged into blue, green, red (and alpha where a mask gives one). A header of more than 32 bits per pixel throws the
-// DibSection exception. getInfo trusts the header's size fields without checking the signature.
-// write stores 24- or 32-bit pictures bottom-up with a 54-byte header, into a new file that takes
+// rearranged into blue, green, red (and alpha where a mask gives one). A header of more than 32 bits per
+// pixel throws the DibSection exception. getInfo trusts the header's size fields without checking the
+// signature. write stores 24- or 32-bit pictures bottom-up with a 54-byte header, into a new file that takes
 // the place of any file of that name only once it is complete.
 
 #include "orvanta/codecs/ImageCodec.h"

@@ -29,10 +29,10 @@ ORVANTA_IU_API int orvantaIUGetImageFileInformationU8(const char* path, int* typ
  * (-1: that side is free); quality as above. Returns 0 on failure, 1 for a plain copy, else the OR of
  * 4 (the format changed), 8 (the picture was made smaller) and 16 (the quality differs from the
  * source's). A JPEG written from a JPEG keeps its EXIF, XMP, IPTC and comment segments. */
-ORVANTA_IU_API int orvantaIUDownsizeAndConvertFile(const char16_t* source, const char16_t* destination, int maxWidth,
-                                                   int maxHeight, int quality);
-ORVANTA_IU_API int orvantaIUDownsizeAndConvertFileU8(const char* source, const char* destination, int maxWidth,
-                                                     int maxHeight, int quality);
+ORVANTA_IU_API int orvantaIUDownsizeAndConvertFile(const char16_t* source, const char16_t* destination,
+                                                   int maxWidth, int maxHeight, int quality);
+ORVANTA_IU_API int orvantaIUDownsizeAndConvertFileU8(const char* source, const char* destination,
+                                                     int maxWidth, int maxHeight, int quality);
 /* Non-zero when a codec is registered for the file's extension. */
 ORVANTA_IU_API int orvantaIUIsFileTypeSupported(const char16_t* path);
 ORVANTA_IU_API int orvantaIUIsFileTypeSupportedU8(const char* path);

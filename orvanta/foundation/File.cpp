@@ -18,11 +18,15 @@ namespace Orvanta {
 
 using Platform::FileSystem;
 
-File* File::create(const char16_t* path) { return new (std::nothrow) File(path); }
+File* File::create(const char16_t* path) {
+    return new (std::nothrow) File(path);
+}
 
 File::File(const char16_t* path) : mPath(path) {}
 
-File::~File() { close(); }
+File::~File() {
+    close();
+}
 
 bool File::openWith(int flags, bool readOnly) {
     FileSystem& fs = FileSystem::current();
@@ -38,9 +42,13 @@ bool File::openWith(int flags, bool readOnly) {
     return true;
 }
 
-bool File::open(bool readOnly) { return isOpen() || openWith(0, readOnly); }
+bool File::open(bool readOnly) {
+    return isOpen() || openWith(0, readOnly);
+}
 
-bool File::create(bool readOnly) { return isOpen() || openWith(O_CREAT | O_EXCL, readOnly); }
+bool File::create(bool readOnly) {
+    return isOpen() || openWith(O_CREAT | O_EXCL, readOnly);
+}
 
 void File::close() {
     if (!isOpen()) return;
@@ -69,17 +77,26 @@ void File::unmap() {
     mMappingSize = 0;
 }
 
-void* File::getView() { return map(); }
-bool File::isOpen() { return mHandle >= 0; }
-bool File::isMapped() { return mView != nullptr; }
-bool File::isReadOnly() { return isOpen() ? mReadOnly : true; }
+void* File::getView() {
+    return map();
+}
+bool File::isOpen() {
+    return mHandle >= 0;
+}
+bool File::isMapped() {
+    return mView != nullptr;
+}
+bool File::isReadOnly() {
+    return isOpen() ? mReadOnly : true;
+}
 
 bool File::read(void* buffer, int size) {
     if (!isOpen() || isMapped() || size < 0) return false;
     auto* out = static_cast<unsigned char*>(buffer);
     int done = 0;
     while (done < size) {
-        const ssize_t n = FileSystem::current().read(mHandle, out + done, static_cast<std::size_t>(size - done));
+        const ssize_t n =
+            FileSystem::current().read(mHandle, out + done, static_cast<std::size_t>(size - done));
         if (n <= 0) return false;
         done += static_cast<int>(n);
     }
@@ -106,15 +123,20 @@ bool File::write(const void* data, int size) {
     const auto* in = static_cast<const unsigned char*>(data);
     int done = 0;
     while (done < size) {
-        const ssize_t n = FileSystem::current().write(mHandle, in + done, static_cast<std::size_t>(size - done));
+        const ssize_t n =
+            FileSystem::current().write(mHandle, in + done, static_cast<std::size_t>(size - done));
         if (n <= 0) return false;
         done += static_cast<int>(n);
     }
     return true;
 }
 
-int File::handle() { return getHandle(); }
-int File::getHandle() { return mHandle; }
+int File::handle() {
+    return getHandle();
+}
+int File::getHandle() {
+    return mHandle;
+}
 
 bool File::seek(int position) {
     if (!isOpen()) return false;
@@ -180,7 +202,9 @@ bool File::setTimes(const FILETIME* creation, const FILETIME* access, const FILE
     return FileSystem::current().setTimes(mHandle, times) == 0;
 }
 
-bool File::flush() { return isOpen() && FileSystem::current().sync(mHandle) == 0; }
+bool File::flush() {
+    return isOpen() && FileSystem::current().sync(mHandle) == 0;
+}
 
 int File::getSize(const char16_t* path) {
     OwnedPtr<File> file = File::create(path);
@@ -213,8 +237,10 @@ bool File::copyNew(const char* from, const char* to) {
         }
         for (ssize_t done = 0; ok && done < n;) {
             const ssize_t w = fs.write(out, buffer.get() + done, static_cast<std::size_t>(n - done));
-            if (w <= 0) ok = false;
-            else done += w;
+            if (w <= 0)
+                ok = false;
+            else
+                done += w;
         }
         if (!ok) break;
     }

@@ -10,7 +10,9 @@ bool Notifier::ListenerOrder::operator()(const NotifierListener* a, const Notifi
     return reinterpret_cast<std::uintptr_t>(a) < reinterpret_cast<std::uintptr_t>(b);
 }
 
-Notifier::~Notifier() { delete mMap; }
+Notifier::~Notifier() {
+    delete mMap;
+}
 
 void Notifier::addListener(NotifierListener* listener) {
     if (mMap) {
@@ -58,7 +60,9 @@ int Notifier::getListenerCount() {
     return mListener ? 1 : 0;
 }
 
-void Notifier::setSuspended(bool suspended) { mEnabled = !suspended; }
+void Notifier::setSuspended(bool suspended) {
+    mEnabled = !suspended;
+}
 
 void Notifier::forgetInWalks(NotifierListener* listener) {
     for (Walk* walk = mWalk; walk; walk = walk->outer) {

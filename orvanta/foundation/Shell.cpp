@@ -42,10 +42,18 @@ Size getScreenResolution() {
     return Size(Platform::screenResolution());
 }
 
-bool showWindowsExplorerProperties(HWND window, const char16_t* path, const char16_t* pageName) { return false; }
+bool showWindowsExplorerProperties(HWND window, const char16_t* path, const char16_t* pageName) {
+    return false;
+}
 
-bool isWin9x() { return false; }
-bool isWinMe() { return false; }
-bool isWindowsXPOrGreater() { return true; }
+bool isWin9x() {
+    return false;
+}
+bool isWinMe() {
+    return false;
+}
+bool isWindowsXPOrGreater() {
+    return true;
+}
 
 }  // namespace Orvanta

@@ -14,8 +14,14 @@ public:
     Size(const CSize& size) : CSize(size) {}
 
     void assign(const Size& size) { *this = size; }
-    void assign(const CSize& size) { cx = size.cx; cy = size.cy; }
-    void assign(int width, int height) { cx = width; cy = height; }
+    void assign(const CSize& size) {
+        cx = size.cx;
+        cy = size.cy;
+    }
+    void assign(int width, int height) {
+        cx = width;
+        cy = height;
+    }
 
     int getWidth() const { return cx; }
     int getHeight() const { return cy; }

@@ -25,10 +25,18 @@ ByteDib::ByteDib(unsigned char* bits, int width, int height)
     mInfo.bmiHeader.biBitCount = 8;
 }
 
-ByteDib::~ByteDib() { delete[] mBits; }
+ByteDib::~ByteDib() {
+    delete[] mBits;
+}
 
-BITMAPINFO* ByteDib::getBitmapInfo() const { return &mInfo; }
-BITMAPINFOHEADER* ByteDib::getBitmapInfoHeader() const { return &mInfo.bmiHeader; }
-int ByteDib::getBitsSize() const { return strideFor(mWidth, 1) * mHeight; }
+BITMAPINFO* ByteDib::getBitmapInfo() const {
+    return &mInfo;
+}
+BITMAPINFOHEADER* ByteDib::getBitmapInfoHeader() const {
+    return &mInfo.bmiHeader;
+}
+int ByteDib::getBitsSize() const {
+    return strideFor(mWidth, 1) * mHeight;
+}
 
 }  // namespace Orvanta

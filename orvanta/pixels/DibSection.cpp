@@ -6,7 +6,8 @@
 
 namespace Orvanta {
 
-DibSection::DibSection(const BITMAPINFO& info, HBITMAP bitmap) : StaticDib(info, bitmap->bits()), mBitmap(bitmap) {}
+DibSection::DibSection(const BITMAPINFO& info, HBITMAP bitmap)
+    : StaticDib(info, bitmap->bits()), mBitmap(bitmap) {}
 
 DibSection::~DibSection() {
     Platform::Bitmap::deleteObject(mBitmap);

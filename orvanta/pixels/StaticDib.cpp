@@ -12,7 +12,9 @@ StaticDib* StaticDib::create(const BITMAPINFO& info, unsigned char* bits) {
     return new (std::nothrow) StaticDib(info, bits);
 }
 
-StaticDib::~StaticDib() { PixelHeap::release(mBits); }
+StaticDib::~StaticDib() {
+    PixelHeap::release(mBits);
+}
 
 int StaticDib::getBitsSize() const {
     const BITMAPINFOHEADER& h = mInfo.bmiHeader;
@@ -20,6 +22,8 @@ int StaticDib::getBitsSize() const {
     return strideFor(h.biWidth, h.biBitCount / 8) * std::abs(h.biHeight);
 }
 
-CSize StaticDib::getSize() const { return CSize(mInfo.bmiHeader.biWidth, std::abs(mInfo.bmiHeader.biHeight)); }
+CSize StaticDib::getSize() const {
+    return CSize(mInfo.bmiHeader.biWidth, std::abs(mInfo.bmiHeader.biHeight));
+}
 
 }  // namespace Orvanta

@@ -87,7 +87,9 @@ Bitmap::~Bitmap() {
         std::free(mBits);
 }
 
-void Bitmap::deleteObject(Bitmap* bitmap) { delete bitmap; }
+void Bitmap::deleteObject(Bitmap* bitmap) {
+    delete bitmap;
+}
 
 int Bitmap::getObject(int size, void* out) const {
     BITMAP bm{};

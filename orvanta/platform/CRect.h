@@ -22,7 +22,9 @@ struct CRect {
     constexpr CSize size() const { return CSize(width(), height()); }
     constexpr CPoint topLeft() const { return CPoint(left, top); }
     constexpr bool isEmpty() const { return right <= left || bottom <= top; }
-    constexpr bool contains(CPoint p) const { return p.x >= left && p.x < right && p.y >= top && p.y < bottom; }
+    constexpr bool contains(CPoint p) const {
+        return p.x >= left && p.x < right && p.y >= top && p.y < bottom;
+    }
 
     friend constexpr bool operator==(const CRect&, const CRect&) = default;
 };

@@ -11,8 +11,8 @@ CString CString::fromUtf8(std::string_view utf8) {
     if (utf8.empty()) return CString();
     UErrorCode status = U_ZERO_ERROR;
     int32_t needed = 0;
-    u_strFromUTF8WithSub(nullptr, 0, &needed, utf8.data(), static_cast<int32_t>(utf8.size()), 0xFFFD,
-                         nullptr, &status);
+    u_strFromUTF8WithSub(nullptr, 0, &needed, utf8.data(), static_cast<int32_t>(utf8.size()), 0xFFFD, nullptr,
+                         &status);
     std::u16string out(static_cast<std::size_t>(needed), u'\0');
     status = U_ZERO_ERROR;
     u_strFromUTF8WithSub(reinterpret_cast<UChar*>(out.data()), needed, nullptr, utf8.data(),
@@ -47,8 +47,10 @@ CString& CString::makeLower() {
     // ASCII is the common case (extensions, property names) and needs no trip through ICU.
     bool ascii = true;
     for (char16_t& c : mText) {
-        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
-        else if (c >= 0x80) ascii = false;
+        if (c >= u'A' && c <= u'Z')
+            c = static_cast<char16_t>(c + 32);
+        else if (c >= 0x80)
+            ascii = false;
     }
     if (ascii) return *this;
     UErrorCode status = U_ZERO_ERROR;

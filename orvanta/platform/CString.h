@@ -47,16 +47,27 @@ public:
     CString& makeLower();
     CString lowered() const;
 
-    CString& operator+=(const CString& other) { mText += other.mText; return *this; }
-    CString& operator+=(const char16_t* other) { mText += other; return *this; }
-    CString& operator+=(char16_t c) { mText += c; return *this; }
+    CString& operator+=(const CString& other) {
+        mText += other.mText;
+        return *this;
+    }
+    CString& operator+=(const char16_t* other) {
+        mText += other;
+        return *this;
+    }
+    CString& operator+=(char16_t c) {
+        mText += c;
+        return *this;
+    }
     friend CString operator+(CString a, const CString& b) { return a += b; }
     friend CString operator+(CString a, const char16_t* b) { return a += b; }
 
     friend bool operator==(const CString& a, const CString& b) { return a.mText == b.mText; }
     friend bool operator==(const CString& a, const char16_t* b) { return a.mText == (b ? b : u""); }
     // Ordinal (code unit) order, for keys of ordered containers.
-    friend std::strong_ordering operator<=>(const CString& a, const CString& b) { return a.mText <=> b.mText; }
+    friend std::strong_ordering operator<=>(const CString& a, const CString& b) {
+        return a.mText <=> b.mText;
+    }
 
 private:
     std::u16string mText;

@@ -18,7 +18,8 @@ inline FILETIME toFileTime(const struct timespec& t) {
 }
 
 inline struct timespec toTimespec(const FILETIME& f) {
-    const unsigned long long ticks = (static_cast<unsigned long long>(f.dwHighDateTime) << 32) | f.dwLowDateTime;
+    const unsigned long long ticks =
+        (static_cast<unsigned long long>(f.dwHighDateTime) << 32) | f.dwLowDateTime;
     struct timespec t;
     t.tv_sec = static_cast<time_t>(ticks / 10000000ULL) - kFileTimeEpochOffset;
     t.tv_nsec = static_cast<long>(ticks % 10000000ULL) * 100L;

@@ -31,8 +31,8 @@ protected:
 
 TEST_F(BmpCodecTest, ReadsEveryTrueColourFileAsTheReferenceDecoderDoes) {
     ORVANTA_REQUIRE_TESTDATA();
-    const char* files[] = {"rgb24-bottomup-127x64-pad3.bmp", "rgb24-topdown-6x6.bmp", "rgb24-bottomup-6x6.bmp",
-                           "rgb24-photo-119x96-pad3.bmp", "rgb32-127x64.bmp"};
+    const char* files[] = {"rgb24-bottomup-127x64-pad3.bmp", "rgb24-topdown-6x6.bmp",
+                           "rgb24-bottomup-6x6.bmp", "rgb24-photo-119x96-pad3.bmp", "rgb32-127x64.bmp"};
     for (const char* name : files) {
         SCOPED_TRACE(name);
         CSize size;
@@ -109,7 +109,8 @@ TEST_F(BmpCodecTest, TruncatedPixelsGiveNull) {
     ORVANTA_REQUIRE_TESTDATA();
     TempDir dir;
     const std::string whole = readFileBytes(testDataPath("bmp/rgb24-photo-119x96-pad3.bmp"));
-    for (std::size_t cut : {std::size_t(0), std::size_t(10), std::size_t(53), whole.size() / 2, whole.size() - 1}) {
+    for (std::size_t cut :
+         {std::size_t(0), std::size_t(10), std::size_t(53), whole.size() / 2, whole.size() - 1}) {
         writeFileBytes(dir.file("cut.bmp"), whole.substr(0, cut));
         EXPECT_EQ(codec->read(dir.wide("cut.bmp"), nullptr, 0, 0), nullptr) << "cut at " << cut;
     }

@@ -12,7 +12,9 @@ namespace {
 // A codec that reads nothing, for exercising the registry alone.
 class FakeImageCodec : public ImageCodec {
 public:
-    FakeImageCodec(std::vector<CString> extensions, ImageType type) : mType(type) { mExtensions = std::move(extensions); }
+    FakeImageCodec(std::vector<CString> extensions, ImageType type) : mType(type) {
+        mExtensions = std::move(extensions);
+    }
     ImageType getImageType() override { return mType; }
     Dib* read(const char16_t*, CSize*, int, int) override { return nullptr; }
     bool getInfo(const char16_t*, CSize* size, ImageQuality*) override {

@@ -52,9 +52,12 @@ TEST(FlatInterface, KnownTypeOfAMissingFileStillReportsItsType) {
     orvantaIUInit();
     int type = 0, width = 7, height = 7;
     // The size cannot be read, but nothing was thrown: the answer is true with a zero size.
-    EXPECT_TRUE(orvantaIUGetImageFileInformationU8("/nonexistent/picture.bmp", &type, &width, &height, nullptr));
+    EXPECT_TRUE(
+        orvantaIUGetImageFileInformationU8("/nonexistent/picture.bmp", &type, &width, &height, nullptr));
     EXPECT_EQ(type, 3);
     EXPECT_EQ(width, 0);
 }
 
-TEST(FlatInterface, VersionIsFixed) { EXPECT_EQ(GetOrvantaVersion(), 0x10001); }
+TEST(FlatInterface, VersionIsFixed) {
+    EXPECT_EQ(GetOrvantaVersion(), 0x10001);
+}

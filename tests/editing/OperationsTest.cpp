@@ -23,14 +23,14 @@
 #include "orvanta/pixels/ByteDib.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
-#include "tests/support/ExceptionMessage.h"
 #include "tests/editing/Photographs.h"
+#include "tests/support/ExceptionMessage.h"
 #include "tests/support/TestData.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
-using OrvantaTest::messageOf;
 using OrvantaTest::makePatternDib;
+using OrvantaTest::messageOf;
 using OrvantaTest::packedPixels;
 
 namespace {

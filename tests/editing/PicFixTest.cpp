@@ -17,8 +17,8 @@
 #include "orvanta/pixels/ByteDib.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/DibWalker.h"
-#include "tests/support/ExceptionMessage.h"
 #include "tests/editing/Photographs.h"
+#include "tests/support/ExceptionMessage.h"
 #include "tests/support/TestData.h"
 #include "tests/support/TestPictures.h"
 

@@ -20,7 +20,9 @@ using OrvantaTest::TempDir;
 using OrvantaTest::writeFileBytes;
 
 namespace {
-OwnedPtr<File> fileAt(const TempDir& dir, const std::string& name) { return File::create(dir.wide(name)); }
+OwnedPtr<File> fileAt(const TempDir& dir, const std::string& name) {
+    return File::create(dir.wide(name));
+}
 }  // namespace
 
 TEST(File, NewFileIsClosedAndAnswersAsClosed) {

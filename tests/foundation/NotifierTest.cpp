@@ -70,7 +70,8 @@ TEST(Notifier, CallsByFallingPriorityThenRisingAddress) {
     Recorder listeners[4] = {{&log, 0}, {&log, 5}, {&log, 0}, {&log, -1}};
     for (auto& l : listeners) sender.addListener(&l);
     sender.notify(7);
-    const std::vector<const Recorder*> expected = {&listeners[1], &listeners[0], &listeners[2], &listeners[3]};
+    const std::vector<const Recorder*> expected = {&listeners[1], &listeners[0], &listeners[2],
+                                                   &listeners[3]};
     EXPECT_EQ(log, expected);
 }
 

@@ -62,7 +62,8 @@ TEST(DibSection, AdoptsAPlatformDibSectionButNotADeviceBitmap) {
     EXPECT_EQ(dib->getHBitmap(), section);
 
     HBITMAP device = Platform::Bitmap::createDeviceBitmap(5, 3);
-    EXPECT_EQ(messageOf([&] { DibSection::create(device); }), u"Cannot create DibSection from not DIB bitmap");
+    EXPECT_EQ(messageOf([&] { DibSection::create(device); }),
+              u"Cannot create DibSection from not DIB bitmap");
     Platform::Bitmap::deleteObject(device);
 }
 
@@ -132,4 +133,3 @@ TEST(Dib, PlainDibsAnswerTheEditingExtensionWithNothing) {
     EXPECT_EQ(dib->getRotation(), 0);
     EXPECT_FALSE(dib->hasPicFix());
 }
-

@@ -20,8 +20,8 @@
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
-using OrvantaTest::messageOf;
 using OrvantaTest::makePatternDib;
+using OrvantaTest::messageOf;
 using OrvantaTest::packedPixels;
 
 namespace {

@@ -15,7 +15,10 @@ TEST(CString, Utf8RoundTripKeepsEveryPlane) {
 }
 
 TEST(CString, InvalidUtf8BecomesReplacementCharacter) {
-    const CString wide = CString::fromUtf8(std::string("a\xff" "b", 3));
+    const CString wide =
+        CString::fromUtf8(std::string("a\xff"
+                                      "b",
+                                      3));
     ASSERT_EQ(wide.length(), 3u);
     EXPECT_EQ(wide[1], u'\xFFFD');
 }

@@ -2,8 +2,12 @@
 
 namespace OrvantaTest {
 
-FaultyFileSystem::FaultyFileSystem() { Orvanta::Platform::FileSystem::install(this); }
-FaultyFileSystem::~FaultyFileSystem() { Orvanta::Platform::FileSystem::install(nullptr); }
+FaultyFileSystem::FaultyFileSystem() {
+    Orvanta::Platform::FileSystem::install(this);
+}
+FaultyFileSystem::~FaultyFileSystem() {
+    Orvanta::Platform::FileSystem::install(nullptr);
+}
 
 ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
     if (mWriteBudget >= 0) {

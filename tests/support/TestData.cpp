@@ -14,9 +14,12 @@ std::string testDataDir() {
     return std::filesystem::canonical(dir, error).string();
 }
 
-std::string testDataPath(const std::string& relative) { return testDataDir() + "/" + relative; }
+std::string testDataPath(const std::string& relative) {
+    return testDataDir() + "/" + relative;
+}
 
-std::vector<std::string> testDataFiles(const std::string& folder, const std::vector<std::string>& extensions) {
+std::vector<std::string> testDataFiles(const std::string& folder,
+                                       const std::vector<std::string>& extensions) {
     std::vector<std::string> files;
     const std::string root = testDataDir();
     if (root.empty()) return files;

@@ -18,8 +18,8 @@ std::vector<std::string> testDataFiles(const std::string& folder, const std::vec
 
 }  // namespace OrvantaTest
 
-#define ORVANTA_REQUIRE_TESTDATA()                                                                    \
-    do {                                                                                             \
-        if (OrvantaTest::testDataDir().empty())                                                      \
+#define ORVANTA_REQUIRE_TESTDATA()                                                                  \
+    do {                                                                                            \
+        if (OrvantaTest::testDataDir().empty())                                                     \
             GTEST_SKIP() << "test data not found: ../shared/testdata is absent beside the project"; \
     } while (0)

@@ -1,8 +1,8 @@
 #include "tests/support/TestPictures.h"
 
-#include <cstdio>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <cstdio>
 
 #include "orvanta/pixels/DibSection.h"
 
@@ -11,7 +11,8 @@ namespace OrvantaTest {
 Orvanta::Dib* makePatternDib(int width, int height, int channels, unsigned seed) {
     Orvanta::DibSection* dib = Orvanta::DibSection::create(width, height, channels);
     unsigned char* bits = dib->getBits();
-    for (int i = 0; i < dib->getBitsSize(); ++i) bits[i] = static_cast<unsigned char>((i * 2654435761u + seed * 97u) >> 13);
+    for (int i = 0; i < dib->getBitsSize(); ++i)
+        bits[i] = static_cast<unsigned char>((i * 2654435761u + seed * 97u) >> 13);
     return dib;
 }
 
@@ -35,8 +36,9 @@ std::string packedPixels(const Orvanta::Dib& dib) {
     std::string out;
     out.reserve(static_cast<std::size_t>(rowBytes) * size.cy);
     for (int y = 0; y < size.cy; ++y)
-        out.append(reinterpret_cast<const char*>(dib.getBits()) + static_cast<std::ptrdiff_t>(y) * dib.getStride(),
-                   rowBytes);
+        out.append(
+            reinterpret_cast<const char*>(dib.getBits()) + static_cast<std::ptrdiff_t>(y) * dib.getStride(),
+            rowBytes);
     return out;
 }
 

@@ -10,7 +10,9 @@
 
 namespace OrvantaTest {
 
-bool toolAvailable() { return std::getenv("ORVANTA_TOOL") != nullptr; }
+bool toolAvailable() {
+    return std::getenv("ORVANTA_TOOL") != nullptr;
+}
 
 ToolRun runTool(const std::string& arguments) {
     ToolRun run;

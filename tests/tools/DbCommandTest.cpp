@@ -91,7 +91,8 @@ TEST_F(DbCommandTest, AddCataloguesReadablePicturesAndReportsTheRest) {
     int widths = 0;
     while (OwnedPtr<PropertyList> list = lists->next()) {
         const CString name = list->getValue(u"filename").asString();
-        EXPECT_EQ(list->getValue(u"folder").asString(), CString::fromUtf8(testDataDir() + (name == u"canon-ixus-640x480.jpg" ? "/jpeg" : "/bmp")));
+        EXPECT_EQ(list->getValue(u"folder").asString(),
+                  CString::fromUtf8(testDataDir() + (name == u"canon-ixus-640x480.jpg" ? "/jpeg" : "/bmp")));
         EXPECT_NE(run.output.find(list->getValue(PropertyList::kPropID).asUniqueID().asString().toUtf8()),
                   std::string::npos);
         EXPECT_FALSE(list->getValue(u"timestamp").asDateTime().isNull());

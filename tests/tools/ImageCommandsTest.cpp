@@ -101,7 +101,8 @@ TEST_F(ImageCommands, ThumbUsesTheEmbeddedPictureUnlessTold) {
     r = runTool("thumb '" + photo + "' '" + dir.file("v.bmp") + "' --box 64x64");
     EXPECT_EQ(dir.file("v.bmp") + "\t64\t48\tembedded\n", r.output)
         << "the embedded picture, fitted into the box";
-    r = runTool("thumb '" + testDataPath("jpeg/orientation-1-landscape.jpg") + "' '" + dir.file("w.jpg") + "'");
+    r = runTool("thumb '" + testDataPath("jpeg/orientation-1-landscape.jpg") + "' '" + dir.file("w.jpg") +
+                "'");
     EXPECT_EQ(dir.file("w.jpg") + "\t160\t106\tdecoded\n", r.output) << "no EXIF thumbnail in this file";
     EXPECT_EQ(2, runTool("thumb '" + photo + "'").status);
 }

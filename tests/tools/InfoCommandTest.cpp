@@ -10,7 +10,6 @@
 
 using namespace OrvantaTest;
 
-
 TEST(InfoCommand, PrintsOneTabSeparatedLinePerFile) {
     ORVANTA_REQUIRE_TESTDATA();
     const std::string good = testDataPath("bmp/rgb24-photo-119x96-pad3.bmp");
@@ -24,7 +23,8 @@ TEST(InfoCommand, ReportsUnsupportedAndUnreadableFilesAndFails) {
     writeFileBytes(dir.file("notes.txt"), "hello");
     const ToolRun run = runTool("info '" + dir.file("notes.txt") + "' '" + dir.file("missing.bmp") + "'");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.output, dir.file("notes.txt") + "\tunsupported\n" + dir.file("missing.bmp") + "\tunreadable\n");
+    EXPECT_EQ(run.output,
+              dir.file("notes.txt") + "\tunsupported\n" + dir.file("missing.bmp") + "\tunreadable\n");
 }
 
 TEST(InfoCommand, HelpDocumentsTheOutput) {

@@ -254,7 +254,8 @@ int runAdd(const std::string& path, const std::vector<std::string>& pictures) {
             std::printf("%s\tnot stored\n", picture.c_str());
             status = 1;
         } else {
-            std::printf("%s\t%s\n", picture.c_str(), idText(entry->getValue(PropertyList::kPropID).asUniqueID()).c_str());
+            std::printf("%s\t%s\n", picture.c_str(),
+                        idText(entry->getValue(PropertyList::kPropID).asUniqueID()).c_str());
         }
     }
     orvantaIUDeInit();
@@ -268,7 +269,8 @@ int runDb(const Arguments& arguments) {
     const bool add = arguments.size() >= 3 && arguments[0] == "add";
     if (!inspect && !add) {
         std::fprintf(stderr,
-                     "usage: orvanta db stats FILE\n       orvanta db dump FILE\n       orvanta db add FILE PICTURE...\n");
+                     "usage: orvanta db stats FILE\n       orvanta db dump FILE\n       orvanta db add FILE "
+                     "PICTURE...\n");
         return 2;
     }
     if (add) return runAdd(arguments[1], Arguments(arguments.begin() + 2, arguments.end()));

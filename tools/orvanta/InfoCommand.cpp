@@ -10,19 +10,27 @@ namespace OrvantaTool {
 namespace {
 const char* typeName(int type) {
     switch (type) {
-        case 1: return "jpeg";
-        case 2: return "tiff";
-        case 3: return "bmp";
-        default: return "unknown";
+        case 1:
+            return "jpeg";
+        case 2:
+            return "tiff";
+        case 3:
+            return "bmp";
+        default:
+            return "unknown";
     }
 }
 
 const char* qualityName(int quality) {
     switch (quality) {
-        case 0: return "normal";
-        case 1: return "draft";
-        case 2: return "high";
-        default: return "unknown";
+        case 0:
+            return "normal";
+        case 1:
+            return "draft";
+        case 2:
+            return "high";
+        default:
+            return "unknown";
     }
 }
 }  // namespace
@@ -44,7 +52,8 @@ int runInfo(const Arguments& arguments) {
             std::printf("%s\tunreadable\n", path.c_str());
             status = 1;
         } else {
-            std::printf("%s\t%s\t%d\t%d\t%s\n", path.c_str(), typeName(type), width, height, qualityName(quality));
+            std::printf("%s\t%s\t%d\t%d\t%s\n", path.c_str(), typeName(type), width, height,
+                        qualityName(quality));
         }
     }
     orvantaIUDeInit();

@@ -42,7 +42,8 @@ const std::vector<Command>& commands() {
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runEdit},
         {"batch-convert", "batch-convert SRC_DIR DST_DIR [--max WxH] [--quality Q] [--to EXT] [--jobs N]",
-         "usage: orvanta batch-convert SRC_DIR DST_DIR [--max WxH] [--quality normal|draft|high] [--to EXT] [--jobs N]\n"
+         "usage: orvanta batch-convert SRC_DIR DST_DIR [--max WxH] [--quality normal|draft|high] [--to EXT] "
+         "[--jobs N]\n"
          "\n"
          "Converts every picture directly in SRC_DIR into DST_DIR (made if missing), under the same name.\n"
          "  --max WxH      shrink pictures larger than W by H to fit in that box, keeping their shape\n"
