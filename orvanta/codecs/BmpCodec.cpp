@@ -12,6 +12,7 @@
 #include "orvanta/foundation/File.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/DibSection.h"
+#include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta {
 
@@ -154,14 +155,8 @@ int BmpCodec::write(Dib* dib, const char16_t* path, ImageQuality quality) {
     fileHeader.bfOffBits = BmpFormat::kPixelOffset;
 
     // The new file is complete and flushed before it replaces anything of the same name.
-    const CString target(path);
-    const CString temporary = target + u".orvanta-tmp";
-    OwnedPtr<File> file = File::create(temporary);
-    if (!file) return 0;
-    File::remove(temporary);
-    if (!file->create(false)) return 0;
-
-    bool ok = file->write(&fileHeader, sizeof fileHeader) && file->write(&header, sizeof header);
+    Platform::ReplacementFile file(CString(path).toUtf8());
+    bool ok = file.open() && file.write(&fileHeader, sizeof fileHeader) && file.write(&header, sizeof header);
     const unsigned char* bits = dib->getBits();
     if (topDown) {
         // Gather rows bottom-up into blocks of about a megabyte, so a big picture costs few writes.
@@ -174,17 +169,12 @@ int BmpCodec::write(Dib* dib, const char16_t* path, ImageQuality quality) {
             for (; filled < rowsPerBlock && row >= 0; ++filled, --row)
                 std::memcpy(block.get() + static_cast<std::ptrdiff_t>(filled) * stride,
                             bits + static_cast<std::ptrdiff_t>(row) * stride, stride);
-            ok = file->write(block.get(), filled * stride);
+            ok = file.write(block.get(), static_cast<std::size_t>(filled) * stride);
         }
     } else {
-        ok = ok && file->write(bits, static_cast<int>(pixelBytes));
+        ok = ok && file.write(bits, static_cast<std::size_t>(pixelBytes));
     }
-    ok = ok && file->flush();
-    file->close();
-    if (!ok || !File::replace(temporary, target)) {
-        File::remove(temporary);
-        return 0;
-    }
+    if (!ok || !file.commit()) return 0;
     return 1;
 }
 

@@ -202,10 +202,6 @@ bool File::setTimes(const FILETIME* creation, const FILETIME* access, const FILE
     return FileSystem::current().setTimes(mHandle, times) == 0;
 }
 
-bool File::flush() {
-    return isOpen() && FileSystem::current().sync(mHandle) == 0;
-}
-
 int File::getSize(const char16_t* path) {
     OwnedPtr<File> file = File::create(path);
     if (!file || !file->open(true)) return -1;

@@ -48,8 +48,6 @@ public:
     // at once and writing through a mapping of it cannot fail later for want of space (a full disk
     // fails here instead). On failure the size is left as it was.
     bool allocate(int size);
-    // Flushes what was written to the device, so that it survives a crash of the machine.
-    bool flush();
     const CString& getPath() const { return mPath; }
 
     static int getSize(const char16_t* path);
