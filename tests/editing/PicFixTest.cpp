@@ -23,36 +23,13 @@
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
+using OrvantaTest::makeDib;
 using OrvantaTest::messageOf;
+using OrvantaTest::pixelAt;
+using OrvantaTest::Rgb;
 using Histogram = PicFixCurve::Histogram;
 
 namespace {
-
-struct Rgb {
-    int r, g, b;
-};
-
-// A picture whose pixels come from f(x, y).
-Dib* makeDib(int width, int height, const std::function<Rgb(int, int)>& f, int channels = 3) {
-    DibSection* dib = DibSection::create(width, height, channels);
-    DibWalker w(dib);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const Rgb c = f(x, y);
-            w.goTo(x, y);
-            w.setPixel(static_cast<unsigned char>(c.r), static_cast<unsigned char>(c.g),
-                       static_cast<unsigned char>(c.b));
-        }
-    return dib;
-}
-
-Rgb pixelAt(Dib* dib, int x, int y) {
-    DibWalker w(dib);
-    w.goTo(x, y);
-    unsigned char r, g, b;
-    w.getPixel(r, g, b);
-    return {r, g, b};
-}
 
 Histogram histogramOf(std::initializer_list<std::pair<int, int>> bins) {
     Histogram h{};

@@ -20,17 +20,11 @@
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
+using OrvantaTest::makeDib;
+using OrvantaTest::pixelAt;
+using OrvantaTest::Rgb;
 
 namespace {
-
-struct Rgb {
-    int r, g, b;
-    bool operator==(const Rgb&) const = default;
-};
-
-std::ostream& operator<<(std::ostream& os, const Rgb& c) {
-    return os << "(" << c.r << "," << c.g << "," << c.b << ")";
-}
 
 // A blue-first picture held in plain memory, with the views the detector takes.
 class Picture {
@@ -93,31 +87,6 @@ Detection detect(Picture& in, int x, int y) {
 constexpr Rgb kGrey{60, 60, 60};
 constexpr Rgb kPupil{200, 40, 30};  // redness 227 - 71 = 156
 constexpr Rgb kRim{150, 60, 40};    // redness 194 - 100 = 94
-
-bool inside(int x, int y, const CRect& r) {
-    return x >= r.left && x < r.right && y >= r.top && y < r.bottom;
-}
-
-Dib* toDib(Picture& p, int width, int height) {
-    DibSection* dib = DibSection::create(width, height, 3);
-    DibWalker w(dib);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const Rgb c = p.get(x, y);
-            w.goTo(x, y);
-            w.setPixel(static_cast<unsigned char>(c.r), static_cast<unsigned char>(c.g),
-                       static_cast<unsigned char>(c.b));
-        }
-    return dib;
-}
-
-Rgb pixelAt(Dib* dib, int x, int y) {
-    DibWalker w(dib);
-    w.goTo(x, y);
-    unsigned char r, g, b;
-    w.getPixel(r, g, b);
-    return {r, g, b};
-}
 
 int redness(Rgb c) {
     return c.r - std::max(c.g, c.b);
@@ -404,7 +373,7 @@ TEST(RedeyeOp, CreateRefusesANegativeRadius) {
 
 TEST(RedeyeOp, ClickOnAPupilCorrectsItAndKeepsThePatch) {
     Picture p = pupilPicture(40, 30, 20, 15);
-    OwnedPtr<Dib> dib = toDib(p, 40, 30);
+    OwnedPtr<Dib> dib = makeDib(40, 30, [&](int x, int y) { return p.get(x, y); });
     OwnedPtr<RedeyeOp> op = RedeyeOp::create(DibPoint(20.5 / 40, 15.5 / 30), 10);
     UndoOp* raw = nullptr;
     OwnedPtr<Dib> out = op->doOp(dib, &raw);
@@ -422,7 +391,7 @@ TEST(RedeyeOp, ClickOnAPupilCorrectsItAndKeepsThePatch) {
 
 TEST(RedeyeOp, FourBytePixelsAreCorrectedAlike) {
     Picture p = pupilPicture(40, 30, 20, 15);
-    OwnedPtr<Dib> three = toDib(p, 40, 30);
+    OwnedPtr<Dib> three = makeDib(40, 30, [&](int x, int y) { return p.get(x, y); });
     OwnedPtr<Dib> four = DibSection::create(40, 30, 4);
     DibWalker from(three.get()), to(four.get());
     to.copyFrom(&from, false);
@@ -448,7 +417,7 @@ TEST(RedeyeOp, GreyPictureIsRefusedWithThePixelLayersMessage) {
 
 TEST(RedeyeOp, PatchIsTheBoxClippedToThePicture) {
     Picture p = pupilPicture(30, 20, 4, 3);
-    OwnedPtr<Dib> dib = toDib(p, 30, 20);
+    OwnedPtr<Dib> dib = makeDib(30, 20, [&](int x, int y) { return p.get(x, y); });
     OwnedPtr<RedeyeOp> op = RedeyeOp::create(DibPoint(4.5 / 30, 3.5 / 20), 10);
     UndoOp* raw = nullptr;
     OwnedPtr<Dib> out = op->doOp(dib, &raw);
@@ -463,7 +432,7 @@ TEST(RedeyeOp, PatchIsTheBoxClippedToThePicture) {
 
 TEST(RedeyeOp, ClickOnNothingLeavesNoHistoryAndKeepsRedo) {
     Picture p = pupilPicture(40, 30, 30, 15);
-    OwnedPtr<Dib> dib = toDib(p, 40, 30);
+    OwnedPtr<Dib> dib = makeDib(40, 30, [&](int x, int y) { return p.get(x, y); });
     OwnedPtr<EditableDib> editable = new EditableDib(dib);
     OwnedPtr<RedeyeOp> onPupil = RedeyeOp::create(DibPoint(30.5 / 40, 15.5 / 30), 5);
     ASSERT_TRUE(editable->doOp(onPupil));
@@ -482,7 +451,7 @@ TEST(RedeyeOp, ClickOnNothingLeavesNoHistoryAndKeepsRedo) {
 
 TEST(RedeyeOp, ClickOffThePictureFindsNothing) {
     Picture p = pupilPicture(40, 30, 20, 15);
-    OwnedPtr<Dib> dib = toDib(p, 40, 30);
+    OwnedPtr<Dib> dib = makeDib(40, 30, [&](int x, int y) { return p.get(x, y); });
     for (DibPoint click :
          {DibPoint(1.0, 0.5), DibPoint(-0.2, 0.5), DibPoint(1e12, -1e12), DibPoint(0.5, 1.7)}) {
         OwnedPtr<RedeyeOp> op = RedeyeOp::create(click, 8);
@@ -495,7 +464,7 @@ TEST(RedeyeOp, ClickOffThePictureFindsNothing) {
 
 TEST(RedeyeOp, RedFillingTheBoxRecordsAnEditWithTheSamePixels) {
     Picture p(30, 30, [](int, int) { return kPupil; });
-    OwnedPtr<Dib> dib = toDib(p, 30, 30);
+    OwnedPtr<Dib> dib = makeDib(30, 30, [&](int x, int y) { return p.get(x, y); });
     OwnedPtr<EditableDib> editable = new EditableDib(dib);
     OwnedPtr<RedeyeOp> op = RedeyeOp::create(DibPoint(0.5, 0.5), 6);
     ASSERT_TRUE(editable->doOp(op));
@@ -506,7 +475,8 @@ TEST(RedeyeOp, RedFillingTheBoxRecordsAnEditWithTheSamePixels) {
 TEST(RedeyeOp, MasksAreReusedWithoutCarryingAnythingOver) {
     Picture big = pupilPicture(40, 30, 20, 15);
     Picture other = pupilPicture(40, 30, 12, 10);
-    OwnedPtr<Dib> first = toDib(big, 40, 30), second = toDib(other, 40, 30);
+    OwnedPtr<Dib> first = makeDib(40, 30, [&](int x, int y) { return big.get(x, y); }),
+                  second = makeDib(40, 30, [&](int x, int y) { return other.get(x, y); });
     OwnedPtr<RedeyeOp> reused = RedeyeOp::create(DibPoint(0.3, 0.35), 9);
     OwnedPtr<Dib> a = reused->doOp(first, nullptr);
     OwnedPtr<Dib> b = reused->doOp(second, nullptr);
@@ -550,7 +520,7 @@ void checkPhotograph(Dib* photo, std::vector<Eye> eyes, int radius) {
         const CRect box(eye.x - radius, eye.y - radius, eye.x + radius + 1, eye.y + radius + 1);
         for (int y = 0; y < size.cy; y += 1)
             for (int x = 0; x < size.cx; x += 1)
-                if (!inside(x, y, box))
+                if (!box.contains(CPoint(x, y)))
                     ASSERT_EQ(pixelAt(editable, x, y), pixelAt(photo, x, y)) << x << "," << y;
         const std::string fixed = OrvantaTest::packedPixels(*editable);
 

@@ -2,22 +2,13 @@
 
 #include <gtest/gtest.h>
 
-using namespace Orvanta;
+#include "tests/support/TestPictures.h"
 
-namespace {
-BITMAPINFO header(int width, int height, int bits) {
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = static_cast<WORD>(bits);
-    return info;
-}
-}  // namespace
+using namespace Orvanta;
+using OrvantaTest::bitmapHeader;
 
 TEST(Bitmap, DibSectionIsZeroedAndReportsItselfAsDibSection) {
-    HBITMAP bitmap = Platform::Bitmap::createDibSection(header(5, -3, 24));
+    HBITMAP bitmap = Platform::Bitmap::createDibSection(bitmapHeader(5, -3, 24));
     ASSERT_NE(bitmap, nullptr);
     for (int i = 0; i < 16 * 3; ++i) ASSERT_EQ(bitmap->bits()[i], 0);
     DIBSECTION section;
@@ -36,8 +27,8 @@ TEST(Bitmap, DeviceBitmapAnswersOnlyTheShortRecord) {
 }
 
 TEST(Bitmap, RefusesBlocksBeyondAnIntInsteadOfOverflowing) {
-    EXPECT_EQ(Platform::Bitmap::createDibSection(header(3000000, 2000000, 24)), nullptr);
-    EXPECT_EQ(Platform::Bitmap::createDibSection(header(0, 10, 24)), nullptr);
-    EXPECT_EQ(Platform::Bitmap::createDibSection(header(10, 0, 24)), nullptr);
-    EXPECT_EQ(Platform::Bitmap::createDibSection(header(10, 10, 7)), nullptr);
+    EXPECT_EQ(Platform::Bitmap::createDibSection(bitmapHeader(3000000, 2000000, 24)), nullptr);
+    EXPECT_EQ(Platform::Bitmap::createDibSection(bitmapHeader(0, 10, 24)), nullptr);
+    EXPECT_EQ(Platform::Bitmap::createDibSection(bitmapHeader(10, 0, 24)), nullptr);
+    EXPECT_EQ(Platform::Bitmap::createDibSection(bitmapHeader(10, 10, 7)), nullptr);
 }

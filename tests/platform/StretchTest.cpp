@@ -6,24 +6,16 @@
 
 #include "orvanta/platform/Bitmap.h"
 #include "orvanta/platform/Stretch.h"
+#include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
+using OrvantaTest::bitmapHeader;
 
 namespace {
 
-BITMAPINFO header(int width, int height, int bits) {
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = static_cast<WORD>(bits);
-    return info;
-}
-
 struct Target {
     explicit Target(int width, int height, int bits = 24)
-        : bitmap(Platform::Bitmap::createDibSection(header(width, -height, bits))) {}
+        : bitmap(Platform::Bitmap::createDibSection(bitmapHeader(width, -height, bits))) {}
     ~Target() { Platform::Bitmap::deleteObject(bitmap); }
     const unsigned char* pixel(int x, int y) const {
         const BITMAPINFOHEADER& h = bitmap->header();
@@ -46,7 +38,7 @@ TEST(Stretch, SourceRowsCountFromTheBottomInBothRowOrders) {
     for (bool bottomUp : {false, true}) {
         unsigned char bits[32] = {};
         fillRows(bits, bottomUp);
-        const BITMAPINFO info = header(2, bottomUp ? 4 : -4, 24);
+        const BITMAPINFO info = bitmapHeader(2, bottomUp ? 4 : -4, 24);
         Target target(2, 2);
         // Rows 1 and 2 from the bottom are the picture's rows 2 and 1 from the top: 30 then 20.
         EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 2, 2, 0, 1, 2, 2, bits, info), 2);
@@ -59,16 +51,21 @@ TEST(Stretch, ShrinkingAveragesTheCoveredArea) {
     unsigned char bits[32] = {};
     fillRows(bits, false);
     Target target(1, 1, 32);
-    ASSERT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 1, 1, 0, 0, 2, 4, bits, header(2, -4, 24)), 4);
+    ASSERT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 1, 1, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 24)),
+              4);
     EXPECT_NEAR(target.pixel(0, 0)[1], 25, 1);
 }
 
 TEST(Stretch, RefusesWhatItCannotDraw) {
     unsigned char bits[32] = {};
     Target target(2, 2);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 2, 2, 0, 0, 2, 4, bits, header(2, -4, 8)), 0);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 2, 2, 1, 0, 2, 4, bits, header(2, -4, 24)), 0);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 1, 0, 2, 2, 0, 0, 2, 4, bits, header(2, -4, 24)), 0);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 0, 2, 0, 0, 2, 4, bits, header(2, -4, 24)), 0);
-    EXPECT_EQ(Platform::stretchDIBits(nullptr, 0, 0, 2, 2, 0, 0, 2, 4, bits, header(2, -4, 24)), 0);
+    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 2, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 8)),
+              0);
+    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 2, 2, 1, 0, 2, 4, bits, bitmapHeader(2, -4, 24)),
+              0);
+    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 1, 0, 2, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 24)),
+              0);
+    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 0, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 24)),
+              0);
+    EXPECT_EQ(Platform::stretchDIBits(nullptr, 0, 0, 2, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 24)), 0);
 }

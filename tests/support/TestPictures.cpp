@@ -8,6 +8,38 @@
 
 namespace OrvantaTest {
 
+std::ostream& operator<<(std::ostream& os, const Rgb& c) {
+    return os << "(" << c.r << "," << c.g << "," << c.b << ")";
+}
+
+Orvanta::Dib* makeDib(int width, int height, const std::function<Rgb(int, int)>& f, int channels) {
+    Orvanta::DibSection* dib = Orvanta::DibSection::create(width, height, channels);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const Rgb c = f(x, y);
+            unsigned char* p = dib->getBits() + y * dib->getStride() + x * channels;
+            p[0] = static_cast<unsigned char>(c.b);
+            p[1] = static_cast<unsigned char>(c.g);
+            p[2] = static_cast<unsigned char>(c.r);
+        }
+    return dib;
+}
+
+Rgb pixelAt(const Orvanta::Dib* dib, int x, int y) {
+    const unsigned char* p = dib->getBits() + y * dib->getStride() + x * dib->getBytesPerPixel();
+    return {p[2], p[1], p[0]};
+}
+
+Orvanta::BITMAPINFO bitmapHeader(int width, int height, int bits) {
+    Orvanta::BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof(Orvanta::BITMAPINFOHEADER);
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = static_cast<Orvanta::WORD>(bits);
+    return info;
+}
+
 Orvanta::Dib* makePatternDib(int width, int height, int channels, unsigned seed) {
     Orvanta::DibSection* dib = Orvanta::DibSection::create(width, height, channels);
     unsigned char* bits = dib->getBits();
