@@ -97,15 +97,21 @@ void Database::Iterator::resync() {
     mPosition = mDatabase->mIds.lowerBound(mKey);
 }
 
+Database::Record* Database::Iterator::seek(int step) {
+    DatabaseOrdering* ordering = mDatabase->mBase ? mDatabase->mOrdering.get() : nullptr;
+    const int count = ordering ? ordering->getCount() : 0;
+    // An ordering out of step with the database names ids that have no record: step over them.
+    for (; mIndex >= 0 && mIndex < count; mIndex += step)
+        if (Record* record = mDatabase->findRecord(ordering->getID(mIndex))) return record;
+    return nullptr;
+}
+
 Database::Record* Database::Iterator::current() {
     if (mByPosition) {
-        // An ordering out of step with the database names ids that have no record: step over them.
-        const int count = mDatabase->getRecordCount();
-        while (mIndex >= 0 && mIndex < count) {
-            if (Record* record = mDatabase->getRecord(mIndex)) return record;
-            ++mIndex;
-        }
-        return nullptr;
+        const int index = mIndex;
+        Record* record = seek(1);
+        mIndex = index;
+        return record;
     }
     if (mDone) return nullptr;
     resync();
@@ -114,35 +120,38 @@ Database::Record* Database::Iterator::current() {
 }
 
 Database::Record* Database::Iterator::next() {
+    if (mByPosition) {
+        Record* record = seek(1);
+        if (record) ++mIndex;
+        return record;
+    }
     Record* record = current();
     if (!record) return nullptr;
-    if (mByPosition) {
-        ++mIndex;
+    mPosition = mDatabase->mIds.next(mPosition);
+    if (mDatabase->mIds.atEnd(mPosition)) {
+        mDone = true;
     } else {
-        mPosition = mDatabase->mIds.next(mPosition);
-        if (mDatabase->mIds.atEnd(mPosition)) {
-            mDone = true;
-        } else {
-            const IdIndex::Entry entry = mDatabase->mIds.at(mPosition);
-            mKey = entry.key;
-            // Records in id order lie anywhere in the file: fetch the next head while the caller
-            // reads this one.
-            __builtin_prefetch(mDatabase->offsetToBlock(entry.offset));
-        }
+        const IdIndex::Entry entry = mDatabase->mIds.at(mPosition);
+        mKey = entry.key;
+        // Records in id order lie anywhere in the file: fetch the next head while the caller reads
+        // this one.
+        __builtin_prefetch(mDatabase->offsetToBlock(entry.offset));
     }
     return record;
 }
 
 Database::Record* Database::Iterator::prev() {
+    if (mByPosition) {
+        Record* record = seek(-1);
+        if (record) --mIndex;
+        return record;
+    }
     Record* record = current();
     if (!record) return nullptr;
-    if (mByPosition) {
-        --mIndex;
-    } else if (mDatabase->mIds.previous(mPosition)) {
+    if (mDatabase->mIds.previous(mPosition))
         mKey = mDatabase->mIds.at(mPosition).key;
-    } else {
+    else
         mDone = true;
-    }
     return record;
 }
 

@@ -92,8 +92,10 @@ public:
 
     // Walks the records: through the ordering's positions when the database had one when the
     // iterator was made, otherwise in ascending id order (the info record left out). next and prev
-    // return the current record and then move; past either end they return null. Records added or
-    // removed meanwhile are taken into account; the usual pointer rule holds for what they return.
+    // return the current record and then move; past either end they return null. By position, both
+    // step over ids of the ordering that have no record, each in its own direction, and the walk
+    // ends where the ordering ends. Records added or removed meanwhile are taken into account; the
+    // usual pointer rule holds for what they return.
     class Iterator : public IOwned {
     public:
         virtual Record* next();
@@ -104,6 +106,8 @@ public:
         friend class Database;
         explicit Iterator(Database* database);
         void resync();
+        // By position: the first index from mIndex on, stepping by step, whose id has a record.
+        Record* seek(int step);
 
         OwnedPtr<Database> mDatabase;
         bool mByPosition;
