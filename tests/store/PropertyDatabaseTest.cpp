@@ -96,9 +96,9 @@ TEST(PropertyValueTest, ComparisonsFollowTheLeftOperandsType) {
         {UniqueID::readBytes(low), UniqueID::readBytes(high), 1, 0},
         {UniqueID::readBytes(high), UniqueID::readBytes(low), 0, 0}};
     // clang-format on
-    for (std::size_t i = 0; i < std::size(cases); ++i) {
-        if (cases[i].less >= 0) EXPECT_EQ(cases[i].a < cases[i].b, cases[i].less == 1) << "case " << i;
-        if (cases[i].equal >= 0) EXPECT_EQ(cases[i].a == cases[i].b, cases[i].equal == 1) << "case " << i;
+    for (const Case& c : cases) {
+        EXPECT_TRUE(c.less < 0 || (c.a < c.b) == (c.less == 1)) << "case " << &c - cases;
+        EXPECT_TRUE(c.equal < 0 || (c.a == c.b) == (c.equal == 1)) << "case " << &c - cases;
     }
     // Neither less nor equal: each is greater than the other.
     EXPECT_TRUE(PropertyValue(u"abc") > null && null > PropertyValue(u"abc") && b123 > b124);
