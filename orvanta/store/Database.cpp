@@ -554,7 +554,6 @@ Database::Record* Database::newRecord(const UniqueID& id, int size) {
     const int orderingPlace = moveToOrderingEnd(id, old != nullptr);
     int oldOffset = -1, oldBlocks = 0, newOffset = -1;
     try {
-        mPositions.reserve(mPositions.size() + 1);
         // An existing record of this id goes first; its blocks are free for this very allocation.
         // Its bytes stay untouched until the journal holds a copy of them.
         if (old) {
