@@ -69,8 +69,7 @@ TEST(DibRectTest, MapsAndInverseMapsWithoutOverflow) {
         {DibRect(-0.5, -0.5, -0.5 + 1e-9, -0.5 + 1e-9), CRect(0, 0, 100, 100),
          CRect(INT_MAX, INT_MAX, INT_MAX, INT_MAX)},
         {DibRect(0.0, 0.0, 1.0, 1.0), CRect(INT_MIN, 0, INT_MAX, 10), CRect(INT_MIN, 0, INT_MAX, 10)},
-        {DibRect(0.0, 0.5, 1e-300, 1.0), CRect(0, 0, 100, 100), CRect(0, -100, INT_MAX, 100)},
-    };
+        {DibRect(0.0, 0.5, 1e-300, 1.0), CRect(0, 0, 100, 100), CRect(0, -100, INT_MAX, 100)}};
     for (const auto& c : cases)
         EXPECT_EQ(c.shown.mapFrom(c.view), c.whole) << c.shown.L() << " in " << c.view.left;
     DibRect keep(0.1, 0.1, 0.2, 0.2);
@@ -95,8 +94,7 @@ TEST(VisibleRect, WindowOfTheZoomKeptInsideThePicture) {
         {view, image, DibPoint(0.95, 0.5), 2.0, DibRect(0.5, 0.25, 1.0, 0.75)},
         {view, image, DibPoint(0.0, 0.0), 2.0, DibRect(0.0, 0.0, 0.5, 0.5)},
         {CSize(100, 100), CSize(1000, 10), DibPoint(1.0, 1.0), 0.01, DibRect(0.0, 0.0, 1.0, 1.0)},
-        {CSize(100, 100), CSize(1000, 10), DibPoint(0.5, 0.5), 0.01, DibRect(0.0, 0.0, 0.0, 0.0)},
-    };
+        {CSize(100, 100), CSize(1000, 10), DibPoint(0.5, 0.5), 0.01, DibRect(0.0, 0.0, 0.0, 0.0)}};
     for (const auto& c : cases)
         EXPECT_EQ(DibRect::computeVisibleRect(c.view, c.image, c.centre, c.zoom), c.visible) << c.centre.X();
 }

@@ -12,8 +12,8 @@ std::vector<std::string> editingPhotographs() {
         "bmp/rgb24-photo-119x96-pad3.bmp",    // odd width: rows carry padding
         "bmp/rle8-photo-hopper-128x128.bmp",  // read through the palette path
         "jpeg/fujifilm-finepix40i-600x450.jpg",
-        "jpeg/sony-dsc-hx5v-730x547.jpg",          // odd height
-        "jpeg/canon-eos7d-photoshop-allsegs.jpg",  // portrait
+        "jpeg/sony-dsc-hx5v-730x547.jpg",         // odd height
+        "jpeg/canon-eos7d-photoshop-allsegs.jpg"  // portrait
     };
 }
 

@@ -76,8 +76,7 @@ TEST(PicFixCurve, MedianBlackAndWhitePointsByTheNearestBinRule) {
         {histogramOf({{40, 10}, {200, 10}}), 40, 0, 255},
         // 30 pixels: limit 1, budget 0; a thin end bin takes the budget below zero and the point past it.
         {histogramOf({{0, 1}, {100, 29}}), 99, -1, 255},
-        {histogramOf({{255, 1}, {200, 29}}), 200, 0, 256},
-    };
+        {histogramOf({{255, 1}, {200, 29}}), 200, 0, 256}};
     for (const auto& c : cases) {
         const PicFixCurve curve = curveOf(c.h);
         EXPECT_EQ(curve.getMedian(), c.median);
@@ -95,8 +94,7 @@ TEST(PicFixCurve, DarkMediansAreLiftedAndStrongLiftsSoftened) {
         {histogramOf({{10, 50}, {200, 10}}), std::log(0.5) / std::log(10 / 255.0) / 3 + 0.4},  // below 0.6
         {histogramOf({{0, 10}, {255, 2}}), 0.4},
         {histogramOf({{127, 100}}), std::log(0.5) / std::log(127 / 255.0)},
-        {histogramOf({{0, 10}, {128, 80}, {255, 10}}), 0},
-    };
+        {histogramOf({{0, 10}, {128, 80}, {255, 10}}), 0}};
     for (const auto& c : cases) {
         const PicFixCurve curve = curveOf(c.h);
         EXPECT_EQ(curve.hasGamma(), c.gamma != 0) << curve.getMedian();

@@ -87,7 +87,7 @@ TEST(RedeyeDetector, SeedClimbsToTheReddestPointNearbyAtAQuarterOfTheSquaredDist
         {20, 20, 3, 12, {{{5, 12}, 255}}, {3, 12}},                  // beside the click, but never looked at
         {20, 20, 3, 12, {{{12, 3}, 255}}, {12, 3}},                  // 255 - 162 / 4
         {20, 20, 3, 12, {{{5, 12}, 255}, {{12, 3}, 255}}, {5, 12}},  // moved to (12, 3), then in reach
-        {20, 8, 15, 3, {{{3, 7}, 255}}, {15, 3}},  // rows 12..18 lie outside: skipped, not clamped
+        {20, 8, 15, 3, {{{3, 7}, 255}}, {15, 3}}  // rows 12..18 lie outside: skipped, not clamped
     };
     for (const auto& c : cases) {
         Plane m(c.w, c.h);
@@ -178,18 +178,16 @@ TEST(RedeyeDetector, NothingNeutralOutsideOrFillingTheBoxIsDrawn) {
         int w, h, x, y;
         std::function<Rgb(int, int)> colour;
         CRect found;
-    } cases[] = {
-        {21, 21, 10, 10, [](int, int) { return kGrey; }, CRect()},
-        {5, 5, 5, 2, [](int, int) { return kPupil; }, CRect()},
-        {5, 5, -1, 2, [](int, int) { return kPupil; }, CRect()},
-        {25, 20, 12, 10, [](int, int) { return kPupil; }, CRect(0, 0, 25, 20)},
-        {25, 20, 12, 10, [](int, int) { return kRim; }, CRect()},
-        {25, 20, 12, 10,
-         [](int x, int y) {
-             return x == 12 && y == 10 ? Rgb{255, 0, 0} : Rgb{230, 20, 20};
-         },
-         CRect(0, 0, 25, 25)},
-    };
+    } cases[] = {{21, 21, 10, 10, [](int, int) { return kGrey; }, CRect()},
+                 {5, 5, 5, 2, [](int, int) { return kPupil; }, CRect()},
+                 {5, 5, -1, 2, [](int, int) { return kPupil; }, CRect()},
+                 {25, 20, 12, 10, [](int, int) { return kPupil; }, CRect(0, 0, 25, 20)},
+                 {25, 20, 12, 10, [](int, int) { return kRim; }, CRect()},
+                 {25, 20, 12, 10,
+                  [](int x, int y) {
+                      return x == 12 && y == 10 ? Rgb{255, 0, 0} : Rgb{230, 20, 20};
+                  },
+                  CRect(0, 0, 25, 25)}};
     for (const auto& c : cases) {
         Plane p(c.w, c.h, c.colour), out(0, 0);
         EXPECT_EQ(detect(p, c.x, c.y, &out), c.found) << c.w << " " << c.x;

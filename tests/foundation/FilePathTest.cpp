@@ -65,7 +65,7 @@ TEST(FilePathParts, SplitsNameTitleFolderAndExtension) {
         {u"a.", u"a.", u"a", u"", u""},
         {u"/photos.2004/readme", u"readme", u"readme", u"/photos.2004", u""},
         {u".jpg", u".jpg", u"", u"", u"jpg"},
-        {u"c:\\a\\b.txt", u"c:\\a\\b.txt", u"c:\\a\\b", u"", u"txt"},  // only / separates
+        {u"c:\\a\\b.txt", u"c:\\a\\b.txt", u"c:\\a\\b", u"", u"txt"}  // only / separates
     };
     for (const auto& c : cases) {
         EXPECT_EQ(FilePath::getFileName(c.path), CString(c.name)) << CString(c.path).toUtf8();
@@ -79,25 +79,23 @@ TEST(FilePathParts, SplitsNameTitleFolderAndExtension) {
 TEST(FilePathValid, ReplacesIllegalCharactersFillsTheExtensionAndBuildsNames) {
     const struct {
         CString made, expected;
-    } cases[] = {
-        {FilePath::validPath(u"/a/b?c.jpg", false, nullptr), u"/a/b_c.jpg"},
-        {FilePath::validPath(u"/a/x<y>:z*\"|\\.j|g", false, nullptr), u"/a/x_y__z____.j_g"},
-        {FilePath::validPath(u"/we?ird:/x.jpg", false, nullptr),
-         u"/we?ird:/x.jpg"},  // folders are left alone
-        {FilePath::validPath(u"/a/photo.", false, u"jpg"), u"/a/photo.jpg"},
-        {FilePath::validPath(u"/a/photo", false, u".jpg"), u"/a/photo.jpg"},
-        {FilePath::validPath(u"/a/photo.png", false, u"jpg"), u"/a/photo.png"},
-        {FilePath::validPath(u"/a/photo.", false, nullptr), u"/a/photo."},
-        {FilePath::validPath(u"/a/photo", false, u"j?g"), u"/a/photo.j_g"},
-        {FilePath::makePath(u"/a", u"b.jpg", false), u"/a/b.jpg"},
-        {FilePath::makePath(u"/a/", u"b.jpg", false), u"/a/b.jpg"},
-        {FilePath::makePath(u"", u"b.jpg", false), u"b.jpg"},
-        {FilePath::makePath(u"/a", u"b:c", false, u"tif"), u"/a/b_c.tif"},
-        {FilePath::setName(u"/a/photo.jpg", u"holiday", false), u"/a/holiday.jpg"},
-        {FilePath::setName(u"/a/photo.jpg", u"holiday.png", false), u"/a/holiday.png"},
-        {FilePath::setName(u"/photo.jpg", u"holiday", false), u"/holiday.jpg"},
-        {FilePath::setName(u"/a/README", u"notes", false), u"/a/notes"},
-    };
+    } cases[] = {{FilePath::validPath(u"/a/b?c.jpg", false, nullptr), u"/a/b_c.jpg"},
+                 {FilePath::validPath(u"/a/x<y>:z*\"|\\.j|g", false, nullptr), u"/a/x_y__z____.j_g"},
+                 {FilePath::validPath(u"/we?ird:/x.jpg", false, nullptr),
+                  u"/we?ird:/x.jpg"},  // folders are left alone
+                 {FilePath::validPath(u"/a/photo.", false, u"jpg"), u"/a/photo.jpg"},
+                 {FilePath::validPath(u"/a/photo", false, u".jpg"), u"/a/photo.jpg"},
+                 {FilePath::validPath(u"/a/photo.png", false, u"jpg"), u"/a/photo.png"},
+                 {FilePath::validPath(u"/a/photo.", false, nullptr), u"/a/photo."},
+                 {FilePath::validPath(u"/a/photo", false, u"j?g"), u"/a/photo.j_g"},
+                 {FilePath::makePath(u"/a", u"b.jpg", false), u"/a/b.jpg"},
+                 {FilePath::makePath(u"/a/", u"b.jpg", false), u"/a/b.jpg"},
+                 {FilePath::makePath(u"", u"b.jpg", false), u"b.jpg"},
+                 {FilePath::makePath(u"/a", u"b:c", false, u"tif"), u"/a/b_c.tif"},
+                 {FilePath::setName(u"/a/photo.jpg", u"holiday", false), u"/a/holiday.jpg"},
+                 {FilePath::setName(u"/a/photo.jpg", u"holiday.png", false), u"/a/holiday.png"},
+                 {FilePath::setName(u"/photo.jpg", u"holiday", false), u"/holiday.jpg"},
+                 {FilePath::setName(u"/a/README", u"notes", false), u"/a/notes"}};
     for (const auto& c : cases) EXPECT_EQ(c.made, c.expected);
 }
 
