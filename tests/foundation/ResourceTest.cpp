@@ -129,46 +129,32 @@ TEST(StringOrResourceText, OwnsItsTextAndReadsResourcesAtEachUse) {
     EXPECT_EQ(copy.getString(), CString(u"other"));
 }
 
-TEST(ResourceBitmap, PackedDibKeepsItsRowsAndOrientation) {
-    // 2 x 2, 24 bits, top-down: rows of 6 bytes padded to 8.
-    const std::string rows =
-        std::string("\x01\x02\x03\x04\x05\x06\0\0", 8) + std::string("\x07\x08\x09\x0a\x0b\x0c\0\0", 8);
-    ResourceModule module;
-    ASSERT_TRUE(
-        module.addBitmap(40, packedDib(2, -2, 24, {}, rows).data(), packedDib(2, -2, 24, {}, rows).size()));
-    for (bool asDibSection : {false, true}) {
-        Bitmap* bitmap = Resource(40, &module).getBitmap(asDibSection);
+TEST(ResourceBitmap, PackedDibsKeepTheirRowsAndPalettesBecomeTwentyFourBits) {
+    // 24 bits top-down, rows of 6 bytes padded to 8; 1 bit, pixels 1, 0, 1 in the high end of the
+    // first byte; 8 bits with an index beyond the colour table, which stays black.
+    const std::string rows = std::string("\x01\x02\x03\x04\x05\x06\0\0\x07\x08\x09\x0a\x0b\x0c\0\0", 16);
+    const struct {
+        std::string dib, pixels;
+    } cases[] = {
+        {packedDib(2, -2, 24, {}, rows), std::string("\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0a\x0b\x0c", 12)},
+        {packedDib(3, 1, 1, {{10, 20, 30, 0}, {40, 50, 60, 0}}, std::string("\xa0\0\0\0", 4)),
+         std::string("\x28\x32\x3c\x0a\x14\x1e\x28\x32\x3c", 9)},
+        {packedDib(2, 1, 8, {{1, 2, 3, 0}}, std::string("\x00\x05\0\0", 4)),
+         std::string("\x01\x02\x03\0\0\0", 6)}};
+    for (const auto& c : cases) {
+        ResourceModule module;
+        ASSERT_TRUE(module.addBitmap(40, c.dib.data(), c.dib.size()));
+        ASSERT_TRUE(module.addCursor(12, c.dib.data(), c.dib.size(), Orvanta::CPoint(1, 0)));
+        Bitmap* bitmap = Resource(40, &module).getBitmap(false);
         ASSERT_NE(bitmap, nullptr);
-        EXPECT_TRUE(bitmap->isDibSection());
-        EXPECT_EQ(bitmap->header().biHeight, -2);
-        EXPECT_EQ(std::string(reinterpret_cast<const char*>(bitmap->bits()), 16), rows);
+        EXPECT_TRUE(bitmap->isDibSection() && bitmap->header().biBitCount >= 24);
+        EXPECT_EQ(topDownBgr(bitmap), c.pixels);
         Bitmap::deleteObject(bitmap);
+        EXPECT_EQ(Resource(12, &module).getCursor()->hotSpot, Orvanta::CPoint(1, 0));
+        EXPECT_TRUE(Resource(41, &module).getBitmap(true) == nullptr &&
+                    Resource(40, &module).getCursor() == nullptr)
+            << "cursors and bitmaps are kept apart";
     }
-    EXPECT_EQ(Resource(41, &module).getBitmap(true), nullptr);
-}
-
-TEST(ResourceBitmap, PaletteBitmapsBecomeTwentyFourBit) {
-    const std::vector<Orvanta::RGBQUAD> palette = {{10, 20, 30, 0}, {40, 50, 60, 0}};
-    // 1 bit, 3 pixels wide, one row: pixels 1, 0, 1 -> bits 101 in the high end of the first byte.
-    const std::string dib = packedDib(3, 1, 1, palette, std::string("\xa0\0\0\0", 4));
-    ResourceModule module;
-    ASSERT_TRUE(module.addBitmap(1, dib.data(), dib.size()));
-    Bitmap* bitmap = Resource(1, &module).getBitmap(true);
-    ASSERT_NE(bitmap, nullptr);
-    EXPECT_EQ(bitmap->header().biBitCount, 24);
-    EXPECT_EQ(topDownBgr(bitmap), std::string("\x28\x32\x3c\x0a\x14\x1e\x28\x32\x3c", 9));
-    Bitmap::deleteObject(bitmap);
-}
-
-TEST(ResourceBitmap, IndexesBeyondTheColourTableAreBlack) {
-    const std::vector<Orvanta::RGBQUAD> palette = {{1, 2, 3, 0}};
-    const std::string dib = packedDib(2, 1, 8, palette, std::string("\x00\x05\0\0", 4));
-    ResourceModule module;
-    ASSERT_TRUE(module.addBitmap(1, dib.data(), dib.size()));
-    Bitmap* bitmap = Resource(1, &module).getBitmap(true);
-    ASSERT_NE(bitmap, nullptr);
-    EXPECT_EQ(topDownBgr(bitmap), std::string("\x01\x02\x03\0\0\0", 6));
-    Bitmap::deleteObject(bitmap);
 }
 
 TEST(ResourceBitmap, MalformedDataIsRefused) {
@@ -230,19 +216,6 @@ TEST(ResourceBitmap, UnsupportedAndDamagedBmpFilesAreRefused) {
     // Indexes beyond the colour table: read, with black for them.
     EXPECT_TRUE(
         module.loadBitmapFile(2, CString::fromUtf8(OrvantaTest::testDataPath("bmp/bad-palette-index.bmp"))));
-}
-
-TEST(ResourceCursor, KeepsItsPictureAndHotSpot) {
-    const std::string dib = packedDib(2, 2, 32, {}, std::string(16, '\x7f'));
-    ResourceModule module;
-    ASSERT_TRUE(module.addCursor(12, dib.data(), dib.size(), Orvanta::CPoint(1, 0)));
-    const Orvanta::HCURSOR cursor = Resource(12, &module).getCursor();
-    ASSERT_NE(cursor, nullptr);
-    EXPECT_EQ(cursor->hotSpot, Orvanta::CPoint(1, 0));
-    EXPECT_EQ(cursor->picture.header.biWidth, 2);
-    EXPECT_EQ(cursor->picture.pixels.size(), 16u);
-    EXPECT_EQ(Resource(13, &module).getCursor(), nullptr);
-    EXPECT_EQ(Resource(12, &module).getBitmap(true), nullptr) << "cursors and bitmaps are kept apart";
 }
 
 TEST(ResourceStringTable, LoadsIdsTextsAndEscapes) {

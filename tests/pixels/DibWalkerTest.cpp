@@ -45,7 +45,7 @@ DibWalker viewOf(Dib* dib, const std::vector<int>& steps) {
     return view;
 }
 
-// One axis of the resampler as the design states it: each output takes the next `scale` 1024ths of
+// One axis of the resampler by its rule: each output takes the next `scale` 1024ths of
 // the inputs in order, and is their weighted sum divided once, truncating.
 std::vector<int> resampleAxis(const std::vector<int>& in, int outCount) {
     const int scale = static_cast<int>(in.size()) * 1024 / outCount;
@@ -254,7 +254,7 @@ TEST(DibWalkerWholeView, FastCopiesAndFlipsEqualThePlainWalk) {
     }
 }
 
-TEST(DibWalkerResize, EqualsTheResamplerAsStated) {
+TEST(DibWalkerResize, EqualsTheResamplerWrittenOutPlainly) {
     const struct {
         int sw, sh, dw, dh, fromChannels;
         std::vector<int> steps;
