@@ -1,5 +1,7 @@
 #include "tests/support/FaultyFileSystem.h"
 
+#include <unistd.h>
+
 namespace OrvantaTest {
 
 FaultyFileSystem::FaultyFileSystem() {
@@ -17,7 +19,12 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
         }
         if (static_cast<long long>(size) > mWriteBudget) size = static_cast<std::size_t>(mWriteBudget);
     }
+    if (mExitBudget >= 0 && static_cast<long long>(size) > mExitBudget) {
+        FileSystem::write(fd, data, static_cast<std::size_t>(mExitBudget));
+        _exit(9);
+    }
     const ssize_t written = FileSystem::write(fd, data, size);
+    if (mExitBudget >= 0 && written > 0) mExitBudget -= written;
     if (written > 0) {
         mBytesWritten += written;
         if (mWriteBudget >= 0) mWriteBudget -= written;
@@ -26,6 +33,7 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
 }
 
 int FaultyFileSystem::rename(const char* from, const char* to) {
+    if (mExitOnRename) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;
@@ -34,6 +42,7 @@ int FaultyFileSystem::rename(const char* from, const char* to) {
 }
 
 int FaultyFileSystem::renameNoReplace(const char* from, const char* to) {
+    if (mExitOnRename) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;
@@ -47,6 +56,14 @@ int FaultyFileSystem::sync(int fd) {
         return -1;
     }
     return FileSystem::sync(fd);
+}
+
+int FaultyFileSystem::birthTime(const char* path, struct timespec* time) {
+    if (mHideBirthTimes) {
+        errno = ENODATA;
+        return -1;
+    }
+    return FileSystem::birthTime(path, time);
 }
 
 }  // namespace OrvantaTest

@@ -2,7 +2,9 @@
 // FaultyFileSystem: a file system for tests that behaves like the real one until told to fail.
 //
 // It can refuse writes once a byte budget is spent (a full disk), cut one write short, refuse
-// renames, or make renames look like moves across devices. Installed for the lifetime of the object.
+// renames, make renames look like moves across devices, end the process in the middle of a write or
+// at a rename (as a kill or a power cut would), or behave as a file system that records no creation
+// times. Installed for the lifetime of the object.
 
 #include <sys/types.h>
 
@@ -22,11 +24,17 @@ public:
     void failWritesAfter(long long bytes) { mWriteBudget = bytes; }
     void failRenames(int error) { mRenameError = error; }
     void failSync(bool fail) { mFailSync = fail; }
+    // _exit(9) once this many more bytes have been written (−1: never), or at the next rename.
+    void exitAfterWriting(long long bytes) { mExitBudget = bytes; }
+    void exitOnRename(bool exit) { mExitOnRename = exit; }
+    void hideBirthTimes(bool hide) { mHideBirthTimes = hide; }
 
     ssize_t write(int fd, const void* data, std::size_t size) override;
     int rename(const char* from, const char* to) override;
     int renameNoReplace(const char* from, const char* to) override;
     int sync(int fd) override;
+    int birthTime(const char* path, struct timespec* time) override;
+    using FileSystem::birthTime;
 
     long long bytesWritten() const { return mBytesWritten; }
 
@@ -35,6 +43,9 @@ private:
     long long mBytesWritten = 0;
     int mRenameError = 0;
     bool mFailSync = false;
+    long long mExitBudget = -1;
+    bool mExitOnRename = false;
+    bool mHideBirthTimes = false;
 };
 
 }  // namespace OrvantaTest
