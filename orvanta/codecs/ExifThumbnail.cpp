@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 #include "orvanta/codecs/JpegFormat.h"
 
@@ -169,17 +170,30 @@ std::vector<unsigned char> ExifThumbnail::save() const {
         return bytes;
     }
     if (size == 0) return bytes;
-    // A directory of its own for the thumbnail, at the end; an old IFD1 (an uncompressed preview)
-    // is no longer linked.
+    // A directory of its own for the thumbnail, at the end, with the entries a JPEG thumbnail's
+    // directory must have, in rising tag order; then its two resolutions, then the thumbnail. An old
+    // IFD1 (an uncompressed preview) is no longer linked.
     const unsigned long directory = block.alignedEnd();
-    constexpr int kEntries = 3;
-    const std::size_t at = block.grow(2 + kEntries * kIfdEntrySize + 4);
-    const unsigned long thumbnailStart = directory + 2 + kEntries * kIfdEntrySize + 4;
+    constexpr int kEntries = 6;
+    const std::size_t at = block.grow(2 + kEntries * kIfdEntrySize + 4 + 2 * 8);
+    const unsigned long resolutions = directory + 2 + kEntries * kIfdEntrySize + 4;
     block.put16(at, kEntries);
-    putEntry(block, at + 2, kTagCompression, kTypeShort, kCompressionJpeg);
-    putEntry(block, at + 2 + kIfdEntrySize, kTagThumbnailOffset, kTypeLong, thumbnailStart);
-    putEntry(block, at + 2 + 2 * kIfdEntrySize, kTagThumbnailLength, kTypeLong,
-             static_cast<unsigned long>(size));
+    std::size_t entry = at + 2;
+    for (const auto& [tag, type, value] :
+         {std::tuple{kTagCompression, kTypeShort, static_cast<unsigned long>(kCompressionJpeg)},
+          {kTagXResolution, kTypeRational, resolutions},
+          {kTagYResolution, kTypeRational, resolutions + 8},
+          {kTagResolutionUnit, kTypeShort, static_cast<unsigned long>(kResolutionUnitInch)},
+          {kTagThumbnailOffset, kTypeLong, resolutions + 16},
+          {kTagThumbnailLength, kTypeLong, static_cast<unsigned long>(size)}}) {
+        putEntry(block, entry, tag, type, value);
+        entry += kIfdEntrySize;
+    }
+    // Behind the link to no next directory: 72/1 twice.
+    for (std::size_t r = entry + 4; r < entry + 4 + 16; r += 8) {
+        block.put32(r, kThumbnailResolution);
+        block.put32(r + 4, 1);
+    }
     block.append(mData->data, size);
     block.put32(link, directory);
     return bytes;

@@ -39,10 +39,17 @@ constexpr int kTiffHeaderSize = 8;
 constexpr int kTiffMagic = 42;
 constexpr int kIfdEntrySize = 12;
 constexpr int kTagCompression = 0x0103;
+constexpr int kTagXResolution = 0x011A;
+constexpr int kTagYResolution = 0x011B;
+constexpr int kTagResolutionUnit = 0x0128;
 constexpr int kTagThumbnailOffset = 0x0201;  // JPEGInterchangeFormat
 constexpr int kTagThumbnailLength = 0x0202;  // JPEGInterchangeFormatLength
 constexpr int kTypeShort = 3;
 constexpr int kTypeLong = 4;
+constexpr int kTypeRational = 5;  // two LONGs, numerator and denominator
 constexpr int kCompressionJpeg = 6;
+// What a new thumbnail directory says of its picture: 72 pixels per inch.
+constexpr int kThumbnailResolution = 72;
+constexpr int kResolutionUnitInch = 2;
 
 }  // namespace Orvanta::JpegFormat
