@@ -33,7 +33,7 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
 }
 
 int FaultyFileSystem::rename(const char* from, const char* to) {
-    if (mExitOnRename) _exit(9);
+    if (mRenamesToExit > 0 && --mRenamesToExit == 0) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;
@@ -42,7 +42,7 @@ int FaultyFileSystem::rename(const char* from, const char* to) {
 }
 
 int FaultyFileSystem::renameNoReplace(const char* from, const char* to) {
-    if (mExitOnRename) _exit(9);
+    if (mRenamesToExit > 0 && --mRenamesToExit == 0) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;

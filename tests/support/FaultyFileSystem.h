@@ -24,9 +24,10 @@ public:
     void failWritesAfter(long long bytes) { mWriteBudget = bytes; }
     void failRenames(int error) { mRenameError = error; }
     void failSync(bool fail) { mFailSync = fail; }
-    // _exit(9) once this many more bytes have been written (−1: never), or at the next rename.
+    // _exit(9) once this many more bytes have been written (−1: never), or at the n-th rename from
+    // now (0: never).
     void exitAfterWriting(long long bytes) { mExitBudget = bytes; }
-    void exitOnRename(bool exit) { mExitOnRename = exit; }
+    void exitAtRename(int n) { mRenamesToExit = n; }
     void hideBirthTimes(bool hide) { mHideBirthTimes = hide; }
 
     ssize_t write(int fd, const void* data, std::size_t size) override;
@@ -44,7 +45,7 @@ private:
     int mRenameError = 0;
     bool mFailSync = false;
     long long mExitBudget = -1;
-    bool mExitOnRename = false;
+    int mRenamesToExit = 0;
     bool mHideBirthTimes = false;
 };
 
