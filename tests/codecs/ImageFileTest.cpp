@@ -232,3 +232,52 @@ TEST_F(ImageFileSave, TheDefaultPolicyStopsAReencodeAndAnyFailureLeavesTheOrigin
         }
     }
 }
+
+TEST_F(ImageFileSave, OnlyTheLatestEditableLoadIsTiedToTheFileAndThumbnailsFallBackToTheFile) {
+    const std::string path = copyOf("jpeg/canon-ixus-640x480.jpg");
+    const std::string before = readFileBytes(path);
+    OwnedPtr<ImageFile> file = ImageFile::create(CString::fromUtf8(path), jpeg, nullptr, nullptr);
+    OwnedPtr<Image> first = file->loadImage(0, 0, true);
+    OwnedPtr<Image> second = file->loadImage(0, 0, true);
+    first->doOp(OwnedPtr<EditingOp>(RotateOp::create(90)));
+    first->save();
+    EXPECT_EQ(ImageFile::SaveNone, file->getLastSaveResult());
+    EXPECT_EQ(before, readFileBytes(path));
+    EXPECT_EQ(CSize(640, 480), file->getPictureSize());
+    // No EXIF thumbnail, or no readable picture at all.
+    for (const auto& [name, readable] :
+         {std::pair{"jpeg/orientation-1-landscape.jpg", true}, {"jpeg-awkward/missing-sos.jpg", false}}) {
+        OwnedPtr<ImageFile> other =
+            ImageFile::create(CString::fromUtf8(testDataPath(name)), jpeg, nullptr, nullptr);
+        OwnedPtr<Image> thumbnail = other->createThumbnail(100, 100, true);
+        EXPECT_EQ(readable, thumbnail && thumbnail->getSize().cx == 100) << name;
+        EXPECT_EQ(readable, other->getPictureSize() != CSize(0, 0)) << name;
+    }
+}
+
+TEST(Image, SaveNotifiesWhileTheEditsCanStillBeToldApartAndSizesRoundUp) {
+    OwnedPtr<Dib> dib = makePatternDib(100, 60, 3);
+    OwnedPtr<Image> image = Image::create(dib, true);
+    struct Saving : NotifierListener {
+        Image* image;
+        std::vector<int> undoCounts;
+        void onNotification(void*, const Notification& n) override {
+            if (n.getCode() == 1) undoCounts.push_back(image->getUndoCount());
+        }
+    } saving;
+    saving.image = image;
+    image->addListener(&saving);
+    image->save();
+    image->doOp(OwnedPtr<EditingOp>(RotateOp::create(90)));
+    image->save();
+    EXPECT_EQ((std::vector<int>{1}), saving.undoCounts) << "only an edited picture is saved";
+    EXPECT_FALSE(image->isEdited());
+    image->removeListener(&saving);
+    EXPECT_EQ(CSize(1, 1), image->getScaledSize(0.001));
+    EXPECT_EQ(CSize(20, 34), image->getScaledSize(1 / 3.0)) << "60 x 100 turned, each side rounded up";
+    EXPECT_EQ(CSize(12, 20), image->getFitSize(CSize(50, 20), false, false));
+    OwnedPtr<Image> empty = Image::create(nullptr, true);
+    EXPECT_EQ(CSize(0, 0), empty->getSize());
+    EXPECT_FALSE(OwnedPtr<Image>(
+        empty->createDownsized(DownsizeOp::DownsizeMethodResample, CSize(8, 8), false, DibRect(0, 0, 1, 1))));
+}
