@@ -220,6 +220,8 @@ TEST_F(ImageFileSave, TheDefaultPolicyStopsAReencodeAndAnyFailureLeavesTheOrigin
                          std::to_string(written) + " of " + std::to_string(total) + " bytes");
             EXPECT_EXIT(
                 {
+                    // What the dying save leaves behind stays in the test's folder.
+                    setenv("TMPDIR", dir.path().c_str(), 1);
                     FaultyFileSystem dying;
                     dying.exitAtRename(rename);
                     dying.exitAfterWriting(written);

@@ -234,6 +234,7 @@ PropertyList* describe(const CString& path) {
         list->set(u"width", PropertyValue(size.cx), false);
         list->set(u"height", PropertyValue(size.cy), false);
     }
+    // The asset lets go of the list first, so that the list handed back is the caller's alone.
     asset = nullptr;
     return list.detach();
 }
