@@ -3,6 +3,8 @@
 #include <fcntl.h>
 
 #include "orvanta/assets/AssetFile.h"
+#include "orvanta/foundation/File.h"
+#include "orvanta/foundation/FilePath.h"
 #include "orvanta/platform/FileSystem.h"
 #include "orvanta/platform/ReplacementFile.h"
 
@@ -58,9 +60,22 @@ bool AssetBackupPolicy::restorePrevious(bool flag) {
     return getCurrentPolicy()->handleRestorePrevious(flag);
 }
 
-bool AssetBackupPolicy::replaceFile(AssetFile* file, const CString& newVersion) {
+AssetBackupPolicy::ReplaceResult AssetBackupPolicy::replaceFile(
+    AssetFile* file, const std::function<bool(const CString& newVersion)>& write) {
+    // Opened first: from here until the commit no other rewrite of the file runs.
     Platform::ReplacementFile out(file->getPath().toUtf8());
-    return out.open() && copyInto(newVersion.toUtf8(), out) && out.commit();
+    if (!out.open()) return kNotReplaced;
+    const CString temporary = FilePath::getTempFilePath(u"orvanta-save-");
+    if (temporary.isEmpty()) return kNotReplaced;
+    ReplaceResult result = kNotReplaced;
+    if (write(temporary)) {
+        if (!prepareForSave(file))
+            result = kRefused;
+        else if (copyInto(temporary.toUtf8(), out) && out.commit())
+            result = kReplaced;
+    }
+    File::remove(temporary);
+    return result;
 }
 
 AssetBackupPolicy* AssetBackupPolicy::getCurrentPolicy() {

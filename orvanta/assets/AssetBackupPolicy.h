@@ -7,10 +7,17 @@
 // save that would re-encode a user's file does not land (the library asks prepareForSave first and
 // stops on false). A host that wants such saves to land makes a policy current whose
 // handlePrepareForSave keeps what it wants and answers true. A policy destroyed while current stops
-// being current. replaceFile is how every such save lands: the new version, complete in a file of
-// its own, is written beside the user's file and renamed over it, so at any moment the user's file
-// is either the old version whole or the new one whole. Current-policy calls are not thread-safe:
-// set the policy at start-up.
+// being current. Current-policy calls are not thread-safe: set the policy at start-up.
+//
+// replaceFile is the one way a new version takes the place of a user's file: the new version is
+// written whole into a file of its own, the policy is asked while the user's file is still the old
+// version, and only then is the new version written beside the user's file and renamed over it,
+// keeping its permissions. At every moment the user's file is the old version whole or the new one
+// whole. From before the new version is written until it is in place, no other rewrite of the file
+// (through ReplacementFile) runs, so what the new version keeps of the old (its metadata) is not
+// lost to a change made meanwhile; the policy must not rewrite the file itself.
+
+#include <functional>
 
 #include "orvanta/platform/CString.h"
 
@@ -29,10 +36,11 @@ public:
     static bool prepareForSave(AssetFile* file);
     static bool previousVersionExists(AssetFile* file);
     static bool restorePrevious(bool flag);
-    // Puts the contents of newVersion in the place of the file, keeping the file's permissions;
-    // the file named newVersion is left where it is. False, with the user's file as it was, when
-    // newVersion cannot be read or the new file cannot be written whole.
-    static bool replaceFile(AssetFile* file, const CString& newVersion);
+    enum ReplaceResult : int { kReplaced, kRefused, kNotReplaced };
+    // write gets a temporary path and puts the complete new version there, answering false when it
+    // could not (the policy is then not asked). The temporary file is gone afterwards in every case.
+    static ReplaceResult replaceFile(AssetFile* file,
+                                     const std::function<bool(const CString& newVersion)>& write);
 
     static AssetBackupPolicy* getCurrentPolicy();
     static void clearCurrentPolicy();

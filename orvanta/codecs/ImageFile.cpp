@@ -7,8 +7,6 @@
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/Exception.h"
-#include "orvanta/foundation/File.h"
-#include "orvanta/foundation/FilePath.h"
 #include "orvanta/foundation/Throwable.h"
 
 namespace Orvanta {
@@ -139,23 +137,24 @@ void ImageFile::save(Image* image) {
 ImageFile::SaveResult ImageFile::saveReencoded(Image* image) {
     ImageCodec* codec = imageCodecOf(getCodec());
     const CString path = getPath();
-    const CString temporary = FilePath::getTempFilePath(u"orvanta-save-");
-    if (temporary.isEmpty()) return SaveFailed;
-    try {
-        encode(codec, image->getDib(), temporary, path);
-    } catch (const Throwable&) {
-        File::remove(temporary);
-        return SaveFailed;
-    }
-    // The host keeps the old version now, if it wants to: the new one is complete, the old one
+    // The host keeps the old version, if it wants to, when the new one is complete and the old one
     // untouched.
-    if (!AssetBackupPolicy::prepareForSave(this)) {
-        File::remove(temporary);
-        return SaveRefused;
+    const auto encoded = [&](const CString& temporary) {
+        try {
+            encode(codec, image->getDib(), temporary, path);
+            return true;
+        } catch (const Throwable&) {
+            return false;
+        }
+    };
+    switch (AssetBackupPolicy::replaceFile(this, encoded)) {
+        case AssetBackupPolicy::kReplaced:
+            return SaveReencoded;
+        case AssetBackupPolicy::kRefused:
+            return SaveRefused;
+        default:
+            return SaveFailed;
     }
-    const bool replaced = AssetBackupPolicy::replaceFile(this, temporary);
-    File::remove(temporary);
-    return replaced ? SaveReencoded : SaveFailed;
 }
 
 void ImageFile::writeNewThumbnail() {
