@@ -223,8 +223,8 @@ TEST_F(ImageFileSave, TheDefaultPolicyStopsAReencodeAndAnyFailureLeavesTheOrigin
                     // What the dying save leaves behind stays in the test's folder.
                     setenv("TMPDIR", dir.path().c_str(), 1);
                     FaultyFileSystem dying;
-                    dying.exitAtRename(rename);
-                    dying.exitAfterWriting(written);
+                    dying.dieAtRename(rename);
+                    dying.dieAfterWriting(written);
                     edit(path, edits);
                     _exit(0);
                 },

@@ -19,12 +19,12 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
         }
         if (static_cast<long long>(size) > mWriteBudget) size = static_cast<std::size_t>(mWriteBudget);
     }
-    if (mExitBudget >= 0 && static_cast<long long>(size) > mExitBudget) {
-        FileSystem::write(fd, data, static_cast<std::size_t>(mExitBudget));
+    if (mDieBudget >= 0 && static_cast<long long>(size) > mDieBudget) {
+        FileSystem::write(fd, data, static_cast<std::size_t>(mDieBudget));
         _exit(9);
     }
     const ssize_t written = FileSystem::write(fd, data, size);
-    if (mExitBudget >= 0 && written > 0) mExitBudget -= written;
+    if (mDieBudget >= 0 && written > 0) mDieBudget -= written;
     if (written > 0) {
         mBytesWritten += written;
         if (mWriteBudget >= 0) mWriteBudget -= written;
@@ -33,7 +33,7 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
 }
 
 int FaultyFileSystem::rename(const char* from, const char* to) {
-    if (mRenamesToExit > 0 && --mRenamesToExit == 0) _exit(9);
+    if (mRenamesToDie > 0 && --mRenamesToDie == 0) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;
@@ -42,7 +42,7 @@ int FaultyFileSystem::rename(const char* from, const char* to) {
 }
 
 int FaultyFileSystem::renameNoReplace(const char* from, const char* to) {
-    if (mRenamesToExit > 0 && --mRenamesToExit == 0) _exit(9);
+    if (mRenamesToDie > 0 && --mRenamesToDie == 0) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;

@@ -26,8 +26,8 @@ public:
     void failSync(bool fail) { mFailSync = fail; }
     // _exit(9) once this many more bytes have been written (−1: never), or at the n-th rename from
     // now (0: never).
-    void exitAfterWriting(long long bytes) { mExitBudget = bytes; }
-    void exitAtRename(int n) { mRenamesToExit = n; }
+    void dieAfterWriting(long long bytes) { mDieBudget = bytes; }
+    void dieAtRename(int n) { mRenamesToDie = n; }
     void hideBirthTimes(bool hide) { mHideBirthTimes = hide; }
 
     ssize_t write(int fd, const void* data, std::size_t size) override;
@@ -44,8 +44,8 @@ private:
     long long mBytesWritten = 0;
     int mRenameError = 0;
     bool mFailSync = false;
-    long long mExitBudget = -1;
-    int mRenamesToExit = 0;
+    long long mDieBudget = -1;
+    int mRenamesToDie = 0;
     bool mHideBirthTimes = false;
 };
 
