@@ -62,7 +62,8 @@ bool AssetBackupPolicy::restorePrevious(bool flag) {
 
 AssetBackupPolicy::ReplaceResult AssetBackupPolicy::replaceFile(
     AssetFile* file, const std::function<bool(const CString& newVersion)>& write) {
-    // Opened first: from here until the commit no other rewrite of the file runs.
+    // Begun before the new version is written, so that whatever ReplacementFile holds from open to
+    // commit against other rewrites of the file also covers the reading of the old version.
     Platform::ReplacementFile out(file->getPath().toUtf8());
     if (!out.open()) return kNotReplaced;
     const CString temporary = FilePath::getTempFilePath(u"orvanta-save-");

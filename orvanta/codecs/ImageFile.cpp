@@ -137,8 +137,6 @@ void ImageFile::save(Image* image) {
 ImageFile::SaveResult ImageFile::saveReencoded(Image* image) {
     ImageCodec* codec = imageCodecOf(getCodec());
     const CString path = getPath();
-    // The host keeps the old version, if it wants to, when the new one is complete and the old one
-    // untouched.
     const auto encoded = [&](const CString& temporary) {
         try {
             encode(codec, image->getDib(), temporary, path);
@@ -147,6 +145,8 @@ ImageFile::SaveResult ImageFile::saveReencoded(Image* image) {
             return false;
         }
     };
+    // The policy is asked, and the host keeps the old version if it wants to, when the new one is
+    // complete and the old one untouched.
     switch (AssetBackupPolicy::replaceFile(this, encoded)) {
         case AssetBackupPolicy::kReplaced:
             return SaveReencoded;
