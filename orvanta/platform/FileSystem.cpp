@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "orvanta/platform/LastError.h"
+
 namespace Orvanta::Platform {
 
 namespace {
@@ -107,6 +109,33 @@ FileSystem& FileSystem::current() {
 }
 void FileSystem::install(FileSystem* replacement) {
     gCurrent = replacement ? replacement : &gPosix;
+}
+
+int openRegularFile(const char* path, int flags) {
+    FileSystem& fs = FileSystem::current();
+    // Looked at first, so that a device is never opened; checked again on the descriptor, in case
+    // the name was given to something else in between.
+    const auto refuse = [](const struct stat& info) {
+        setLastError(S_ISDIR(info.st_mode) ? EISDIR : kErrorNotAFile);
+        return -1;
+    };
+    struct stat info;
+    if (fs.stat(path, &info) == 0 && !S_ISREG(info.st_mode)) return refuse(info);
+    const int fd = fs.open(path, flags | O_NONBLOCK | O_NOCTTY, 0);
+    if (fd < 0) {
+        failWithErrno();
+        return -1;
+    }
+    if (fs.stat(fd, &info) != 0) {
+        failWithErrno();
+        fs.close(fd);
+        return -1;
+    }
+    if (!S_ISREG(info.st_mode)) {
+        fs.close(fd);
+        return refuse(info);
+    }
+    return fd;
 }
 
 }  // namespace Orvanta::Platform

@@ -50,4 +50,10 @@ public:
     static void install(FileSystem* replacement);
 };
 
+// Opens path for reading (or with flags) only when it names a regular file, through the current
+// FileSystem. Anything else is refused before a byte is read and without waiting: a folder with
+// EISDIR, a pipe, a device or a socket with kErrorNotAFile (a pipe is opened non-blocking, so the
+// open never waits for a writer). On failure answers −1 and records the reason as the last error.
+int openRegularFile(const char* path, int flags);
+
 }  // namespace Orvanta::Platform

@@ -41,6 +41,10 @@ TEST(File, NewFileIsClosedAndAnswersAsClosed) {
 TEST(File, OpenFailsOnMissingFileAndCreateFailsOnExistingOne) {
     TempDir dir;
     EXPECT_FALSE(fileAt(dir, "missing")->open(true));
+    // Only a regular file opens: a folder is refused, and a pipe at once rather than when written.
+    ASSERT_EQ(0, mkfifo(dir.file("pipe").c_str(), 0600));
+    EXPECT_FALSE(fileAt(dir, "pipe")->open(true));
+    EXPECT_FALSE(fileAt(dir, ".")->open(true));
     writeFileBytes(dir.file("present"), "abc");
     EXPECT_FALSE(fileAt(dir, "present")->create(false));
     EXPECT_EQ(readFileBytes(dir.file("present")), "abc");
@@ -95,6 +99,7 @@ TEST(File, WriteStringWritesCharacterCountPlusOneBytes) {
     OwnedPtr<File> file = fileAt(dir, "text");
     ASSERT_TRUE(file->create(false));
     ASSERT_TRUE(file->writeString(u"abcd"));
+    EXPECT_FALSE(file->writeString(nullptr));
     EXPECT_EQ(file->getSize(), 5);
     file->close();
     EXPECT_EQ(readFileBytes(dir.file("text")), std::string("a\0b\0c", 5));
