@@ -8,8 +8,8 @@
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/Dib.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/FileSystem.h"
-#include "orvanta/platform/MappedFile.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta {
@@ -40,7 +40,7 @@ namespace {
 // that name only once complete.
 bool copyFile(const char16_t* from, const char16_t* to) {
     const std::string source = CString(from).toUtf8();
-    Platform::MappedFile in;
+    Platform::FileContents in;
     if (!in.open(source)) return false;
     Platform::ReplacementFile out(CString(to).toUtf8());
     struct stat info;

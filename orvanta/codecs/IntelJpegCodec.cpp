@@ -23,10 +23,10 @@
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/PixelHeap.h"
 #include "orvanta/pixels/StaticDib.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/FileSystem.h"
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/JpegLibrary.h"
-#include "orvanta/platform/MappedFile.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta {
@@ -281,7 +281,7 @@ Dib* IntelJpegCodec::readCommon(const char16_t* path, const void* data, int size
 }
 
 Dib* IntelJpegCodec::readWithLibjpeg(const char16_t* path, CSize* originalSize) {
-    MappedFile file;
+    FileContents file;
     if (!file.open(CString(path).toUtf8()) || file.size() == 0) return nullptr;
     std::unique_ptr<LibjpegDecode> job(new (std::nothrow) LibjpegDecode());
     if (!job) return nullptr;
@@ -586,7 +586,7 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
             throw Error(u"Angle not supported");
     }
     const std::string target = CString(path).toUtf8();
-    MappedFile source;
+    FileContents source;
     if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
     ReplacementFile out(target);
     if (!out.open()) throw Exception(u"Cannot open destination file");

@@ -14,7 +14,7 @@
 
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/DibSection.h"
-#include "orvanta/platform/MappedFile.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta {
@@ -29,7 +29,7 @@ void dropError(const char* module, const char* format, va_list arguments) {
 
 void ignoreWarning(const char*, const char*, va_list) {}
 
-// libtiff reads from the mapped file and writes into a growing block; both are streams with a
+// libtiff reads from the file read into memory and writes into a growing block; both are streams with a
 // position, as libtiff's client interface wants them.
 struct TiffStream {
     const unsigned char* input = nullptr;
@@ -180,7 +180,7 @@ TiffCodec::TiffCodec() {
 
 Dib* TiffCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) {
     const std::string name = CString(path).toUtf8();
-    Platform::MappedFile file;
+    Platform::FileContents file;
     if (!file.open(name) || file.size() == 0) return nullptr;
     TiffStream stream;
     stream.input = file.data();
@@ -219,7 +219,7 @@ bool TiffCodec::getInfo(const char16_t* path, CSize* size, ImageQuality* quality
     if (quality) *quality = ImageQualityHigh;
     if (!size) return false;
     const std::string name = CString(path).toUtf8();
-    Platform::MappedFile file;
+    Platform::FileContents file;
     if (!file.open(name) || file.size() == 0) return false;
     TiffStream stream;
     stream.input = file.data();

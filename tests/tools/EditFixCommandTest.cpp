@@ -41,7 +41,7 @@ TEST(EditFixCommand, PicfixWritesWhatTheOperationGives) {
     TempDir dir;
     const std::string source = testDataPath(kRedeyePhoto);
     const ToolRun run = runTool("edit '" + source + "' '" + dir.file("fixed.bmp") + "' picfix");
-    ASSERT_EQ(run.status, 0) << run.output;
+    ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(run.output, dir.file("fixed.bmp") + "\t576\t433\tundo 1\tredo 0\tretired 0\n");
 
     OwnedPtr<Dib> photo = readBmp(source);
@@ -57,7 +57,7 @@ TEST(EditFixCommand, PicfixThenUndoGivesTheSourceBack) {
     TempDir dir;
     const std::string source = testDataPath(kRedeyePhoto);
     const ToolRun run = runTool("edit '" + source + "' '" + dir.file("same.bmp") + "' picfix undo");
-    ASSERT_EQ(run.status, 0) << run.output;
+    ASSERT_EQ(run.status, 0) << run.errors;
     OwnedPtr<Dib> photo = readBmp(source);
     OwnedPtr<Dib> written = readBmp(dir.file("same.bmp"));
     EXPECT_EQ(packedPixels(*written), packedPixels(*photo));
@@ -70,7 +70,7 @@ TEST(EditFixCommand, RedeyeRemovesTheRedOfBothPupilsAndNothingElse) {
     // Pupils at (160, 193) and (432, 193); the default radius is 433 / 12 = 36.
     const ToolRun run = runTool("edit '" + source + "' '" + dir.file("eyes.bmp") +
                                 "' redeye=0.2786,0.4469 redeye=0.7509,0.4469");
-    ASSERT_EQ(run.status, 0) << run.output;
+    ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_NE(run.output.find("undo 2"), std::string::npos);
     OwnedPtr<Dib> photo = readBmp(source);
     OwnedPtr<Dib> written = readBmp(dir.file("eyes.bmp"));
