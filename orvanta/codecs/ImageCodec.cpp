@@ -11,6 +11,7 @@
 #include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/FileSystem.h"
 #include "orvanta/platform/ReplacementFile.h"
+#include "orvanta/platform/RewriteLock.h"
 
 namespace Orvanta {
 
@@ -66,6 +67,9 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
     ImageQuality sourceQuality = ImageQualityNormal;
     if (!getImageFileInformation(source, &sourceType, &size, &sourceQuality)) return 0;
     if (!getImageFileInformation(destination, &destinationType, nullptr, nullptr)) return 0;
+    // The destination is locked from the read of the source to its replacement: they may be one file.
+    Platform::RewriteLock lock;
+    if (!lock.acquire(CString(destination).toUtf8())) return 0;
     const bool needResize =
         (maxWidth != -1 && maxWidth < size.cx) || (maxHeight != -1 && maxHeight < size.cy);
     if (sourceType == destinationType && !needResize)

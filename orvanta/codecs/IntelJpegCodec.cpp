@@ -24,10 +24,10 @@
 #include "orvanta/pixels/PixelHeap.h"
 #include "orvanta/pixels/StaticDib.h"
 #include "orvanta/platform/FileContents.h"
-#include "orvanta/platform/FileSystem.h"
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/JpegLibrary.h"
 #include "orvanta/platform/ReplacementFile.h"
+#include "orvanta/platform/RewriteLock.h"
 
 namespace Orvanta {
 
@@ -176,12 +176,9 @@ const JpegMarkerMap::Segment* findExifSegment(const JpegMarkerMap& map) {
     return nullptr;
 }
 
-// The access and modification times of a file, to be given back to its new version.
-bool noteTimes(const std::string& path, ReplacementFile& out) {
-    struct stat info;
-    if (FileSystem::current().stat(path.c_str(), &info) != 0) return false;
-    out.keepTimes(info.st_atim, info.st_mtim);
-    return true;
+// The access and modification times of the file being replaced, given back to its new version.
+void keepTimes(ReplacementFile& out) {
+    out.keepTimes(out.original().st_atim, out.original().st_mtim);
 }
 
 // The state of a plain libjpeg call lives on the heap, so that nothing the long jump returns to
@@ -442,6 +439,9 @@ int IntelJpegCodec::writeWithLibjpeg(Dib* dib, const char16_t* path, void* buffe
 int IntelJpegCodec::writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath,
                                          ImageQuality quality) {
     using namespace JpegFormat;
+    // Held from the read of the metadata to the rename: the source may be the file being replaced.
+    RewriteLock lock;
+    if (!lock.acquire(CString(path).toUtf8())) return 0;
     std::unique_ptr<JpegMarkerMap> source;
     try {
         source = std::make_unique<JpegMarkerMap>(sourcePath);
@@ -515,7 +515,10 @@ Dib* IntelJpegCodec::readEmbeddedThumbnail(const char16_t* path) {
 
 void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail) {
     using namespace JpegFormat;
-    const std::string target = CString(path).toUtf8();
+    // The new version is begun (and the file locked) before the file is read.
+    ReplacementFile out(CString(path).toUtf8());
+    if (!out.open()) return;
+    keepTimes(out);
     std::unique_ptr<JpegMarkerMap> map;
     try {
         map = std::make_unique<JpegMarkerMap>(path);
@@ -542,9 +545,6 @@ void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail
     if (block.empty() || block.size() > static_cast<std::size_t>(kMaxSegmentContents)) return;
 
     // The file with its EXIF segment exchanged: everything before and after it stays as it was.
-    ReplacementFile out(target);
-    if (!out.open()) return;
-    noteTimes(target, out);
     const int length = static_cast<int>(block.size()) + 2;
     const unsigned char header[4] = {0xFF, kApp1, static_cast<unsigned char>(length >> 8),
                                      static_cast<unsigned char>(length & 0xFF)};
@@ -585,12 +585,14 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
         default:
             throw Error(u"Angle not supported");
     }
+    // The new version is begun, and the file locked, before the file is read: a rotation by another
+    // writer in the meantime is turned further, not lost.
     const std::string target = CString(path).toUtf8();
-    FileContents source;
-    if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
     ReplacementFile out(target);
     if (!out.open()) throw Exception(u"Cannot open destination file");
-    if (!noteTimes(target, out)) return false;
+    FileContents source;
+    if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
+    keepTimes(out);
 
     tjhandle transformer = tjInitTransform();
     if (!transformer) return false;

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <sys/stat.h>
@@ -102,6 +103,39 @@ int FileSystem::makeDirectory(const char* path, mode_t mode) {
 }
 int FileSystem::makeTemporary(char* pattern, int suffixLength) {
     return retryOnInterrupt([&] { return ::mkostemps(pattern, suffixLength, O_CLOEXEC); });
+}
+int FileSystem::realPath(const char* path, std::string* resolved) {
+    char* real = ::realpath(path, nullptr);
+    if (!real) return -1;
+    *resolved = real;
+    std::free(real);
+    return 0;
+}
+int FileSystem::readLink(const char* path, std::string* target) {
+    char buffer[4096];
+    const ssize_t n = ::readlink(path, buffer, sizeof buffer);
+    if (n < 0) return -1;
+    if (n == static_cast<ssize_t>(sizeof buffer)) {
+        errno = ENAMETOOLONG;
+        return -1;
+    }
+    target->assign(buffer, static_cast<std::size_t>(n));
+    return 0;
+}
+int FileSystem::changeOwner(int fd, uid_t owner, gid_t group) {
+    return ::fchown(fd, owner, group);
+}
+int FileSystem::changeMode(int fd, mode_t mode) {
+    return ::fchmod(fd, mode);
+}
+ssize_t FileSystem::listAttributes(int fd, char* names, std::size_t size) {
+    return ::flistxattr(fd, names, size);
+}
+ssize_t FileSystem::getAttribute(int fd, const char* name, void* value, std::size_t size) {
+    return ::fgetxattr(fd, name, value, size);
+}
+int FileSystem::setAttribute(int fd, const char* name, const void* value, std::size_t size) {
+    return ::fsetxattr(fd, name, value, size, 0);
 }
 
 FileSystem& FileSystem::current() {

@@ -11,6 +11,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <string>
 
 namespace Orvanta::Platform {
 
@@ -44,6 +45,16 @@ public:
     // mkstemps: replaces the six X before the last suffixLength characters of pattern with a unique
     // text, creates that file and opens it.
     virtual int makeTemporary(char* pattern, int suffixLength);
+    // realpath: the absolute path with every symbolic link and "." or ".." resolved.
+    virtual int realPath(const char* path, std::string* resolved);
+    // readlink into a string.
+    virtual int readLink(const char* path, std::string* target);
+    virtual int changeOwner(int fd, uid_t owner, gid_t group);
+    virtual int changeMode(int fd, mode_t mode);
+    // flistxattr, fgetxattr, fsetxattr: the extended attributes of an open file (ACLs among them).
+    virtual ssize_t listAttributes(int fd, char* names, std::size_t size);
+    virtual ssize_t getAttribute(int fd, const char* name, void* value, std::size_t size);
+    virtual int setAttribute(int fd, const char* name, const void* value, std::size_t size);
 
     // The instance in use, and the swap for tests. install(nullptr) restores the POSIX one.
     static FileSystem& current();

@@ -28,6 +28,8 @@ std::string describeError(int code) {
             return std::string();
         case kErrorNotAFile:
             return "not a regular file (a pipe, a device or a socket)";
+        case kErrorHardLinked:
+            return "the file has other hard links, which replacing it would split";
         case ENOSPC:
             return "no space left on the device";
         case EDQUOT:
@@ -67,7 +69,8 @@ std::string describeError(int code) {
             // Any other errno in the system's words, lower-cased like the phrases above.
             char buffer[128];
             std::string text = strerror_r(code, buffer, sizeof buffer);
-            if (!text.empty() && text[0] >= 'A' && text[0] <= 'Z') text[0] = static_cast<char>(text[0] - 'A' + 'a');
+            if (!text.empty() && text[0] >= 'A' && text[0] <= 'Z')
+                text[0] = static_cast<char>(text[0] - 'A' + 'a');
             return text;
         }
     }

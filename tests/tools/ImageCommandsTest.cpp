@@ -13,6 +13,7 @@
 #include "orvanta/pixels/Dib.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
+#include "tests/support/TestPictures.h"
 #include "tests/support/ToolRunner.h"
 
 using namespace Orvanta;
@@ -89,6 +90,25 @@ TEST_F(ImageCommands, RotateRefusesOtherFormatsAnglesAndDamagedFiles) {
     EXPECT_EQ(1, runTool("rotate '" + damaged + "' 90").status);
     EXPECT_EQ(before, readFileBytes(damaged));
     EXPECT_EQ(1, runTool("rotate '" + dir.file("missing.jpg") + "' 90").status);
+}
+
+TEST_F(ImageCommands, RotationsStartedTogetherAddUp) {
+    const std::string photo = copyOf("jpeg/canon-ixus-640x480.jpg"), reference = dir.file("reference.jpg");
+    writeFileBytes(reference, readFileBytes(photo));
+    ASSERT_EQ(0, runTool("rotate '" + reference + "' 270").status);
+    // Three quarter turns at once: each must turn what the one before it left.
+    const std::string turn = "'" + std::string(std::getenv("ORVANTA_TOOL")) + "' rotate '" + photo +
+                             "' 90 >/dev/null || echo failed";
+    FILE* shell = popen(("(" + turn + ") & (" + turn + ") & (" + turn + ") & wait").c_str(), "r");
+    ASSERT_TRUE(shell);
+    char failures[64] = {};
+    const std::size_t read = std::fread(failures, 1, sizeof failures - 1, shell);
+    pclose(shell);
+    EXPECT_EQ(0u, read) << failures;
+    OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
+    OwnedPtr<Dib> turned = codec->read(CString::fromUtf8(photo), nullptr, 0, 0),
+                  expected = codec->read(CString::fromUtf8(reference), nullptr, 0, 0);
+    EXPECT_EQ(packedPixels(*expected), packedPixels(*turned));
 }
 
 TEST_F(ImageCommands, ThumbUsesTheEmbeddedPictureUnlessTold) {

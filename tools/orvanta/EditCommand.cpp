@@ -22,6 +22,7 @@
 #include "orvanta/editing/SepiaOp.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/OwnedPtr.h"
+#include "orvanta/platform/RewriteLock.h"
 
 using namespace Orvanta;
 
@@ -209,12 +210,17 @@ int runEdit(const Arguments& arguments) {
 
     orvantaIUInit();
     int status = 0;
+    // Held from the read to the write, for the destination may be the source itself.
+    Platform::RewriteLock lock;
     try {
         ImageCodec* reader = imageCodecFor(source);
         ImageCodec* writer = imageCodecFor(destination);
         if (!reader || !writer) {
             std::fprintf(stderr, "orvanta edit: no codec for '%s'\n",
                          (!reader ? source : destination).c_str());
+            status = 1;
+        } else if (!lock.acquire(destination)) {
+            std::fprintf(stderr, "orvanta edit: cannot write '%s'\n", destination.c_str());
             status = 1;
         } else {
             CSize originalSize;
@@ -256,6 +262,7 @@ int runEdit(const Arguments& arguments) {
         std::fprintf(stderr, "orvanta edit: %s\n", e.what());
         status = 1;
     }
+    lock.release();
     orvantaIUDeInit();
     return status;
 }
