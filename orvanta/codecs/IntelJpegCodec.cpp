@@ -1,7 +1,5 @@
 #include "orvanta/codecs/IntelJpegCodec.h"
 
-#include <turbojpeg.h>
-
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -26,6 +24,7 @@
 #include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/JpegLibrary.h"
+#include "orvanta/platform/JpegTransform.h"
 #include "orvanta/platform/ReplacementFile.h"
 #include "orvanta/platform/RewriteLock.h"
 
@@ -571,20 +570,7 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
     if (!op) return false;
     const int angle = op->getAngle();
     if (angle == 0) return true;
-    TJXOP operation;
-    switch (angle) {
-        case 90:
-            operation = TJXOP_ROT90;
-            break;
-        case 180:
-            operation = TJXOP_ROT180;
-            break;
-        case 270:
-            operation = TJXOP_ROT270;
-            break;
-        default:
-            throw Error(u"Angle not supported");
-    }
+    if (angle != 90 && angle != 180 && angle != 270) throw Error(u"Angle not supported");
     // The new version is begun, and the file locked, before the file is read: a rotation by another
     // writer in the meantime is turned further, not lost.
     const std::string target = CString(path).toUtf8();
@@ -593,22 +579,9 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
     FileContents source;
     if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
     keepTimes(out);
-
-    tjhandle transformer = tjInitTransform();
-    if (!transformer) return false;
-    unsigned char* rotated = nullptr;
-    unsigned long rotatedSize = 0;
-    tjtransform transform{};
-    transform.op = operation;
-    transform.options = TJXOPT_TRIM;
-    // A file the decoder warns about (cut short, stray bytes) is not rewritten: what it cannot read
-    // would be replaced by grey in the new file.
-    const int status = tjTransform(transformer, source.data(), static_cast<unsigned long>(source.size()), 1,
-                                   &rotated, &rotatedSize, &transform, TJFLAG_STOPONWARNING);
-    tjDestroy(transformer);
-    const bool ok = status == 0 && rotated && out.write(rotated, rotatedSize) && out.commit();
-    tjFree(rotated);
-    return ok;
+    std::vector<unsigned char> rotated;
+    return rotateJpeg(source.data(), static_cast<std::size_t>(source.size()), angle, &rotated) &&
+           out.write(rotated.data(), rotated.size()) && out.commit();
 }
 
 }  // namespace Orvanta

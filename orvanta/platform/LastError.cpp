@@ -30,6 +30,10 @@ std::string describeError(int code) {
             return "not a regular file (a pipe, a device or a socket)";
         case kErrorHardLinked:
             return "the file has other hard links, which replacing it would split";
+        case kErrorDamagedData:
+            return "the picture data is damaged or cut short";
+        case kErrorLosesPixels:
+            return "the picture is too small to turn without losing pixels";
         case ENOSPC:
             return "no space left on the device";
         case EDQUOT:

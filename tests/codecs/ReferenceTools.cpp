@@ -34,6 +34,16 @@ std::string quoted(const std::string& path) {
     return "'" + path + "'";
 }
 
+// Runs a command and gives its exit status and what it printed.
+int run(const std::string& command, std::string* out) {
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return -1;
+    char buffer[1 << 16];
+    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out->append(buffer, n);
+    const int status = pclose(pipe);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 // A binary PPM (P6) of 8-bit samples, turned blue first. The header may carry comment lines.
 std::optional<Picture> parsePpm(const std::string& bytes) {
     std::size_t at = 0;
@@ -78,6 +88,12 @@ std::optional<Picture> djpegDecode(const std::string& path, int denominator) {
     return parsePpm(*out);
 }
 
+std::string djpegDigest(const std::string& path) {
+    const auto out = capture("djpeg -pnm " + quoted(path) + " 2>/dev/null | md5sum", false);
+    const std::string digest = out && out->size() > 32 ? out->substr(0, 32) : std::string();
+    return digest == "d41d8cd98f00b204e9800998ecf8427e" ? std::string() : digest;  // nothing decoded
+}
+
 std::optional<Picture> magickDecode(const std::string& path) {
     if (access("/usr/bin/convert", X_OK) != 0) return std::nullopt;
     const auto out = capture("/usr/bin/convert " + quoted(path + "[0]") +
@@ -99,11 +115,13 @@ std::vector<Picture> referenceDecodes(const std::string& path) {
     return decodes;
 }
 
-bool jpegtranRotate(const std::string& path, int angle, const std::string& output) {
-    if (!haveTool("jpegtran")) return false;
-    const std::string command = "jpegtran -rotate " + std::to_string(angle) + " -trim -copy all -outfile " +
-                                quoted(output) + " " + quoted(path) + " 2>/dev/null";
-    return std::system(command.c_str()) == 0;
+JpegtranResult jpegtranRotate(const std::string& path, int angle, const std::string& output) {
+    JpegtranResult result;
+    if (!haveTool("jpegtran")) return result;
+    result.status = run("jpegtran -rotate " + std::to_string(angle) + " -trim -copy all -outfile " +
+                            quoted(output) + " " + quoted(path) + " 2>&1",
+                        &result.messages);
+    return result;
 }
 
 std::optional<std::string> exiftoolTags(const std::string& path) {

@@ -22,14 +22,21 @@ bool haveTool(const char* name);
 // djpeg's decode at 1/denominator (grey spread to three channels); empty when djpeg is missing or
 // cannot decode the file at all (a decode with warnings counts).
 std::optional<Picture> djpegDecode(const std::string& path, int denominator);
+// A digest of djpeg's full decode, for comparing the pixels of two files; empty when none.
+std::string djpegDigest(const std::string& path);
 // ImageMagick's decode, flattened over black (so premultiplied like libtiff's); empty when missing.
 std::optional<Picture> magickDecode(const std::string& path);
 // The decodes of every reference reader installed: ImageMagick's as above, and GraphicsMagick's
 // colours as stored. The readers disagree on some rare forms (old-style JPEG in TIFF, planar grey
 // with alpha), so a decode is right when it matches any of them.
 std::vector<Picture> referenceDecodes(const std::string& path);
-// jpegtran -rotate angle -trim -copy all into output; false when jpegtran is missing or fails.
-bool jpegtranRotate(const std::string& path, int angle, const std::string& output);
+// What jpegtran -rotate angle -trim -copy all made of a file: its exit status (1 an error, 2 after
+// warnings, -1 jpegtran missing) and what it printed.
+struct JpegtranResult {
+    int status = -1;
+    std::string messages;
+};
+JpegtranResult jpegtranRotate(const std::string& path, int angle, const std::string& output);
 // exiftool's tags of a file (group:tag=value lines, sorted), without the ones that describe the
 // file itself (name, size, dates of the file system, JFIF and encoding facts).
 std::optional<std::string> exiftoolTags(const std::string& path);
