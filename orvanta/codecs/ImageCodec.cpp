@@ -10,6 +10,7 @@
 #include "orvanta/pixels/Dib.h"
 #include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/FileSystem.h"
+#include "orvanta/platform/LastError.h"
 #include "orvanta/platform/ReplacementFile.h"
 #include "orvanta/platform/RewriteLock.h"
 
@@ -21,6 +22,16 @@ bool ImageCodec::applyToFile(const char16_t* path, EditingOp* op) {
     return false;
 }
 
+namespace {
+
+// A failure for which the file system gave no reason was one of the picture's data.
+bool failedOnData() {
+    if (Platform::getLastError() == 0) Platform::setLastError(Platform::kErrorDamagedData);
+    return false;
+}
+
+}  // namespace
+
 bool ImageCodec::getImageFileInformation(const char16_t* path, ImageType* type, CSize* size,
                                          ImageQuality* quality) {
     Codec* codec = CodecManager::getCodec(path);
@@ -30,7 +41,7 @@ bool ImageCodec::getImageFileInformation(const char16_t* path, ImageType* type, 
     try {
         static_cast<ImageCodec*>(codec)->getInfo(path, size, quality);
     } catch (...) {
-        return false;
+        return failedOnData();
     }
     return true;
 }
@@ -83,7 +94,7 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
         flags = kConvertFormatChanged;
     }
     OwnedPtr<Dib> dib = reader->read(source, nullptr, maxHeight, maxWidth);
-    if (!dib) return 0;
+    if (!dib) return failedOnData();
     if (needResize) {
         OwnedPtr<DownsizeOp> downsize =
             DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(maxWidth, maxHeight), true, false);
@@ -94,12 +105,10 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
         }
         flags |= kConvertMadeSmaller;
     }
-    if (reader != writer)
-        writer->write(dib, destination, quality);
-    else if (reader->getImageType() == ImageTypeJpeg)
-        writeKeeping(writer, dib, destination, source, quality);
-    else
-        writer->write(dib, destination, quality);
+    const int written = reader == writer && reader->getImageType() == ImageTypeJpeg
+                            ? writeKeeping(writer, dib, destination, source, quality)
+                            : writer->write(dib, destination, quality);
+    if (written <= 0) return 0;
     if (quality != sourceQuality) flags |= kConvertQualityChanged;
     return flags;
 }

@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "orvanta/codecs/IntelJpegCodec.h"
@@ -67,6 +66,13 @@ TEST_F(ImageCommands, ConvertRefusesBadArgumentsAndUnreadableFiles) {
     EXPECT_EQ(2, runTool("convert '" + photo + "' x.jpg --quality best").status);
     EXPECT_EQ(1, runTool("convert '" + dir.file("missing.jpg") + "' '" + dir.file("x.bmp") + "'").status);
     EXPECT_EQ(1, runTool("convert '" + photo + "' '" + dir.file("x.png") + "'").status);
+    // Nothing written is a failure, with the system's reason: a BMP, a TIFF, a JPEG keeping the
+    // metadata and a copy into a missing folder.
+    for (const char* target : {"x.bmp'", "x.tif'", "x.jpg' --max 320x320", "x.jpg'"}) {
+        const ToolRun r = runTool("convert '" + photo + "' '" + dir.file("missing/") + target);
+        EXPECT_EQ(1, r.status) << target;
+        EXPECT_NE(std::string::npos, r.errors.find("does not exist")) << r.errors;
+    }
 }
 
 TEST_F(ImageCommands, RotateTurnsTheFileAndSaysWhenEdgesAreDropped) {
@@ -97,18 +103,37 @@ TEST_F(ImageCommands, RotationsStartedTogetherAddUp) {
     writeFileBytes(reference, readFileBytes(photo));
     ASSERT_EQ(0, runTool("rotate '" + reference + "' 270").status);
     // Three quarter turns at once: each must turn what the one before it left.
-    const std::string turn = "'" + std::string(std::getenv("ORVANTA_TOOL")) + "' rotate '" + photo +
-                             "' 90 >/dev/null || echo failed";
-    FILE* shell = popen(("(" + turn + ") & (" + turn + ") & (" + turn + ") & wait").c_str(), "r");
-    ASSERT_TRUE(shell);
-    char failures[64] = {};
-    const std::size_t read = std::fread(failures, 1, sizeof failures - 1, shell);
-    pclose(shell);
-    EXPECT_EQ(0u, read) << failures;
+    const std::string turn = "({tool} rotate '" + photo + "' 90 >/dev/null || echo failed)";
+    EXPECT_EQ("", runShell(turn + " & " + turn + " & " + turn + " & wait").output);
     OwnedPtr<IntelJpegCodec> codec = IntelJpegCodec::create();
     OwnedPtr<Dib> turned = codec->read(CString::fromUtf8(photo), nullptr, 0, 0),
                   expected = codec->read(CString::fromUtf8(reference), nullptr, 0, 0);
     EXPECT_EQ(packedPixels(*expected), packedPixels(*turned));
+}
+
+TEST_F(ImageCommands, OnAFullDiskEveryCommandSaysSoAndLeavesThePhotoWhole) {
+    // A small file system of its own, filled up, in a private mount namespace on $3: $1 the photo,
+    // $2 the host.
+    writeFileBytes(dir.file("full.sh"), R"(
+        d="$3" && mount -t tmpfs -o size=320k tmpfs "$d" && echo mounted || exit
+        mkdir "$d/in" && cp "$1" "$d/p.jpg" && cp "$1" "$d/in/q.jpg" && cat /dev/zero > "$d/fill"
+        "$2" rotate "$d/p.jpg" 90
+        "$2" edit "$d/p.jpg" "$d/p.jpg" rotate=90
+        "$2" convert "$d/p.jpg" "$d/c.bmp"
+        "$2" thumb "$d/p.jpg" "$d/t.bmp"
+        "$2" batch-convert "$d/in" "$d/out" --to bmp
+        cmp -s "$1" "$d/p.jpg" && echo unchanged)");
+    const std::string photo = testDataPath("jpeg/canon-ixus-640x480.jpg");
+    std::filesystem::create_directory(dir.file("disk"));
+    const ToolRun r = runShell("unshare -rm sh '" + dir.file("full.sh") + "' '" + photo + "' {tool} '" +
+                               dir.file("disk") + "'");
+    if (r.output.find("mounted") == std::string::npos) GTEST_SKIP() << "no private mount here: " << r.errors;
+    std::size_t told = 0;
+    for (std::size_t at = 0; (at = r.errors.find("no space left on the device", at)) != std::string::npos;
+         ++at)
+        ++told;
+    EXPECT_EQ(5u, told) << r.errors;
+    EXPECT_NE(std::string::npos, r.output.find("unchanged"));
 }
 
 TEST_F(ImageCommands, ThumbUsesTheEmbeddedPictureUnlessTold) {

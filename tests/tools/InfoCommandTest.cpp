@@ -1,6 +1,7 @@
 // Runs the orvanta host as a user would and checks what it prints.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <string>
 
@@ -21,10 +22,13 @@ TEST(InfoCommand, PrintsOneTabSeparatedLinePerFile) {
 TEST(InfoCommand, ReportsUnsupportedAndUnreadableFilesAndFails) {
     TempDir dir;
     writeFileBytes(dir.file("notes.txt"), "hello");
-    const ToolRun run = runTool("info '" + dir.file("notes.txt") + "' '" + dir.file("missing.bmp") + "'");
+    ASSERT_EQ(0, mkfifo(dir.file("pipe.jpg").c_str(), 0600));  // waiting for a writer would hang
+    const ToolRun run = runTool("info '" + dir.file("notes.txt") + "' '" + dir.file("missing.bmp") + "' '" +
+                                dir.file("pipe.jpg") + "'");
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.output,
-              dir.file("notes.txt") + "\tunsupported\n" + dir.file("missing.bmp") + "\tunreadable\n");
+    EXPECT_EQ(run.output, dir.file("notes.txt") + "\tunsupported\n" + dir.file("missing.bmp") +
+                              "\tunreadable\n" + dir.file("pipe.jpg") + "\tunreadable\n");
+    EXPECT_NE(run.errors.find("not a regular file"), std::string::npos) << run.errors;
 }
 
 TEST(InfoCommand, HelpDocumentsTheOutput) {
