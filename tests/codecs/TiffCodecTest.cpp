@@ -96,10 +96,17 @@ TEST_F(Tiff, AWrittenPictureIsA24BitPackBitsFileThatReadsBackExactly) {
     }
 }
 
-TEST_F(Tiff, OnlyColourDibsAreWritten) {
-    OwnedPtr<Dib> grey = ByteDib::create(4, 4);
-    EXPECT_EQ(0, codec->write(grey, dir.wide("grey.tif"), ImageQualityHigh));
-    EXPECT_FALSE(std::filesystem::exists(dir.file("grey.tif")));
+TEST_F(Tiff, AGreyDibIsWrittenWithItsGreySpreadToTheThreeColours) {
+    OwnedPtr<Dib> grey = ByteDib::create(37, 23);
+    for (int y = 0; y < 23; ++y)
+        for (int x = 0; x < 37; ++x)
+            grey->getBits()[y * grey->getStride() + x] = static_cast<unsigned char>(x * 7 - y);
+    ASSERT_EQ(1, codec->write(grey, dir.wide("grey.tif"), ImageQualityHigh));
+    OwnedPtr<Dib> back = codec->read(dir.wide("grey.tif"), nullptr, 0, 0);
+    OwnedPtr<Dib> expected = makeDib(37, 23, [](int x, int y) {
+        return Rgb{x * 7 - y, x * 7 - y, x * 7 - y};
+    });
+    EXPECT_TRUE(pictureOf(*back).bgr == pictureOf(*expected).bgr);
 }
 
 TEST_F(Tiff, DamagedAndForeignFilesGiveNull) {
