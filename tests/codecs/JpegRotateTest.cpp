@@ -89,7 +89,7 @@ TEST_F(JpegRotate, RefusalsAndPixelsAgreeWithJpegtran) {
                 stat(path.c_str(), &info);
                 EXPECT_EQ(1200000000, info.st_mtim.tv_sec) << "the times are kept";
             } else {
-                EXPECT_EQ(bytes, after) << file;
+                EXPECT_TRUE(bytes == after) << file;
             }
             std::remove(dir.file("reference.jpg").c_str());
             EXPECT_EQ(1u, dir.count()) << "a temporary file was left";

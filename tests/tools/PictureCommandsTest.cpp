@@ -171,7 +171,8 @@ TEST_F(PictureCommands, EditsEqualTheLibrarysOperationsAndReportTheHistory) {
         if (!c.expected) continue;
         OwnedPtr<EditableDib> expected(new EditableDib(OwnedPtr<Dib>(readPicture(c.source))));
         for (const Make& make : *c.expected) expected->doOp(OwnedPtr<EditingOp>(make()));
-        EXPECT_EQ(packedPixels(*expected), packedPixels(*OwnedPtr<Dib>(readPicture(out + ".bmp"))))
+        // Not EXPECT_EQ: its report of two differing pictures would take gigabytes.
+        EXPECT_TRUE(packedPixels(*expected) == packedPixels(*OwnedPtr<Dib>(readPicture(out + ".bmp"))))
             << c.operations;
     }
     const std::string edit = "edit '" + small + "' '" + out + ".bmp' ";
@@ -194,14 +195,15 @@ TEST_F(PictureCommands, AnEditedJpegKeepsTheMetadataOfItsSource) {
 }
 
 TEST_F(PictureCommands, RotationsStartedTogetherAddUp) {
-    const std::string turned = copyOf("jpeg/canon-ixus-640x480.jpg", "photo.jpg"),
-                      reference = copyOf("jpeg/canon-ixus-640x480.jpg", "reference.jpg");
+    // Three megapixels, so that the turns overlap.
+    const std::string turned = copyOf("jpeg/casio-ex-z3-2048x1536.jpg", "photo.jpg"),
+                      reference = copyOf("jpeg/casio-ex-z3-2048x1536.jpg", "reference.jpg");
     ASSERT_EQ(0, runTool("rotate '" + reference + "' 270").status);
     // Three quarter turns at once: each must turn what the one before it left.
     const std::string turn = "({tool} rotate '" + turned + "' 90 >/dev/null || echo failed)";
     EXPECT_EQ("", runShell(turn + " & " + turn + " & " + turn + " & wait").output);
-    EXPECT_EQ(packedPixels(*OwnedPtr<Dib>(readPicture(reference))),
-              packedPixels(*OwnedPtr<Dib>(readPicture(turned))));
+    EXPECT_TRUE(packedPixels(*OwnedPtr<Dib>(readPicture(reference))) ==
+                packedPixels(*OwnedPtr<Dib>(readPicture(turned))));
 }
 
 TEST_F(PictureCommands, OnAFullDiskEveryCommandSaysSoAndLeavesThePhotoWhole) {
