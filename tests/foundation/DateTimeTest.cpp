@@ -60,8 +60,7 @@ TEST(DateTimeTicks, FollowTheCalendarAndGiveOrderAndDifferences) {
         d.asFileTime(&t);
         EXPECT_EQ(DateTime(t, false), d);
         // Neighbours that differ in the last field only as often as in all of them.
-        const DateTime e =
-            i % 2 ? randomDate(random) : d + DateTimeDiff(static_cast<long long>(random() % 5) - 2);
+        const DateTime e = i % 2 ? randomDate(random) : d + DateTimeDiff(static_cast<long long>(i % 5) - 2);
         EXPECT_TRUE((d < e) == (ticksOf(d) < ticksOf(e)) && (d == e) == (ticksOf(d) == ticksOf(e)));
         EXPECT_EQ(static_cast<unsigned long long>((d - e).getTicks()), ticksOf(d) - ticksOf(e));
         DateTime back = e;
@@ -69,8 +68,6 @@ TEST(DateTimeTicks, FollowTheCalendarAndGiveOrderAndDifferences) {
         EXPECT_EQ(back, d);
     }
     EXPECT_TRUE(DateTime(FILETIME{0, 0x80000000}, false).isNull()) << "beyond the range";
-    EXPECT_TRUE(DateTime(2004, 12, 31, 0, 0, 0, 0) < kNoDates[0] &&
-                kNoDates[0] < DateTime(2005, 1, 1, 0, 0, 0, 0));
 }
 
 TEST(DateTimeLocal, LocalTimeFollowsDaylightSavingAndNoDateGivesNoDate) {
@@ -89,6 +86,6 @@ TEST(DateTimeLocal, LocalTimeFollowsDaylightSavingAndNoDateGivesNoDate) {
     for (int i = 0; i < 7; ++i) {
         EXPECT_EQ(ticksOf(kNoDates[i]), 0xdeadbeefdeadbeefULL) << "the output is left alone";
         EXPECT_TRUE(kNoDates[i].localToUTC().isNull());
-        if (i < 4) EXPECT_TRUE(kNoDates[i].asString().isEmpty()) << "the short text is of the day alone";
+        EXPECT_TRUE(i >= 4 || kNoDates[i].asString().isEmpty()) << "the short text is of the day alone";
     }
 }

