@@ -23,14 +23,11 @@ packages=(
   # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)
   uuid-dev
   libglib2.0-dev
-  # locale sources, so the date tests can build en_US and de_DE locales with localedef
-  locales
   # picture scaling by the platform (pixman compositing)
   libpixman-1-dev
-  # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, TurboJPEG's lossless transforms),
+  # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, the coefficients of lossless turns),
   # libexif for the EXIF thumbnail, libtiff
   libjpeg62-turbo-dev
-  libturbojpeg0-dev
   libexif-dev
   libtiff-dev
   # reference tools the tests compare against: decoders (ImageMagick, GraphicsMagick, djpeg),

@@ -1,5 +1,6 @@
 #include "tests/support/FaultyFileSystem.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace OrvantaTest {
@@ -9,6 +10,14 @@ FaultyFileSystem::FaultyFileSystem() {
 }
 FaultyFileSystem::~FaultyFileSystem() {
     Orvanta::Platform::FileSystem::install(nullptr);
+}
+
+int FaultyFileSystem::open(const char* path, int flags, mode_t mode) {
+    if (mCreateError && (flags & O_CREAT)) {
+        errno = mCreateError;
+        return -1;
+    }
+    return FileSystem::open(path, flags, mode);
 }
 
 ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
