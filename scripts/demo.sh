@@ -59,8 +59,8 @@ if [ -n "$camera" ]; then
     fi
     if command -v exiftool > /dev/null; then
       tags() { exiftool -G1 -s -a -n -x File:all -x System:all -x Composite:all -x ExifTool:all "$1" | grep -v -e Thumbnail -e '^\[IFD1\]'; }
-      echo "EXIF: $(tags "$out/in-place.jpg" | wc -l) tags, those that differ from jpegtran's copy (the thumbnail aside):"
-      diff <(tags "$out/jpegtran-90.jpg") <(tags "$out/in-place.jpg") && echo "  none" || true
+      echo "EXIF: $(tags "$out/in-place.jpg" | wc -l) tags, those that differ from the photograph's (the thumbnail aside):"
+      diff <(tags "$camera") <(tags "$out/in-place.jpg") && echo "  none" || true
       exiftool -s -Make -Model -DateTimeOriginal -ImageSize -ThumbnailImage "$out/in-place.jpg"
     fi
   fi

@@ -192,6 +192,15 @@ void setUpTarget(Turn* t, int angle, JDIMENSION width, JDIMENSION height) {
     }
 }
 
+// A file that begins with its EXIF segment, as a camera writes it, must go on beginning with it:
+// the encoder's own JFIF segment would come first.
+void keepExifFirst(Turn* t) {
+    const jpeg_saved_marker_ptr first = t->source.marker_list;
+    if (first && first->marker == JPEG_APP0 + 1 && first->data_length >= 6 &&
+        std::memcmp(first->data, "Exif\0", 6) == 0)
+        t->target.write_JFIF_header = FALSE;
+}
+
 // The segments the source carried, after those the encoder wrote itself: a JFIF or Adobe segment
 // would otherwise come twice.
 void copySegments(Turn* t) {
@@ -247,6 +256,7 @@ bool rotateJpeg(const unsigned char* data, std::size_t size, int angle, std::vec
     t->targetMade = true;
     writeInto(t, out);
     setUpTarget(t, angle, width, height);
+    keepExifFirst(t);
     turnBlocks(t, source, angle);
     jpeg_write_coefficients(&t->target, t->turned);
     copySegments(t);
