@@ -9,13 +9,16 @@
 // handlePrepareForSave keeps what it wants and answers true. A policy destroyed while current stops
 // being current. Current-policy calls are not thread-safe: set the policy at start-up.
 //
-// replaceFile is the one way a new version takes the place of a user's file: the new version is
-// written whole into a file of its own, the policy is asked while the user's file is still the old
-// version, and only then is the new version written beside the user's file and renamed over it,
-// keeping its permissions. At every moment the user's file is the old version whole or the new one
-// whole. From before the new version is written until it is in place, no other rewrite of the file
-// (through ReplacementFile) runs, so what the new version keeps of the old (its metadata) is not
-// lost to a change made meanwhile; the policy must not rewrite the file itself.
+// replaceFile is the one way a new version takes the place of a user's file. It goes through
+// ReplacementFile, whose RewriteLock it takes before anything else, so the lock is held from the
+// first read of the old version (the new one may keep its metadata) to the rename: no other rewrite
+// of the file runs meanwhile, and none is lost. The new version is written whole into a file of its
+// own, the policy is asked while the user's file is still the old version, and only then is the new
+// version written beside the file the path resolves to (a symbolic link stays a link) and renamed
+// over it, keeping its owner, permissions and extended attributes. A file with other hard links is
+// refused before anything is written. At every moment the user's file is the old version whole or
+// the new one whole; a failure leaves the reason as the thread's last error. The policy must not
+// rewrite the file itself.
 
 #include <functional>
 

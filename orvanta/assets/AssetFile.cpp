@@ -113,7 +113,8 @@ void AssetFile::readFromDisk() {
 bool AssetFile::setFileTimes(const FILETIME* creation, const FILETIME* write) {
     if (!creation && !write) return false;
     FileSystem& fs = FileSystem::current();
-    const int handle = fs.open(mPath.toUtf8().c_str(), O_WRONLY, 0);
+    // Never a pipe or a device, whose open could wait or act.
+    const int handle = Platform::openRegularFile(mPath.toUtf8().c_str(), O_WRONLY);
     if (handle < 0) return false;
     bool ok = true;
     if (write) {

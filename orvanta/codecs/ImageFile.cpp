@@ -8,6 +8,7 @@
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/Throwable.h"
+#include "orvanta/platform/RewriteLock.h"
 
 namespace Orvanta {
 
@@ -158,8 +159,12 @@ ImageFile::SaveResult ImageFile::saveReencoded(Image* image) {
 }
 
 void ImageFile::writeNewThumbnail() {
-    // Made from the file as it now is, so it shows the picture as saved, turned and all. The save
-    // has landed by now: a thumbnail that cannot be written leaves the old one.
+    // Made from the file as it now is, so it shows the picture as saved, turned and all; locked
+    // from that read to the rename of the file with the new thumbnail (the codec's own hold on the
+    // lock nests in this one), so that no other writer changes the picture in between. The save has
+    // landed by now: a thumbnail that cannot be written leaves the old one.
+    Platform::RewriteLock lock;
+    if (!lock.acquire(getPath().toUtf8())) return;
     OwnedPtr<Image> thumbnail = createThumbnail(kSavedThumbnailSide, kSavedThumbnailSide, false);
     try {
         if (thumbnail) imageCodecOf(getCodec())->writeEmbeddedThumbnail(getPath(), thumbnail->getDib());

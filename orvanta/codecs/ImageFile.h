@@ -9,9 +9,11 @@
 // is encoded at ImageQualityHigh into a file of its own (a JPEG keeps the source's APP1, APP13 and
 // COM segments), AssetBackupPolicy::prepareForSave is asked, and only on true is the user's file
 // replaced by it; on false the new version is dropped. Either way a landed save ends with a new
-// 160 x 160 EXIF thumbnail made from the file as written, for codecs that have one. At no step is
-// the user's file anything but its old version whole or the new one whole. Failures are never
-// thrown: loads give null, saves say how they ended in getLastSaveResult.
+// 160 x 160 EXIF thumbnail made from the file as written, for codecs that have one. Every write of
+// the file holds its RewriteLock from the read it builds on to the rename, and replaces the file the
+// path resolves to; at no step is the user's file anything but its old version whole or the new one
+// whole. Failures are never thrown: loads give null, saves say how they ended in
+// getLastSaveResult, and the reason of a failed one is the thread's last error.
 
 #include "orvanta/assets/AssetFile.h"
 #include "orvanta/codecs/Image.h"
