@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "orvanta/assets/AssetFile.h"
-#include "orvanta/assets/VideoFile.h"
 #include "orvanta/codecs/BmpCodec.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/GenericVideoCodec.h"
@@ -21,7 +19,6 @@
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
-#include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -34,8 +31,7 @@ FILETIME at(int year, int month, int day, int hour = 0, int minute = 0) {
     return time;
 }
 
-// The codecs the catalogue knows, once for the whole program; the video codec's stock picture is
-// set by the tests that need one.
+// The codecs of the catalogue, registered once for the whole program.
 GenericVideoCodec* video() {
     static GenericVideoCodec* codec = [] {
         CodecManager::registerCodec(IntelJpegCodec::create());
@@ -47,28 +43,24 @@ GenericVideoCodec* video() {
     return codec;
 }
 
-class Codes : public NotifierListener {
-public:
-    void onNotification(void* sender, const Notification& notification) override {
-        codes.push_back(notification);
-    }
+struct Codes : NotifierListener {
+    void onNotification(void*, const Notification& notification) override { codes.push_back(notification); }
     std::vector<int> codes;
 };
 
-class RecordingClipboard : public Platform::Clipboard {
-public:
+struct RecordingClipboard : Platform::Clipboard {
     RecordingClipboard() { install(this); }
     ~RecordingClipboard() override { install(nullptr); }
     bool put(const std::vector<Platform::ClipboardForm>& given) override {
-        forms = given;
+        for (const auto& form : given) forms.emplace_back(form.type, form.bytes);
         return true;
     }
-    std::vector<Platform::ClipboardForm> forms;
+    std::vector<std::pair<std::string, std::string>> forms;
 };
 
 }  // namespace
 
-TEST(AssetFile, TheEarlierTimeDatesAFileButTimesBefore1980January2ndDoNotCount) {
+TEST(AssetFile, TheEarlierTimeDatesAFileButTimesBefore1980January2ndDoNotCountGivenOrOnDisk) {
     const struct {
         FILETIME creation, write;
         bool creationWins;
@@ -81,13 +73,9 @@ TEST(AssetFile, TheEarlierTimeDatesAFileButTimesBefore1980January2ndDoNotCount) 
         OwnedPtr<ImageFile> file = ImageFile::create(u"/nowhere/photo.jpg", nullptr, &c.write, &c.creation);
         EXPECT_EQ(DateTime(c.creationWins ? c.creation : c.write, true), file->getTimestamp());
     }
-}
-
-TEST(AssetFile, TimesAreReadFromTheDiskWithOrWithoutBirthTimes) {
+    // Times read from the disk, from a file system with birth times and from one without them.
     TempDir dir;
     writeFileBytes(dir.file("photo.jpg"), "0123456789");
-    OwnedPtr<ImageFile> missing = ImageFile::create(dir.wide("missing.jpg"), nullptr, nullptr, nullptr);
-    EXPECT_EQ(DateTime(FILETIME{0, 0}, true), missing->getTimestamp());
     for (bool hidden : {false, true}) {
         FaultyFileSystem disk;
         disk.hideBirthTimes(hidden);
@@ -97,8 +85,8 @@ TEST(AssetFile, TimesAreReadFromTheDiskWithOrWithoutBirthTimes) {
             struct stat info;
             ASSERT_EQ(0, stat(dir.file("photo.jpg").c_str(), &info));
             OwnedPtr<ImageFile> file = ImageFile::create(dir.wide("photo.jpg"), nullptr, nullptr, nullptr);
-            EXPECT_EQ(10, file->getFileSize());
-            if (hidden) EXPECT_EQ(Platform::toFileTime(info.st_ctim), file->getCreationTime());
+            EXPECT_TRUE(!hidden || Platform::toFileTime(info.st_ctim) == file->getCreationTime())
+                << "without birth times, the status change time stands for the creation time";
             // Made just now, so a write time of 2003 is the earlier; one of 1975 does not count.
             const FILETIME expected = written < at(1980, 1, 2) ? file->getCreationTime() : written;
             EXPECT_EQ(DateTime(expected, true), file->getTimestamp());
@@ -106,63 +94,44 @@ TEST(AssetFile, TimesAreReadFromTheDiskWithOrWithoutBirthTimes) {
     }
 }
 
-TEST(Asset, PropertiesAndPathFollowEachOtherBothWays) {
+TEST(Asset, PropertiesAndPathFollowEachOtherBothWaysAndClonesShareNothing) {
     video();
     TempDir dir;
-    writeFileBytes(dir.file("photo.jpg"), readFileBytes(testDataPath("jpeg/canon-ixus-640x480.jpg")));
-    const UniqueID id = UniqueID::create();
-    OwnedPtr<Asset> asset = Asset::create(id, dir.wide("photo.jpg"), nullptr, nullptr);
+    writeFileBytes(dir.file("photo.jpg"), "not read");
+    OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), dir.wide("photo.jpg"), nullptr, nullptr);
     PropertyList* list = asset->getProperties();
-    EXPECT_EQ(id, asset->getID());
     EXPECT_EQ(CString::fromUtf8(dir.path()), list->getValue(Asset::kPropFolder).asString());
     ASSERT_TRUE(asset->getImageFile() && !asset->getVideoFile());
     Codes heard;
     asset->addListener(&heard);
-
-    EXPECT_TRUE(asset->getAssetFile()->rename(u"photo")) << "a rename to itself";
     EXPECT_TRUE(asset->getAssetFile()->rename(u"holiday"));
     EXPECT_EQ(u"holiday.jpg", list->getValue(Asset::kPropFilename).asString());
-    EXPECT_TRUE(readFileBytes(dir.file("holiday.jpg")).size() > 0);
-    EXPECT_EQ((std::vector<int>{2, 1}), heard.codes);
-
-    heard.codes.clear();
+    EXPECT_EQ("not read", readFileBytes(dir.file("holiday.jpg")));
     list->set(Asset::kPropFolder, PropertyValue(u"/elsewhere"), true);
     EXPECT_EQ(u"/elsewhere/holiday.jpg", asset->getAssetFile()->getPath());
-    EXPECT_EQ((std::vector<int>{2, 1, 2}), heard.codes);
-
+    // The rename: the list, then the path; the folder: the same for the path it moved, then the list.
+    EXPECT_EQ((std::vector<int>{2, 1, 2, 1, 2}), heard.codes);
+    asset->removeListener(&heard);
     OwnedPtr<Asset> copy = asset->clone();
     copy->getProperties()->set(Asset::kPropFilename, PropertyValue(u"other.jpg"), true);
     EXPECT_EQ(u"/elsewhere/other.jpg", copy->getAssetFile()->getPath());
-    EXPECT_EQ(u"/elsewhere/holiday.jpg", asset->getAssetFile()->getPath()) << "a clone shares nothing";
-    asset->removeListener(&heard);
-
+    EXPECT_EQ(u"/elsewhere/holiday.jpg", asset->getAssetFile()->getPath());
     // An extension no codec knows: an asset without a file, its list as given.
     list->set(Asset::kPropFilename, PropertyValue(u"notes.xyz"), false);
     OwnedPtr<Asset> unknown = Asset::create(list);
-    EXPECT_FALSE(unknown->getAssetFile());
+    EXPECT_FALSE(unknown->getAssetFile() || unknown->copyToClipboard());
     EXPECT_EQ(u"notes.xyz", unknown->getProperties()->getValue(Asset::kPropFilename).asString());
-    EXPECT_FALSE(unknown->copyToClipboard());
 }
 
 TEST(Asset, DamagedPicturesAndVideosAreAssetsWithoutThumbnails) {
-    GenericVideoCodec* codec = video();
+    video();
     for (const char* name :
          {"jpeg-awkward/missing-sos.jpg", "video/mjpeg-320x240-pcm.avi", "video/none.mov"}) {
-        SCOPED_TRACE(name);
         OwnedPtr<Asset> asset =
             Asset::create(UniqueID::create(), CString::fromUtf8(testDataPath(name)), nullptr, nullptr);
-        ASSERT_TRUE(asset->getAssetFile());
-        EXPECT_FALSE(OwnedPtr<Image>(asset->getAssetFile()->createThumbnail(160, 160, true)));
+        ASSERT_TRUE(asset->getAssetFile()) << name;
+        EXPECT_FALSE(OwnedPtr<Image>(asset->getAssetFile()->createThumbnail(160, 160, true))) << name;
     }
-    OwnedPtr<Dib> stock = makePatternDib(64, 48, 3);
-    codec->setThumbnailImage(OwnedPtr<Image>(Image::create(stock, false)));
-    OwnedPtr<Asset> clip = Asset::create(UniqueID::create(), u"/videos/clip.AVI", nullptr, nullptr);
-    ASSERT_TRUE(clip->getVideoFile());
-    OwnedPtr<Image> first = clip->getVideoFile()->createThumbnail(32, 32, false);
-    OwnedPtr<Image> second = clip->getVideoFile()->createThumbnail(32, 32, false);
-    ASSERT_TRUE(first && second && first != second);
-    EXPECT_EQ(CSize(32, 24), first->getSize());
-    codec->setThumbnailImage(nullptr);
 }
 
 TEST(Asset, TheClipboardGetsTheFileAsACopiedFileAndThePictureAsABmpFile) {
@@ -179,11 +148,7 @@ TEST(Asset, TheClipboardGetsTheFileAsACopiedFileAndThePictureAsABmpFile) {
     RecordingClipboard clipboard;
     ASSERT_TRUE(asset->copyToClipboard());
     const std::string uri = "file://" + dir.path() + "/a%20b%23%C3%A9.bmp";
-    ASSERT_EQ(3u, clipboard.forms.size());
-    EXPECT_EQ("text/uri-list", clipboard.forms[0].type);
-    EXPECT_EQ(uri + "\r\n", clipboard.forms[0].bytes);
-    EXPECT_EQ("x-special/gnome-copied-files", clipboard.forms[1].type);
-    EXPECT_EQ("copy\n" + uri, clipboard.forms[1].bytes);
-    EXPECT_EQ("image/bmp", clipboard.forms[2].type);
-    EXPECT_EQ(bmp, clipboard.forms[2].bytes);
+    EXPECT_EQ(clipboard.forms, (decltype(clipboard.forms){{"text/uri-list", uri + "\r\n"},
+                                                          {"x-special/gnome-copied-files", "copy\n" + uri},
+                                                          {"image/bmp", bmp}}));
 }

@@ -13,15 +13,13 @@ using namespace Orvanta;
 // directory, ending at offset 0x1A.
 TEST(ExifSplice, ANewThumbnailIsSplicedInAndEveryOtherByteStaysWhereItWas) {
     const std::string header("Exif\0\0MM\0\x2A\0\0\0\x08", 14);
-    const std::string ifd0(
-        "\0\x01\x01\x0F\0\x02\0\0\0\x04"
-        "Nik\0\0\0\0\0",
-        18);
+    const std::string ifd0("\0\x01\x01\x0F\0\x02\0\0\0\x04Nik\0\0\0\0\0", 18);
     const auto save = [](const std::string& block, const std::string& thumbnail) {
-        auto exif = ExifThumbnail::load(reinterpret_cast<const unsigned char*>(block.data()),
-                                        static_cast<int>(block.size()));
-        EXPECT_TRUE(exif && exif->setThumbnail(reinterpret_cast<const unsigned char*>(thumbnail.data()),
-                                               static_cast<int>(thumbnail.size())));
+        const auto bytes = [](const std::string& s) {
+            return reinterpret_cast<const unsigned char*>(s.data());
+        };
+        auto exif = ExifThumbnail::load(bytes(block), static_cast<int>(block.size()));
+        EXPECT_TRUE(exif && exif->setThumbnail(bytes(thumbnail), static_cast<int>(thumbnail.size())));
         const std::vector<unsigned char> saved = exif ? exif->save() : std::vector<unsigned char>();
         return std::string(saved.begin(), saved.end());
     };

@@ -1,5 +1,5 @@
 // Notifier: counted listeners, their order, and walks that listeners change, nest in, or end by
-// destroying the sender.
+// destroying the sender; ListenerLink, the reference whose subscription moves with it.
 
 #include "orvanta/foundation/Notifier.h"
 
@@ -7,9 +7,12 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
+#include <tuple>
 #include <vector>
 
 #include "orvanta/foundation/IOwned.h"
+#include "orvanta/foundation/ListenerLink.h"
 
 using namespace Orvanta;
 
@@ -29,6 +32,12 @@ public:
     std::vector<const Recorder*>* log;
     std::function<void()> onCall;
     void* lastSender = nullptr;
+};
+
+// A notification with an id, as the changes of a list carry them.
+struct Change : Notification {
+    Change(int code, int id) : Notification(code), id(id) {}
+    int id;
 };
 
 }  // namespace
@@ -77,4 +86,29 @@ TEST(Notifier, ListenerThatDestroysTheSenderEndsTheWalk) {
         sender->notify(1);
         EXPECT_EQ(log, std::vector<const Recorder*>(nested ? 2 : 1, &a)) << "nested " << nested;
     }
+}
+
+TEST(Notifier, ALinkMovesItsListenerWithTheReferenceAndNotificationsArriveWhole) {
+    struct Heard : NotifierListener {
+        void onNotification(void* sender, const Notification& n) override {
+            const auto* change = dynamic_cast<const Change*>(&n);
+            calls.emplace_back(sender, n.getCode(), change ? change->id : -1);
+        }
+        std::vector<std::tuple<void*, int, int>> calls;
+    } heard;
+    OwnedPtr<Sender> first = new Sender(), second = new Sender();
+    auto link = std::make_unique<ListenerLink<Sender>>(&heard);
+    for (Sender* object : {first.get(), first.get(), second.get()}) link->set(object);
+    first->notify(7);
+    second->notify(Change(4, 35));
+    const int attached = ListenerLink<Sender>::kAttached;
+    EXPECT_EQ(heard.calls,
+              (std::vector<std::tuple<void*, int, int>>{
+                  {first.get(), attached, -1}, {second.get(), attached, -1}, {second.get(), 4, 35}}))
+        << "announced once per new object, deaf to the old one, the notification as it was sent";
+    EXPECT_EQ(1, first->getOwnerCount());
+    EXPECT_EQ(2, second->getOwnerCount());
+    link.reset();
+    EXPECT_EQ(1, second->getOwnerCount());
+    EXPECT_EQ(0, second->getListenerCount());
 }
