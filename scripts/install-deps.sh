@@ -33,6 +33,17 @@ packages=(
   libturbojpeg0-dev
   libexif-dev
   libtiff-dev
+  # windows and drawing: SDL2 (display connection, input), Cairo (canvases, PDF), Pango (text); the
+  # fonts the tests pin; Xvfb, xdotool and xwd for the tests on a real X server; pdfimages to check
+  # that a PDF page holds a JPEG untouched
+  libsdl2-dev
+  libcairo2-dev
+  libpango1.0-dev
+  fonts-dejavu-core
+  xvfb
+  xdotool
+  x11-apps
+  poppler-utils
   # reference tools the tests compare against: decoders (ImageMagick, GraphicsMagick, djpeg),
   # jpegtran's rotation, exiftool's tag reading, tiffinfo
   imagemagick
