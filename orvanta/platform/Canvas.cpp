@@ -342,9 +342,10 @@ int Canvas::drawText(const CString& text, CRect* rect, UINT format) {
 
 int Canvas::stretchDIBits(int xDest, int yDest, int destWidth, int destHeight, int xSrc, int ySrc,
                           int srcWidth, int srcHeight, const void* bits, const BITMAPINFO& info) {
-    if (!bits) return 0;
     if (info.bmiHeader.biCompression == BI_JPEG)
-        return mKind == Kind::Pdf ? drawJpeg(xDest, yDest, destWidth, destHeight, bits, info) : GDI_ERROR;
+        return mKind == Kind::Pdf && bits ? drawJpeg(xDest, yDest, destWidth, destHeight, bits, info)
+                                          : GDI_ERROR;
+    if (!bits) return 0;
     if (!isDrawableRowFormat(info.bmiHeader) || destWidth <= 0 || destHeight <= 0) return 0;
     if (cairo_surface_get_type(mSurface) == CAIRO_SURFACE_TYPE_IMAGE)
         return stretchOntoImage(xDest, yDest, destWidth, destHeight, xSrc, ySrc, srcWidth, srcHeight, bits,
