@@ -159,7 +159,7 @@ void Display::collect() {
     SDL_PumpEvents();
     SDL_Event event;
     while (mOpen && SDL_PeepEvents(&event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) > 0)
-        if (event.type != mWakeEvent) mTranslator.translate(event);
+        if (event.type != mWakeEvent && mTranslator.translate(event) > 0) break;
 }
 
 bool Display::nextPaint(MSG* msg) {

@@ -14,10 +14,6 @@ namespace Orvanta::Platform {
 
 namespace {
 
-void post(Window* window, UINT message, WPARAM wParam, LPARAM lParam, CPoint screen) {
-    postQueueMessage(currentThreadId(), MSG{window, message, wParam, lParam, getTickCount(), screen});
-}
-
 const std::unordered_map<int, int>& keyTable() {
     static const std::unordered_map<int, int> table = {
         {SDLK_BACKSPACE, VK_BACK},
@@ -88,6 +84,11 @@ WPARAM buttonBit(Uint8 button) {
 
 }  // namespace
 
+void EventTranslator::post(Window* window, UINT message, WPARAM wParam, LPARAM lParam, CPoint screen) {
+    postQueueMessage(currentThreadId(), MSG{window, message, wParam, lParam, getTickCount(), screen});
+    ++mPosted;
+}
+
 int EventTranslator::virtualKeyFor(int key) {
     if (key >= SDLK_a && key <= SDLK_z) return 'A' + (key - SDLK_a);
     if (key >= SDLK_0 && key <= SDLK_9) return '0' + (key - SDLK_0);
@@ -112,7 +113,8 @@ Window* EventTranslator::keyTarget() {
     return Window::getActiveWindow();
 }
 
-void EventTranslator::translate(const SDL_Event& event) {
+int EventTranslator::translate(const SDL_Event& event) {
+    mPosted = 0;
     switch (event.type) {
         case SDL_MOUSEMOTION:
         case SDL_MOUSEBUTTONDOWN:
@@ -143,6 +145,7 @@ void EventTranslator::translate(const SDL_Event& event) {
         default:
             break;
     }
+    return mPosted;
 }
 
 void EventTranslator::translateMouse(const SDL_Event& event) {

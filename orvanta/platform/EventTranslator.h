@@ -23,7 +23,8 @@ class Window;
 
 class EventTranslator {
 public:
-    void translate(const SDL_Event& event);
+    // The number of messages the event gave.
+    int translate(const SDL_Event& event);
 
     // The VK_ code of an SDL key code, 0 for a key the platform has no code for.
     static int virtualKeyFor(int sdlKeycode);
@@ -36,7 +37,9 @@ private:
     void postText(const CString& text);
     static Window* keyTarget();
     WPARAM mouseKeyState() const;
+    void post(Window* window, UINT message, WPARAM wParam, LPARAM lParam, CPoint screen);
 
+    int mPosted = 0;
     unsigned mButtons = 0;  // MK_ bits of the buttons held
     CPoint mLastScreen;
     CString mComposition;

@@ -146,7 +146,6 @@ public:
     QueueInput* input = nullptr;
     bool waitingInDisplay = false;
     bool wakeSent = false;
-    Clock::time_point lastCollect;
 
     CPoint lastPosition;
     std::array<bool, 256> keysDown{};
@@ -198,23 +197,20 @@ std::shared_ptr<MessageQueue> queueOf(DWORD threadId) {
     return it == r.queues.end() ? nullptr : it->second;
 }
 
-// Display input is collected whenever the queue has nothing posted, and at least every millisecond
-// while posts keep it busy, so a flood of posts neither starves input nor pays for a poll each.
-constexpr auto kCollectInterval = std::chrono::milliseconds(1);
-
 QueueInput* inputOf(MessageQueue& queue) {
     std::lock_guard<std::mutex> guard(queue.lock);
     return queue.input;
 }
 
-void collectInput(MessageQueue& queue, QueueInput* input, bool force) {
+// Display input is taken only when nothing posted is waiting, as the platform takes input after
+// posted messages: so each input message is routed (to the capture, the focus) as things stand when
+// the messages before it have been handled.
+void collectInput(MessageQueue& queue, QueueInput* input) {
     if (!input) return;
-    const auto now = Clock::now();
-    if (!force) {
+    {
         std::lock_guard<std::mutex> guard(queue.lock);
-        if (!queue.posted.empty() && now - queue.lastCollect < kCollectInterval) return;
+        if (!queue.posted.empty()) return;
     }
-    queue.lastCollect = now;
     input->collect();
 }
 
@@ -233,7 +229,7 @@ bool takeNext(MessageQueue& queue, QueueInput* input, MSG* found, const MessageQ
 bool peek(MSG* msg, const MessageQueue::Filter& filter, UINT remove) {
     MessageQueue& queue = currentQueue();
     QueueInput* input = inputOf(queue);
-    collectInput(queue, input, false);
+    collectInput(queue, input);
     MSG found;
     if (!takeNext(queue, input, &found, filter, (remove & PM_REMOVE) != 0)) return false;
     queue.noteTaken(found);
@@ -347,9 +343,9 @@ bool peekThreadMessage(MSG* msg, UINT first, UINT last, UINT remove) {
 bool getMessage(MSG* msg) {
     MessageQueue& queue = currentQueue();
     MSG found;
-    for (bool slept = false;; slept = true) {
+    for (;;) {
         QueueInput* input = inputOf(queue);
-        collectInput(queue, input, slept);
+        collectInput(queue, input);
         if (takeNext(queue, input, &found, MessageQueue::Filter{}, true)) break;
         std::unique_lock<std::mutex> guard(queue.lock);
         if (queue.hasInputLocked(Clock::now())) continue;
@@ -471,7 +467,7 @@ DWORD msgWaitForMultipleObjects(DWORD count, Thread* const* threads, DWORD milli
             if (input) {
                 // Display input and paint count as input too; both are found without the lock.
                 guard.unlock();
-                collectInput(*queue, input, true);
+                collectInput(*queue, input);
                 MSG paint;
                 const bool needsPaint = input->nextPaint(&paint);
                 guard.lock();

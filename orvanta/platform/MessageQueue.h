@@ -36,7 +36,8 @@ UINT registerWindowMessage(const char16_t* name);
 class QueueInput {
 public:
     virtual ~QueueInput() = default;
-    // Posts the display's pending input to the calling thread's queue.
+    // Called when nothing posted is waiting: posts the display's next input message(s), so that each
+    // is routed as things stand after the ones before it were handled.
     virtual void collect() = 0;
     // A WM_PAINT for a window that needs painting; false when none does.
     virtual bool nextPaint(MSG* msg) = 0;

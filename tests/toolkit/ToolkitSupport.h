@@ -48,7 +48,10 @@ public:
     std::vector<int> keys;
 
 protected:
-    TextSink() { setTabStop(true); }
+    TextSink() {
+        setTabStop(true);
+        setMinSize(20, 20);
+    }
     bool onChar(char16_t c) override {
         typed += c;
         return true;
