@@ -1,0 +1,94 @@
+// A window destroyed while messages, timers or display events for it are still queued: nothing is
+// delivered to it, nothing leaks, nothing crashes.
+
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "orvanta/platform/MessageQueue.h"
+#include "tests/support/UiHarness.h"
+#include "tests/toolkit/ToolkitSupport.h"
+
+using namespace Orvanta;
+using namespace OrvantaTest;
+
+namespace {
+
+// Counts, outside itself, every message its window brings; the count outlives the control.
+class Counted : public WindowedControl {
+public:
+    static Counted* create(int* delivered) { return new Counted(delivered); }
+    LRESULT windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_USER + 1 || message == WM_TIMER || message == WM_MOUSEMOVE || message == WM_PAINT)
+            ++*mDelivered;
+        return WindowedControl::windowProc(window, message, wParam, lParam);
+    }
+
+private:
+    explicit Counted(int* delivered) : mDelivered(delivered) { setMinSize(50, 50); }
+    int* mDelivered;
+};
+
+TEST(LifetimeTest, NothingQueuedForADestroyedWindowIsDelivered) {
+    enum class Queued { Posted, Timer, DisplayEvent, PostedFromAnotherThread, Paint };
+    for (Queued what : {Queued::Posted, Queued::Timer, Queued::DisplayEvent, Queued::PostedFromAnotherThread,
+                        Queued::Paint}) {
+        UiHarness ui(CSize(200, 150));
+        int delivered = 0;
+        OwnedPtr<Counted> control = Counted::create(&delivered);
+        control->setRect(CRect(10, 10, 110, 110));
+        ui.root()->add(control);
+        ui.runUntilIdle();
+        delivered = 0;
+        HWND window = control->getHWND();
+        switch (what) {
+            case Queued::Posted:
+                for (int i = 0; i < 5; ++i) EXPECT_TRUE(Platform::Window::postMessage(window, WM_USER + 1, i, 0));
+                break;
+            case Queued::Timer:
+                window->setTimer(1, 10);
+                break;
+            case Queued::DisplayEvent:
+                ui.mouseMove(CPoint(20, 20));
+                ui.mouseMove(CPoint(30, 30));
+                break;
+            case Queued::PostedFromAnotherThread:
+                std::thread([window] { Platform::Window::postMessage(window, WM_USER + 1, 0, 0); }).join();
+                break;
+            case Queued::Paint:
+                control->invalidate();
+                break;
+        }
+        ui.root()->remove(control);
+        control = nullptr;  // the last reference: the control and its window go
+        EXPECT_FALSE(Platform::Window::isWindow(window));
+        EXPECT_FALSE(Platform::Window::postMessage(window, WM_USER + 1, 0, 0));
+        ui.runFor(40);
+        EXPECT_EQ(delivered, 0) << static_cast<int>(what);
+    }
+}
+
+TEST(LifetimeTest, ATopLevelWindowDestroyedWithInputPendingIsForgotten) {
+    UiHarness::useTestEnvironment();
+    UiHarness ui(CSize(100, 80));
+    HWND other = Platform::Window::create(nullptr, CRect(300, 300, 400, 380), WS_OVERLAPPEDWINDOW, nullptr);
+    ASSERT_TRUE(other->show(true));
+    const Uint32 id = SDL_GetWindowID(static_cast<SDL_Window*>(other->getDisplayWindow()));
+    SDL_Event event{};
+    event.type = SDL_MOUSEMOTION;
+    event.motion.windowID = id;
+    SDL_PushEvent(&event);
+    event.type = SDL_WINDOWEVENT;
+    event.window.windowID = id;
+    event.window.event = SDL_WINDOWEVENT_CLOSE;
+    SDL_PushEvent(&event);
+    other->setCapture();
+    other->setFocus();
+    other->destroy();
+    EXPECT_EQ(Platform::Window::getCapture(), nullptr);
+    EXPECT_EQ(Platform::Window::getFocus(), nullptr);
+    EXPECT_GT(ui.runUntilIdle(), -1);
+}
+
+}  // namespace
