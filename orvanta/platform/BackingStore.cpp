@@ -1,7 +1,6 @@
 #include "orvanta/platform/BackingStore.h"
 
 #include <cairo.h>
-#include <pixman.h>
 
 #include <algorithm>
 #include <cstring>
@@ -83,11 +82,16 @@ void BackingStore::scroll(const CRect& rect, int dx, int dy) {
                      std::min(area.right, area.right - dx), std::min(area.bottom, area.bottom - dy));
     if (from.isEmpty() || (dx == 0 && dy == 0)) return;
     cairo_surface_flush(mSurface);
-    auto* bits = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(mSurface));
-    const int strideWords = getStride() / 4;
-    // pixman_blt copies overlapping areas correctly in either direction.
-    pixman_blt(bits, bits, strideWords, strideWords, 32, 32, from.left, from.top, from.left + dx,
-               from.top + dy, from.width(), from.height());
+    unsigned char* bits = cairo_image_surface_get_data(mSurface);
+    const int stride = getStride();
+    // Row by row, from the far side when moving down, so that no source row is overwritten before it
+    // is copied; memmove takes care of the overlap within a row.
+    const std::size_t bytes = static_cast<std::size_t>(from.width()) * 4;
+    for (int i = 0; i < from.height(); ++i) {
+        const int y = dy > 0 ? from.bottom - 1 - i : from.top + i;
+        std::memmove(bits + static_cast<std::ptrdiff_t>(y + dy) * stride + (from.left + dx) * 4,
+                     bits + static_cast<std::ptrdiff_t>(y) * stride + from.left * 4, bytes);
+    }
     cairo_surface_mark_dirty(mSurface);
     markChanged(CRect(from.left + dx, from.top + dy, from.right + dx, from.bottom + dy));
 }

@@ -4,7 +4,7 @@
 //
 // Contract: a Cairo image surface of 32-bit pixels (blue, green, red, unused: the DIB order) of the
 // window's client size. resize keeps what still fits, white elsewhere. scroll moves the pixels of a
-// rectangle with a pixman copy, as ScrollWindowEx does, and marks the moved area changed; what it
+// rectangle in place, as ScrollWindowEx does, and marks the moved area changed; what it
 // uncovers is left for the caller to repaint. takeChanged hands the changed region over and
 // forgets it.
 

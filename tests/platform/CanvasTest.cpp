@@ -26,7 +26,8 @@ namespace {
 struct ImageCanvas {
     cairo_surface_t* surface;
     std::unique_ptr<Canvas> canvas;
-    ImageCanvas(int width, int height) : surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)) {
+    ImageCanvas(int width, int height)
+        : surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)) {
         canvas = std::make_unique<Canvas>(surface, Canvas::Kind::Bitmap);
         canvas->fillRect(CRect(0, 0, width, height), RGB(255, 255, 255));
     }
@@ -36,7 +37,8 @@ struct ImageCanvas {
     }
     COLORREF at(int x, int y) const {
         cairo_surface_flush(surface);
-        const auto* p = cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface) + x * 4;
+        const auto* p =
+            cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface) + x * 4;
         return RGB(p[2], p[1], p[0]);
     }
     std::vector<COLORREF> all() const {
@@ -90,7 +92,10 @@ TEST(CanvasTest, ClipsAndOriginsAreKeptInDeviceSpaceAndRestored) {
          {{CPoint(2, 2), kWhite}, {CPoint(22, 2), kRed}, {CPoint(2, 22), kRed}, {CPoint(22, 22), kWhite}}},
         {"a frame is drawn inside the rectangle",
          [](Canvas& c) { c.frameRect(CRect(2, 2, 12, 12), kRed, 2); },
-         {{CPoint(2, 2), kRed}, {CPoint(3, 3), kRed}, {CPoint(4, 4), kWhite}, {CPoint(11, 11), kRed},
+         {{CPoint(2, 2), kRed},
+          {CPoint(3, 3), kRed},
+          {CPoint(4, 4), kWhite},
+          {CPoint(11, 11), kRed},
           {CPoint(12, 12), kWhite}}},
     };
     for (const Case& c : cases) {
@@ -126,7 +131,12 @@ TEST(CanvasTest, XorDrawingTwiceLeavesThePicture) {
 TEST(CanvasTest, StretchingFromRowsTakesTheNearestPixelOrFilters) {
     for (int channels : {3, 4}) {
         for (bool bottomUp : {false, true}) {
-            OwnedPtr<Dib> dib = makeDib(6, 5, [](int x, int y) { return Rgb{x * 40, y * 50, 7}; }, channels);
+            OwnedPtr<Dib> dib = makeDib(
+                6, 5,
+                [](int x, int y) {
+                    return Rgb{x * 40, y * 50, 7};
+                },
+                channels);
             BITMAPINFO info = *dib->getBitmapInfo();
             std::vector<unsigned char> rows(dib->getBits(), dib->getBits() + dib->getBitsSize());
             if (bottomUp) {
@@ -148,7 +158,9 @@ TEST(CanvasTest, StretchingFromRowsTakesTheNearestPixelOrFilters) {
         }
     }
     // Filtered, a fine checkerboard shrunk four times is its mean grey.
-    OwnedPtr<Dib> board = makeDib(16, 16, [](int x, int y) { return (x + y) % 2 ? Rgb{255, 255, 255} : Rgb{0, 0, 0}; });
+    OwnedPtr<Dib> board = makeDib(16, 16, [](int x, int y) {
+        return (x + y) % 2 ? Rgb{255, 255, 255} : Rgb{0, 0, 0};
+    });
     Image picture(board);
     ImageCanvas image(8, 8);
     picture.draw(image.canvas.get(), 0, 0, 4, 4);
@@ -218,7 +230,8 @@ TEST(CanvasTest, AJpegBlockGoesIntoAPdfPageUntouched) {
     ASSERT_TRUE(page);
     EXPECT_TRUE(canDrawJpegDirect(page.get(), jpeg.data(), static_cast<int>(jpeg.size())));
     EXPECT_FALSE(canDrawJpegDirect(page.get(), pdf.data(), 0));
-    EXPECT_TRUE(Image::drawJpegDirect(page.get(), 20, 30, jpeg.data(), static_cast<int>(jpeg.size()), 64, 48, 2.5));
+    EXPECT_TRUE(
+        Image::drawJpegDirect(page.get(), 20, 30, jpeg.data(), static_cast<int>(jpeg.size()), 64, 48, 2.5));
     page->finish();
     writeFileBytes(dir.file("page.pdf"), pdf);
     ASSERT_EQ(std::system(("pdfimages -j " + dir.file("page.pdf") + " " + dir.file("out")).c_str()), 0);
@@ -227,7 +240,8 @@ TEST(CanvasTest, AJpegBlockGoesIntoAPdfPageUntouched) {
     // Anywhere else, the block is refused and nothing is drawn.
     ImageCanvas image(10, 10);
     EXPECT_FALSE(canDrawJpegDirect(image.canvas.get(), jpeg.data(), static_cast<int>(jpeg.size())));
-    EXPECT_FALSE(Image::drawJpegDirect(image.canvas.get(), 0, 0, jpeg.data(), static_cast<int>(jpeg.size()), 64, 48, 1.0));
+    EXPECT_FALSE(Image::drawJpegDirect(image.canvas.get(), 0, 0, jpeg.data(), static_cast<int>(jpeg.size()),
+                                       64, 48, 1.0));
     auto recording = Canvas::createRecording(CRect(0, 0, 10, 10));
     EXPECT_FALSE(canDrawJpegDirect(recording.get(), jpeg.data(), static_cast<int>(jpeg.size())));
 }

@@ -146,7 +146,8 @@ std::vector<std::uint32_t> UiHarness::pixels() const {
     std::vector<std::uint32_t> out;
     out.reserve(static_cast<std::size_t>(size.cx) * size.cy);
     for (int y = 0; y < size.cy; ++y) {
-        const auto* row = reinterpret_cast<const std::uint32_t*>(store->getPixels() + static_cast<std::ptrdiff_t>(y) * store->getStride());
+        const auto* row = reinterpret_cast<const std::uint32_t*>(
+            store->getPixels() + static_cast<std::ptrdiff_t>(y) * store->getStride());
         for (int x = 0; x < size.cx; ++x) out.push_back(row[x] & 0xFFFFFF);
     }
     return out;

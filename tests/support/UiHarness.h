@@ -20,7 +20,8 @@ namespace OrvantaTest {
 
 class UiHarness {
 public:
-    explicit UiHarness(Orvanta::CSize size = Orvanta::CSize(320, 240), Orvanta::CPoint position = Orvanta::CPoint(40, 30));
+    explicit UiHarness(Orvanta::CSize size = Orvanta::CSize(320, 240),
+                       Orvanta::CPoint position = Orvanta::CPoint(40, 30));
     ~UiHarness();
     UiHarness(const UiHarness&) = delete;
     UiHarness& operator=(const UiHarness&) = delete;

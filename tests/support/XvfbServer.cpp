@@ -50,7 +50,8 @@ XvfbServer::~XvfbServer() {
 bool XvfbServer::start(int number) {
     const std::string display = ":" + std::to_string(number);
     const std::string screen = std::to_string(mWidth) + "x" + std::to_string(mHeight) + "x24";
-    const char* argv[] = {"Xvfb", display.c_str(), "-screen", "0", screen.c_str(), "-nolisten", "tcp", nullptr};
+    const char* argv[] = {"Xvfb",         display.c_str(), "-screen", "0",
+                          screen.c_str(), "-nolisten",     "tcp",     nullptr};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
@@ -94,7 +95,8 @@ bool XvfbServer::screenshot(std::vector<std::uint32_t>& pixels, int& width, int&
     if (bytes.size() != static_cast<std::size_t>(width) * height * 3) return false;
     pixels.resize(static_cast<std::size_t>(width) * height);
     for (std::size_t i = 0; i < pixels.size(); ++i)
-        pixels[i] = (std::uint32_t(bytes[3 * i]) << 16) | (std::uint32_t(bytes[3 * i + 1]) << 8) | bytes[3 * i + 2];
+        pixels[i] =
+            (std::uint32_t(bytes[3 * i]) << 16) | (std::uint32_t(bytes[3 * i + 1]) << 8) | bytes[3 * i + 2];
     return true;
 }
 

@@ -64,11 +64,11 @@ TEST_F(InputRoutingTest, AClickGoesToTheTopmostWindowlessChildUnderThePoint) {
         CPoint local;
     };
     const Expect cases[] = {
-        {CPoint(50 + 25, 40 + 35), a, CPoint(5, 5)},            // a alone
-        {CPoint(50 + 70, 40 + 60), b, CPoint(10, 10)},          // a and b overlap: b was added later
+        {CPoint(50 + 25, 40 + 35), a, CPoint(5, 5)},                // a alone
+        {CPoint(50 + 70, 40 + 60), b, CPoint(10, 10)},              // a and b overlap: b was added later
         {CPoint(50 + 100 + 15, 40 + 60 + 12), deep, CPoint(5, 2)},  // through two containers
-        {CPoint(50 + 10, 40 + 110), nullptr, CPoint()},         // the hidden box takes nothing
-        {CPoint(10, 10), nullptr, CPoint()},                    // the root itself
+        {CPoint(50 + 10, 40 + 110), nullptr, CPoint()},             // the hidden box takes nothing
+        {CPoint(10, 10), nullptr, CPoint()},                        // the root itself
     };
     for (const Expect& c : cases) {
         for (Box* box : {a, b, deep, hidden}) box->received.clear();
@@ -110,8 +110,8 @@ TEST_F(InputRoutingTest, TheChildThatTookAPressKeepsTheMouseUntilTheRelease) {
 }
 
 TEST_F(InputRoutingTest, AChildThePointerLeavesIsTold) {
-    ui->mouseMove(CPoint(75, 75));   // over a
-    ui->mouseMove(CPoint(120, 100)); // over b
+    ui->mouseMove(CPoint(75, 75));    // over a
+    ui->mouseMove(CPoint(120, 100));  // over b
     ui->runUntilIdle();
     EXPECT_EQ(a->count(WM_MOUSELEAVE), 1);
     EXPECT_EQ(b->count(WM_MOUSELEAVE), 0);

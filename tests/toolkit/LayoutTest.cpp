@@ -22,15 +22,21 @@ TEST(LayoutTest, PlaceChildFollowsAlignmentMarginsAndClamping) {
         bool clamp;
         CRect expected;
     } cases[] = {
-        {Control::AlignFill, Control::AlignFill, CRect(0, 0, 5, 5), CRect(1, 2, 3, 4), true, CRect(11, 22, 107, 66)},
+        {Control::AlignFill, Control::AlignFill, CRect(0, 0, 5, 5), CRect(1, 2, 3, 4), true,
+         CRect(11, 22, 107, 66)},
         {Control::AlignLeft, Control::AlignTop, CRect(50, 50, 70, 60), CRect(), true, CRect(10, 20, 30, 30)},
-        {Control::AlignRight, Control::AlignBottom, CRect(0, 0, 20, 10), CRect(0, 0, 5, 5), true, CRect(85, 55, 105, 65)},
-        {Control::AlignCenter, Control::AlignCenter, CRect(0, 0, 20, 10), CRect(), true, CRect(50, 40, 70, 50)},
+        {Control::AlignRight, Control::AlignBottom, CRect(0, 0, 20, 10), CRect(0, 0, 5, 5), true,
+         CRect(85, 55, 105, 65)},
+        {Control::AlignCenter, Control::AlignCenter, CRect(0, 0, 20, 10), CRect(), true,
+         CRect(50, 40, 70, 50)},
         // Larger than the bounds: clamped, it is cut to them; without clamping it overflows evenly.
-        {Control::AlignCenter, Control::AlignCenter, CRect(0, 0, 140, 70), CRect(), true, CRect(10, 20, 110, 70)},
-        {Control::AlignCenter, Control::AlignCenter, CRect(0, 0, 140, 70), CRect(), false, CRect(-10, 10, 130, 80)},
+        {Control::AlignCenter, Control::AlignCenter, CRect(0, 0, 140, 70), CRect(), true,
+         CRect(10, 20, 110, 70)},
+        {Control::AlignCenter, Control::AlignCenter, CRect(0, 0, 140, 70), CRect(), false,
+         CRect(-10, 10, 130, 80)},
         // Unset keeps the position, clamped into the bounds.
-        {Control::AlignUnset, Control::AlignUnset, CRect(100, 60, 130, 90), CRect(), true, CRect(100, 60, 110, 70)},
+        {Control::AlignUnset, Control::AlignUnset, CRect(100, 60, 130, 90), CRect(), true,
+         CRect(100, 60, 110, 70)},
     };
     for (const Case& c : cases) {
         OwnedPtr<Box> box = Box::create(RGB(1, 2, 3), c.start);

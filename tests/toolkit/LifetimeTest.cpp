@@ -44,7 +44,8 @@ TEST(LifetimeTest, NothingQueuedForADestroyedWindowIsDelivered) {
         HWND window = control->getHWND();
         switch (what) {
             case Queued::Posted:
-                for (int i = 0; i < 5; ++i) EXPECT_TRUE(Platform::Window::postMessage(window, WM_USER + 1, i, 0));
+                for (int i = 0; i < 5; ++i)
+                    EXPECT_TRUE(Platform::Window::postMessage(window, WM_USER + 1, i, 0));
                 break;
             case Queued::Timer:
                 window->setTimer(1, 10);

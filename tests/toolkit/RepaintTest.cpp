@@ -17,7 +17,8 @@ using namespace OrvantaTest;
 namespace {
 
 CRect randomRect(std::mt19937& rng, CSize within) {
-    std::uniform_int_distribution<int> x(-20, within.cx), y(-20, within.cy), w(1, within.cx / 2), h(1, within.cy / 2);
+    std::uniform_int_distribution<int> x(-20, within.cx), y(-20, within.cy), w(1, within.cx / 2),
+        h(1, within.cy / 2);
     const int left = x(rng);
     const int top = y(rng);
     return CRect(left, top, left + w(rng), top + h(rng));
@@ -107,11 +108,11 @@ TEST(RepaintTest, WindowlessChildrenArePaintedInAddOrderAtTheirOrigin) {
         int x, y;
         COLORREF expected;
     } probes[] = {
-        {10 + 10, 10 + 10, RGB(255, 0, 0)},    // only the first box
-        {10 + 35, 10 + 25, RGB(0, 0, 255)},    // both: the later one on top
-        {10 + 5, 10 + 5, RGB(0, 0, 0)},        // the first box's border, at its origin
-        {10 + 80, 10 + 55, RGB(255, 255, 255)}, // the hidden box: the window colour shows
-        {5, 5, RGB(255, 255, 255)},            // the root: the window colour
+        {10 + 10, 10 + 10, RGB(255, 0, 0)},      // only the first box
+        {10 + 35, 10 + 25, RGB(0, 0, 255)},      // both: the later one on top
+        {10 + 5, 10 + 5, RGB(0, 0, 0)},          // the first box's border, at its origin
+        {10 + 80, 10 + 55, RGB(255, 255, 255)},  // the hidden box: the window colour shows
+        {5, 5, RGB(255, 255, 255)},              // the root: the window colour
     };
     for (const Probe& p : probes) EXPECT_EQ(ui.pixel(p.x, p.y), p.expected) << p.x << "," << p.y;
 }

@@ -30,7 +30,8 @@ public:
 
     Orvanta::LRESULT handleMessage(Orvanta::UINT message, Orvanta::WPARAM wParam, Orvanta::LPARAM lParam,
                                    bool* handled) override {
-        received.push_back({message, Orvanta::CPoint(Orvanta::GET_X_LPARAM(lParam), Orvanta::GET_Y_LPARAM(lParam))});
+        received.push_back(
+            {message, Orvanta::CPoint(Orvanta::GET_X_LPARAM(lParam), Orvanta::GET_Y_LPARAM(lParam))});
         return Control::handleMessage(message, wParam, lParam, handled);
     }
     int count(Orvanta::UINT message) const {
