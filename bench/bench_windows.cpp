@@ -51,7 +51,8 @@ void BM_FullRepaint500Controls(benchmark::State& state) {
     Screen screen(CSize(1920, 1080));
     for (int i = 0; i < 500; ++i) {
         const int col = i % 25, row = i / 25;
-        Label* label = Label::create(CString::fromUtf8("Photo " + std::to_string(i + 1)), DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+        Label* label = Label::create(CString::fromUtf8("Photo " + std::to_string(i + 1)),
+                                     DT_CENTER | DT_VCENTER | DT_SINGLELINE);
         label->setRect(CRect(col * 76 + 2, row * 54 + 2, col * 76 + 74, row * 54 + 52));
         label->setBkColor(RGB(200 + i % 50, 220, 240 - i % 40));
         label->setBorderWidth(2, Style::kBorders);
@@ -106,7 +107,8 @@ void BM_PostFromAnotherThreadLatency(benchmark::State& state) {
                 // Wait until the loop has the last one and is asleep again, then post.
                 while (receiver->received.load(std::memory_order_acquire) < i) std::this_thread::yield();
                 std::this_thread::sleep_for(std::chrono::microseconds(50));
-                Platform::Window::postMessage(target, WM_APP, static_cast<WPARAM>(Clock::now().time_since_epoch().count()), 0);
+                Platform::Window::postMessage(
+                    target, WM_APP, static_cast<WPARAM>(Clock::now().time_since_epoch().count()), 0);
             }
         });
         MSG msg;
