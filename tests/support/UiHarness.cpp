@@ -21,10 +21,12 @@ void UiHarness::useTestEnvironment() {
     setenv("FONTCONFIG_FILE", ORVANTA_TEST_FONTS_CONF, 1);
 }
 
-UiHarness::UiHarness(CSize size, CPoint position) {
+UiHarness::UiHarness(CSize size, CPoint position, bool offscreen) {
     useTestEnvironment();
+    if (!offscreen) unsetenv("SDL_VIDEODRIVER");
     if (!isInited()) init();
     mWindow = Platform::Window::create(nullptr, CRect(position, size), WS_OVERLAPPEDWINDOW, nullptr);
+    mWindow->setText(u"Orvanta test window");
     mRoot = Container::create(mWindow);
     mWindow->show(true);
     Platform::Window::setActiveWindow(mWindow);

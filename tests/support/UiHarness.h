@@ -20,8 +20,9 @@ namespace OrvantaTest {
 
 class UiHarness {
 public:
+    // offscreen false: on whatever display the environment names (the Xvfb tests).
     explicit UiHarness(Orvanta::CSize size = Orvanta::CSize(320, 240),
-                       Orvanta::CPoint position = Orvanta::CPoint(40, 30));
+                       Orvanta::CPoint position = Orvanta::CPoint(40, 30), bool offscreen = true);
     ~UiHarness();
     UiHarness(const UiHarness&) = delete;
     UiHarness& operator=(const UiHarness&) = delete;
