@@ -279,13 +279,27 @@ void Container::setHoverChild(Control* child) {
     if (child == mHoverChild) return;
     Control* old = mHoverChild;
     mHoverChild = child;
+    hideTooltip();
+    mWaitingForHover = false;
     if (old) old->handleMessage(WM_MOUSELEAVE, 0, 0, nullptr);
-    if (child && mWindow) {
-        TRACKMOUSEEVENT request;
-        request.dwFlags = TME_LEAVE;
-        request.hwndTrack = mWindow;
-        Platform::trackMouseEvent(&request);
-    }
+}
+
+// Leave and hover tracking, asked again after each hover and each change of child.
+void Container::trackPointer() {
+    if (mWaitingForHover || !mWindow) return;
+    TRACKMOUSEEVENT request;
+    request.dwFlags = TME_LEAVE | TME_HOVER;
+    request.hwndTrack = mWindow;
+    mWaitingForHover = Platform::trackMouseEvent(&request);
+}
+
+void Container::showTooltip(const CString& text, CPoint screen) {
+    if (!mTooltip) mTooltip = std::make_unique<Tooltip>();
+    mTooltip->show(text, screen);
+}
+
+void Container::hideTooltip() {
+    if (mTooltip) mTooltip->hide();
 }
 
 LRESULT Container::handleMessage(UINT message, WPARAM wParam, LPARAM lParam, bool* handled) {
@@ -293,6 +307,10 @@ LRESULT Container::handleMessage(UINT message, WPARAM wParam, LPARAM lParam, boo
         const CPoint point(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
         Control* under = childForPoint(point.x, point.y);
         if (!mMouseChild) setHoverChild(under);
+        if (message == WM_MOUSEMOVE)
+            trackPointer();
+        else
+            hideTooltip();
         Control* target = mMouseChild ? mMouseChild : under;
         if (target) {
             // The child may be removed, and released, while it handles the message.
@@ -313,9 +331,15 @@ LRESULT Container::handleMessage(UINT message, WPARAM wParam, LPARAM lParam, boo
             if (HWND active = Platform::Window::getActiveWindow()) active->setFocus();
     } else if (message == WM_MOUSELEAVE) {
         setHoverChild(nullptr);
+        hideTooltip();
+        mWaitingForHover = false;
     } else if (message == WM_MOUSEHOVER) {
+        mWaitingForHover = false;
         const CPoint point(GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam));
-        if (Control* child = childForPoint(point.x, point.y)) {
+        Control* child = childForPoint(point.x, point.y);
+        const CString& text = child ? child->getTooltip() : getTooltip();
+        if (!text.isEmpty() && mWindow) showTooltip(text, mWindow->clientToScreen(point));
+        if (child) {
             forwardMouse(child, message, wParam, point);
             if (handled) *handled = true;
             return 0;

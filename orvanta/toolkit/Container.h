@@ -17,13 +17,18 @@
 //    press where no child is gives the focus to the active window. A child's commands 1 and 5 reach
 //    the container's listeners as commands 1 and 2 with that child as source; other commands pass
 //    through unchanged.
+//  - When the pointer rests on a windowless child with tooltip text (or on the container, with its
+//    own), the tooltip window shows that text by the pointer; moving to another child, pressing a
+//    button or leaving takes it away.
 //  - Tab moves the focus along tabStops (windowed, shown children); into a container, it goes to
 //    the container's first (or last) tab stop.
 
+#include <memory>
 #include <vector>
 
 #include "orvanta/foundation/RoutedContainer.h"
 #include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/Tooltip.h"
 #include "orvanta/toolkit/WindowedControl.h"
 
 namespace Orvanta {
@@ -59,6 +64,10 @@ public:
     // The room the children need: the largest minimum size with margins, plus the borders.
     virtual CSize getContentSize() const;
     void setLayoutBusy(bool busy);
+    // The tooltip window, null until first used.
+    Tooltip* getTooltipWindow() const { return mTooltip.get(); }
+    void showTooltip(const CString& text, CPoint screen);
+    void hideTooltip();
     bool isLayoutBusy() const { return mLayoutBusy > 0; }
 
     void paintContent(HDC dc) override;
@@ -82,6 +91,7 @@ private:
     bool moveFocus(bool forward);
     void forwardMouse(Control* child, UINT message, WPARAM wParam, CPoint point);
     void setHoverChild(Control* child);
+    void trackPointer();
 
     std::vector<OwnedPtr<Control>> mChildren;
     std::vector<Control*> mTabStops;
@@ -89,6 +99,8 @@ private:
     bool mInNotification = false;
     Control* mMouseChild = nullptr;  // the windowless child that took a button press
     Control* mHoverChild = nullptr;  // the windowless child under the pointer
+    bool mWaitingForHover = false;
+    std::unique_ptr<Tooltip> mTooltip;
 };
 
 }  // namespace Orvanta

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "orvanta/platform/MessageQueue.h"
+#include "orvanta/platform/MouseTracker.h"
 #include "orvanta/toolkit/CommandListener.h"
 #include "orvanta/toolkit/TextButton.h"
 #include "tests/support/UiHarness.h"
@@ -205,6 +206,29 @@ TEST(FocusTest, TypedTextReachesTheFocusedControlAsUtf16Characters) {
     ui.runUntilIdle();
     EXPECT_EQ(Platform::Window::getFocus(), ui.window());
     EXPECT_EQ(WindowedControl::getFocusedControl(), ui.root());
+}
+
+}  // namespace
+
+namespace {
+
+TEST(TooltipTest, ThePointerRestingOnAChildShowsItsTooltipUntilItMoves) {
+    UiHarness ui(CSize(200, 120));
+    Box* tipped = Box::create(RGB(200, 0, 0), CRect(10, 10, 90, 60));
+    tipped->setTooltip(u"Rotate the photograph");
+    Box* plain = Box::create(RGB(0, 0, 200), CRect(100, 10, 180, 60));
+    ui.root()->add(tipped);
+    ui.root()->add(plain);
+    ui.mouseMove(CPoint(30, 30));
+    ui.runFor(Platform::MouseTracker::kDefaultHoverTime + 200);
+    Tooltip* tooltip = ui.root()->getTooltipWindow();
+    ASSERT_NE(tooltip, nullptr);
+    EXPECT_TRUE(tooltip->isShown());
+    EXPECT_EQ(tooltip->getText().str(), u"Rotate the photograph");
+    EXPECT_EQ(tooltip->getHWND()->getRect().topLeft(), ui.window()->clientToScreen(CPoint(30 + 2, 30 + 20)));
+    ui.mouseMove(CPoint(120, 30));
+    ui.runFor(Platform::MouseTracker::kDefaultHoverTime + 200);
+    EXPECT_FALSE(tooltip->isShown());
 }
 
 }  // namespace
