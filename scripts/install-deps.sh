@@ -44,6 +44,8 @@ packages=(
   xdotool
   x11-apps
   poppler-utils
+  # Xlib itself: noticing that the X server went away, and owning the X selection for file lists
+  libx11-dev
   # reference tools the tests compare against: decoders (ImageMagick, GraphicsMagick, djpeg),
   # jpegtran's rotation, exiftool's tag reading, tiffinfo
   imagemagick

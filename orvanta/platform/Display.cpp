@@ -7,6 +7,7 @@
 
 #include "orvanta/platform/BackingStore.h"
 #include "orvanta/platform/Window.h"
+#include "orvanta/platform/X11Connection.h"
 
 namespace Orvanta::Platform {
 
@@ -50,6 +51,8 @@ bool Display::open() {
 }
 
 void Display::close() {
+    // Over a lost connection SDL cannot be stopped: its teardown waits for replies from a server
+    // that is gone. Its video state is abandoned instead, and the display stays lost.
     if (!mOpen) return;
     for (auto& [id, window] : mWindows) {
         SDL_DestroyWindow(static_cast<SDL_Window*>(window->getDisplayWindow()));
@@ -59,6 +62,16 @@ void Display::close() {
     SDL_VideoQuit();
     SDL_QuitSubSystem(SDL_INIT_EVENTS);
     mOpen = false;
+    mDriver.clear();
+}
+
+void Display::checkConnection() {
+    if (!mOpen || !X11Connection::wasLost()) return;
+    // The windows stay as library objects, hidden from a screen that is no more.
+    for (auto& [id, window] : mWindows) window->setDisplayWindow(nullptr);
+    mWindows.clear();
+    mOpen = false;
+    mLost = true;
     mDriver.clear();
 }
 
@@ -83,9 +96,15 @@ bool Display::showWindow(Window* topLevel, bool visible) {
     if (!sdl) {
         const CRect r = topLevel->getRect();
         const std::string title = topLevel->getText().toUtf8();
+        // A pop-up (a tooltip, a drop-down list) has no frame and stays out of the task bar.
+        const Uint32 kind = (topLevel->getStyle() & WS_POPUP)
+                                ? SDL_WINDOW_BORDERLESS | SDL_WINDOW_TOOLTIP | SDL_WINDOW_SKIP_TASKBAR |
+                                      SDL_WINDOW_ALWAYS_ON_TOP
+                                : SDL_WINDOW_RESIZABLE;
         sdl = SDL_CreateWindow(title.c_str(), r.left, r.top, std::max(r.width(), 1), std::max(r.height(), 1),
-                               SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE);
+                               SDL_WINDOW_HIDDEN | kind);
         if (!sdl) return false;
+        X11Connection::watch(sdl);
         topLevel->setDisplayWindow(sdl);
         mWindows[SDL_GetWindowID(sdl)] = topLevel;
     }
@@ -132,7 +151,8 @@ void Display::present(Window* topLevel) {
     auto* sdl = static_cast<SDL_Window*>(topLevel->getDisplayWindow());
     if (!store || !sdl || !store->hasChanges() || !topLevel->isShown()) return;
     SDL_Surface* screen = SDL_GetWindowSurface(sdl);
-    if (!screen) return;
+    checkConnection();
+    if (!screen || !mOpen) return;
     const CSize size = store->getSize();
     SDL_Surface* pixels =
         SDL_CreateRGBSurfaceWithFormatFrom(const_cast<unsigned char*>(store->getPixels()), size.cx, size.cy,
@@ -157,6 +177,7 @@ void Display::presentAll() {
 void Display::collect() {
     if (!onOwnerThread()) return;
     SDL_PumpEvents();
+    checkConnection();
     SDL_Event event;
     while (mOpen && SDL_PeepEvents(&event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) > 0)
         if (event.type != mWakeEvent && mTranslator.translate(event) > 0) break;
@@ -180,6 +201,7 @@ void Display::waitForInput(DWORD milliseconds) {
     const int timeout =
         milliseconds == INFINITE ? -1 : static_cast<int>(std::min<DWORD>(milliseconds, 0x7FFFFFFF));
     if (SDL_WaitEventTimeout(&event, timeout) == 1 && event.type != mWakeEvent) mTranslator.translate(event);
+    checkConnection();
 }
 
 void Display::wake() {

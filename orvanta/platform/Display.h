@@ -10,8 +10,9 @@
 //    the chosen driver cannot start, the offscreen one is tried; if nothing starts, open() is false
 //    and showing a top-level window fails.
 //  - A display server that goes away (Xlib reports the connection lost) closes the display: from
-//    then on isOpen() is false, top-level windows can no longer be shown, and wasLost() says why. The
-//    process is not ended.
+//    then on, for the life of the process, isOpen() is false, top-level windows can no longer be
+//    shown, and wasLost() says why. The process is not ended; the windows, the tree and painting
+//    into backing stores go on working.
 //  - On X11 and Wayland the thread waits inside SDL; a post from another thread wakes it with one SDL
 //    user event. With the offscreen driver there is no outside input, and the queue's own wait serves.
 //  - Backing stores reach the screen through SDL_UpdateWindowSurfaceRects when no window needs paint.
@@ -38,7 +39,8 @@ public:
     bool wasLost() const { return mLost; }
     // SDL's name of the driver in use ("x11", "wayland", "offscreen"), empty while closed.
     const std::string& getDriverName() const { return mDriver; }
-    // Ends the connection as if the server had gone away (also used when it does).
+    // Ends the connection; the next need opens it anew (tests that change displays call it). A
+    // lost display stays lost for the life of the process.
     void close();
 
     // Joins the calling thread's queue to the display, once per thread.
@@ -64,6 +66,8 @@ private:
     Display() = default;
     void present(Window* topLevel);
     bool onOwnerThread() const;
+    // After Xlib found the server gone: forgets the SDL windows (whose connection is dead) and closes.
+    void checkConnection();
 
     bool mOpen = false;
     bool mLost = false;

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
@@ -96,6 +99,36 @@ TEST_F(XvfbTest, TheScreenShowsTheBackingStoreAndXInputReachesTheControls) {
     for (int y = 0; y < 160; ++y)
         for (int x = 0; x < 240; ++x) differing += screen[(30 + y) * width + 40 + x] != after[y * 240 + x];
     EXPECT_EQ(differing, 0);
+}
+
+// The X server going away is a clean error: the display reports it lost and closed, windows can no
+// longer be shown, the tree still paints into its backing store, and the process goes on. A loss is
+// final for the process, so it is played in a child of its own.
+void loseTheServer() {
+    XvfbServer server(200, 150);
+    setenv("DISPLAY", server.display().c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    UiHarness ui(CSize(120, 80), CPoint(10, 10), false);
+    ui.root()->add(Box::create(RGB(10, 20, 30), CRect(5, 5, 50, 50)));
+    ui.runFor(300);
+    server.stop();
+    ui.root()->setBkColor(RGB(0, 200, 0));
+    ui.root()->invalidate(true, nullptr, true);
+    ui.mouseMove(CPoint(10, 10));
+    ui.runFor(300);
+    HWND another = Platform::Window::create(nullptr, CRect(0, 0, 20, 20), WS_OVERLAPPEDWINDOW, nullptr);
+    const bool clean = Platform::Display::instance().wasLost() && !Platform::Display::instance().isOpen() &&
+                       !another->show(true) && ui.pixel(100, 70) == RGB(0, 200, 0);
+    another->destroy();
+    // SDL's state over the dead connection is abandoned, not freed: leave without the leak check.
+    std::fflush(stderr);
+    _exit(clean ? 0 : 1);
+}
+
+TEST(DisplayLossTest, AServerThatGoesAwayIsACleanErrorNotTheEndOfTheProcess) {
+    if (!XvfbServer::available()) GTEST_SKIP() << "Xvfb, xdotool, xwd or ImageMagick is missing";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(loseTheServer(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -1,0 +1,44 @@
+#include "orvanta/platform/X11Connection.h"
+
+#include <SDL.h>
+#include <SDL_syswm.h>
+
+#include <atomic>
+
+namespace Orvanta::Platform {
+
+namespace {
+
+std::atomic<bool> gLost{false};
+::Display* gWatched = nullptr;
+
+// Xlib's default handlers print and end the process; these only take note.
+int onIOError(::Display*) {
+    gLost = true;
+    return 0;
+}
+
+void onIOErrorExit(::Display*, void*) {
+    gLost = true;
+}
+
+}  // namespace
+
+void X11Connection::watch(SDL_Window* window) {
+#if defined(SDL_VIDEO_DRIVER_X11)
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    if (!window || !SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11) return;
+    ::Display* display = info.info.x11.display;
+    if (display == gWatched) return;
+    gWatched = display;
+    XSetIOErrorHandler(&onIOError);
+    XSetIOErrorExitHandler(display, &onIOErrorExit, nullptr);
+#endif
+}
+
+bool X11Connection::wasLost() {
+    return gLost;
+}
+
+}  // namespace Orvanta::Platform
