@@ -44,8 +44,11 @@ packages=(
   xdotool
   x11-apps
   poppler-utils
-  # Xlib itself: noticing that the X server went away, and owning the X selection for file lists
+  # Xlib, to notice that the X server went away; XCB, to own the X clipboard for file lists and
+  # pictures; xclip, for the tests to paste them as another program would
   libx11-dev
+  libxcb1-dev
+  xclip
   # reference tools the tests compare against: decoders (ImageMagick, GraphicsMagick, djpeg),
   # jpegtran's rotation, exiftool's tag reading, tiffinfo
   imagemagick

@@ -43,6 +43,8 @@ bool Display::open() {
         return false;
     }
     mDriver = SDL_GetCurrentVideoDriver();
+    const char* server = std::getenv("DISPLAY");
+    mServerName = mDriver == "x11" && server ? server : "";
     mWakeEvent = SDL_RegisterEvents(1);
     mOwnerThread = currentThreadId();
     mOpen = true;
@@ -63,6 +65,7 @@ void Display::close() {
     SDL_QuitSubSystem(SDL_INIT_EVENTS);
     mOpen = false;
     mDriver.clear();
+    mServerName.clear();
 }
 
 void Display::checkConnection() {
@@ -73,6 +76,7 @@ void Display::checkConnection() {
     mOpen = false;
     mLost = true;
     mDriver.clear();
+    mServerName.clear();
 }
 
 void Display::attachToCurrentThread() {

@@ -39,6 +39,8 @@ public:
     bool wasLost() const { return mLost; }
     // SDL's name of the driver in use ("x11", "wayland", "offscreen"), empty while closed.
     const std::string& getDriverName() const { return mDriver; }
+    // The X server's name (":0") while the display is an X server, else empty.
+    const std::string& getServerName() const { return mServerName; }
     // Ends the connection; the next need opens it anew (tests that change displays call it). A
     // lost display stays lost for the life of the process.
     void close();
@@ -72,6 +74,7 @@ private:
     bool mOpen = false;
     bool mLost = false;
     std::string mDriver;
+    std::string mServerName;
     DWORD mOwnerThread = 0;
     std::uint32_t mWakeEvent = 0;
     std::map<std::uint32_t, Window*> mWindows;
