@@ -67,7 +67,10 @@ int getDlgItemText(HWND dialog, int id, CString& text) {
     HWND item = nullptr;
     if (Platform::Window::isWindow(dialog))
         for (HWND child : dialog->getChildren())
-            if (child->getId() == id) item = child;
+            if (child->getId() == id) {
+                item = child;
+                break;
+            }
     return getWindowText(item, text);
 }
 

@@ -12,9 +12,11 @@ namespace {
 std::atomic<bool> gLost{false};
 ::Display* gWatched = nullptr;
 
-// Xlib's default handlers print and end the process; these only take note.
-int onIOError(::Display*) {
-    gLost = true;
+// Xlib's default handlers print and end the process. These only take note, and only of the
+// display's own connection: the exit handler is set on it alone, the I/O error handler is the
+// process's.
+int onIOError(::Display* display) {
+    if (display == gWatched) gLost = true;
     return 0;
 }
 
