@@ -17,5 +17,9 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/OrvantaConfigVersion.cmake
 install(FILES ${CMAKE_BINARY_DIR}/OrvantaConfig.cmake ${CMAKE_BINARY_DIR}/OrvantaConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Orvanta)
 
+# The pkg-config file finds the prefix from its own place (${pcfiledir}), and the CMake package from
+# its own, so that the installed tree works wherever it is installed or moved to.
+file(RELATIVE_PATH ORVANTA_PC_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" ORVANTA_PC_PREFIX "\${pcfiledir}/${ORVANTA_PC_PREFIX}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvanta.pc.in ${CMAKE_BINARY_DIR}/orvanta.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/orvanta.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

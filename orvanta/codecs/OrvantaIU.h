@@ -36,7 +36,7 @@ ORVANTA_IU_API int orvantaIUDownsizeAndConvertFileU8(const char* source, const c
 /* Non-zero when a codec is registered for the file's extension. */
 ORVANTA_IU_API int orvantaIUIsFileTypeSupported(const char16_t* path);
 ORVANTA_IU_API int orvantaIUIsFileTypeSupportedU8(const char* path);
-/* 0x10001. */
+/* The library's version as major << 16 | minor << 8 | patch: 0x10001 is 1.0.1. */
 ORVANTA_IU_API int GetOrvantaVersion(void);
 
 #ifdef __cplusplus

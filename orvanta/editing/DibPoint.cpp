@@ -15,11 +15,11 @@ int truncToInt(double value) {
 }
 
 void DibPoint::set(CPoint p, CRect r) {
-    const int width = r.right - r.left;
-    const int height = r.bottom - r.top;
+    const double width = pixelSpan(r.left, r.right);
+    const double height = pixelSpan(r.top, r.bottom);
     if (width == 0 || height == 0) throw std::domain_error("Cannot set DibPoint from empty rect.");
-    mX = static_cast<double>(p.x - r.left) / static_cast<double>(width);
-    mY = static_cast<double>(p.y - r.top) / static_cast<double>(height);
+    mX = pixelSpan(r.left, p.x) / width;
+    mY = pixelSpan(r.top, p.y) / height;
 }
 
 void DibPoint::set(CPoint p, CRect r, const DibRect& visible) {
@@ -29,8 +29,8 @@ void DibPoint::set(CPoint p, CRect r, const DibRect& visible) {
 }
 
 CPoint DibPoint::mapTo(CRect r) const {
-    const double w = r.right - r.left;
-    const double h = r.bottom - r.top;
+    const double w = pixelSpan(r.left, r.right);
+    const double h = pixelSpan(r.top, r.bottom);
     return CPoint(truncToInt(w * mX + r.left), truncToInt(h * mY + r.top));
 }
 

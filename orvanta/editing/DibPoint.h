@@ -46,4 +46,9 @@ private:
 // so that a wild fraction maps to a far pixel instead of undefined behaviour.
 int truncToInt(double value);
 
+// high − low of two pixel positions, in a double: the difference of two ints need not fit one.
+inline double pixelSpan(int low, int high) {
+    return static_cast<double>(high) - low;
+}
+
 }  // namespace Orvanta

@@ -1,6 +1,7 @@
 #include "orvanta/editing/DibRect.h"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 
 #include "orvanta/codecs/Image.h"
@@ -8,18 +9,18 @@
 namespace Orvanta {
 
 void DibRect::set(CRect inner, CRect outer) {
-    const int width = outer.right - outer.left;
-    const int height = outer.bottom - outer.top;
+    const double width = pixelSpan(outer.left, outer.right);
+    const double height = pixelSpan(outer.top, outer.bottom);
     if (width == 0 || height == 0) throw std::domain_error("Cannot set DibRect from empty rect.");
-    mL = static_cast<double>(inner.left - outer.left) / static_cast<double>(width);
-    mT = static_cast<double>(inner.top - outer.top) / static_cast<double>(height);
-    mR = static_cast<double>(inner.right - outer.left) / static_cast<double>(width);
-    mB = static_cast<double>(inner.bottom - outer.top) / static_cast<double>(height);
+    mL = pixelSpan(outer.left, inner.left) / width;
+    mT = pixelSpan(outer.top, inner.top) / height;
+    mR = pixelSpan(outer.left, inner.right) / width;
+    mB = pixelSpan(outer.top, inner.bottom) / height;
 }
 
 CRect DibRect::mapTo(CRect r) const {
-    const double w = r.right - r.left;
-    const double h = r.bottom - r.top;
+    const double w = pixelSpan(r.left, r.right);
+    const double h = pixelSpan(r.top, r.bottom);
     return CRect(truncToInt(w * mL + r.left), truncToInt(h * mT + r.top), truncToInt(w * mR + r.left),
                  truncToInt(h * mB + r.top));
 }
@@ -28,13 +29,15 @@ CRect DibRect::mapFrom(CRect r) const {
     const double rw = mR - mL;
     const double rh = mB - mT;
     if (rw == 0.0 || rh == 0.0) return CRect(0, 0, 0, 0);
-    const double w = r.right - r.left;
-    const double h = r.bottom - r.top;
-    const int width = truncToInt(w / rw);
-    const int height = truncToInt(h / rh);
-    const int left = truncToInt(r.left - mL * w / rw);
-    const int top = truncToInt(r.top - mT * h / rh);
-    return CRect(left, top, left + width, top + height);
+    const double w = pixelSpan(r.left, r.right);
+    const double h = pixelSpan(r.top, r.bottom);
+    // Truncated as ints would be, but summed before saturating: a sliver of the picture shown in r
+    // puts the whole picture beyond the int range, and left + width must not wrap.
+    const double width = std::trunc(w / rw);
+    const double height = std::trunc(h / rh);
+    const double left = std::trunc(r.left - mL * w / rw);
+    const double top = std::trunc(r.top - mT * h / rh);
+    return CRect(truncToInt(left), truncToInt(top), truncToInt(left + width), truncToInt(top + height));
 }
 
 namespace {

@@ -4,7 +4,7 @@
 //
 // Contract: plain copyable value, no clamping. Conversions from pixels throw std::domain_error
 // "Cannot set DibRect from empty rect." for an empty outer rectangle and change nothing then.
-// mapTo and mapFrom truncate toward zero.
+// mapTo and mapFrom truncate toward zero and saturate at the int range, whatever the rectangles.
 
 #include "orvanta/editing/DibPoint.h"
 #include "orvanta/platform/CRect.h"

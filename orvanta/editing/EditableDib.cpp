@@ -9,6 +9,13 @@ namespace {
 constexpr int kNotification = 0;
 // An operation that cannot be undone (a downsize) is run on a Dib directly, never through the history.
 constexpr const char16_t* kNoRecord = u"EditingOp does not support undo";
+
+// The rotation an operation is, or null. Type 2 alone does not tell: a ColorizeOp's type is the
+// caller's choice, and taking it for a turn would read an angle it does not have and let a save
+// turn the file losslessly and drop the colour edit.
+const RotateOp* asRotation(const EditingOp* op) {
+    return dynamic_cast<const RotateOp*>(op);
+}
 }  // namespace
 
 EditableDib::EditableDib(Dib* dib) {
@@ -34,6 +41,8 @@ void EditableDib::pushRecord(UndoOp* record) {
 }
 
 bool EditableDib::doOp(EditingOp* op) {
+    // No operation (a RedeyeOp that could not be made) is nothing to do.
+    if (!op) return false;
     UndoOp* record = nullptr;
     OwnedPtr<Dib> result(op->doOp(mCurrent, &record));
     OwnedPtr<UndoOp> recordGuard(record);
@@ -107,18 +116,18 @@ int EditableDib::getNextRedoOpType() const {
 int EditableDib::getRotation() const {
     int rotation = 0;
     for (const auto& record : mUndoStack)
-        if (record->getOriginalOpType() == 2)
-            rotation = (rotation + static_cast<RotateOp*>(record->getOriginalOp())->getAngle()) % 360;
+        if (const RotateOp* rotate = asRotation(record->getOriginalOp()))
+            rotation = (rotation + rotate->getAngle()) % 360;
     for (const auto& op : mRetiredOps)
-        if (op->getOpType() == 2) rotation = (rotation + static_cast<RotateOp*>(op.get())->getAngle()) % 360;
+        if (const RotateOp* rotate = asRotation(op)) rotation = (rotation + rotate->getAngle()) % 360;
     return rotation;
 }
 
 bool EditableDib::hasNonRotation() const {
     for (const auto& record : mUndoStack)
-        if (record->getOriginalOpType() != 2) return true;
+        if (!asRotation(record->getOriginalOp())) return true;
     for (const auto& op : mRetiredOps)
-        if (op->getOpType() != 2) return true;
+        if (!asRotation(op)) return true;
     return false;
 }
 

@@ -6,10 +6,11 @@
 // Contract: doOp, undo and redo change the picture only once the operation has returned, so an
 // operation that throws leaves the history as it was (except that undo with keepForRedo has already
 // pushed on the redo list). An operation answering null means "nothing to do": doOp returns false
-// and the redo list stays. An operation that gives a picture but no undo record (DownsizeOp) throws
-// Exception "EditingOp does not support undo" and changes nothing. At undo limit n (0: none) the history
-// holds at most n records; what falls off keeps its operation in the retired list. Each successful doOp, undo
-// and redo notifies the listeners with code 0; commit and revert notify nothing.
+// and the redo list stays; so does no operation at all (a create that answered null). An operation that gives
+// a picture but no undo record (DownsizeOp) throws Exception "EditingOp does not support undo" and changes
+// nothing. At undo limit n (0: none) the history holds at most n records; what falls off keeps its operation
+// in the retired list. Each successful doOp, undo and redo notifies the listeners with code 0; commit and
+// revert notify nothing.
 
 #include <deque>
 #include <vector>
@@ -52,7 +53,8 @@ public:
     bool redo() override;
     int getLastOpType() const override;
     int getNextRedoOpType() const override;
-    // The sum of the angles of every rotation done, modulo 360.
+    // The sum of the angles of every rotation done, modulo 360. A rotation is a RotateOp, whatever
+    // type other operations were given; hasNonRotation tells whether any other operation was done.
     int getRotation() const override;
     bool hasNonRotation() const override;
     bool hasPicFix() const override;

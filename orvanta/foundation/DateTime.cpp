@@ -73,10 +73,13 @@ CString DateTime::asString() const {
 }
 
 DateTime DateTime::localToUTC() const {
-    FILETIME local{};
-    asFileTime(&local);
-    FILETIME utc{};
-    Platform::localFileTimeToFileTime(local, &utc);
+    // Fields that are not a date (the null date among them) have no instant to convert: converting
+    // the untouched zero FILETIME instead would answer a day in 1601.
+    SYSTEMTIME fields{};
+    asSystemTime(&fields);
+    FILETIME local, utc;
+    if (!Platform::systemTimeToFileTime(fields, &local) || !Platform::localFileTimeToFileTime(local, &utc))
+        return DateTime();
     return DateTime(utc, false);
 }
 

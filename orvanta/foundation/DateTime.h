@@ -43,7 +43,7 @@ public:
     // The date alone in the user's short numeric format, with the year in full ("29.02.2004",
     // "2/29/2004"); empty for fields that are not a date.
     CString asString() const;
-    // This local time as UTC.
+    // This local time as UTC; the null date for fields that are not a date (the null date too).
     DateTime localToUTC() const;
 
     bool operator==(const DateTime& other) const;

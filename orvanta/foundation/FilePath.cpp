@@ -151,9 +151,16 @@ CString FilePath::validPath(const CString& proposed, bool unique, const char16_t
 
     const CString base = parts.name;
     CString name = base;
+    FileSystem& fs = FileSystem::current();
     for (int n = 1; name.length() < kMaxUniqueBase && n < INT_MAX;) {
         const CString candidate = join(parts.drive, parts.directory, name, parts.extension);
-        if (!exists(candidate, false)) return candidate;
+        // The entry itself, not what a link points at: a dangling link takes its name too. A lookup
+        // that fails for any reason but absence fails the same way for every number: give up.
+        struct stat info;
+        if (fs.linkStat(candidate.toUtf8().c_str(), &info) != 0)
+            return errno == ENOENT ? candidate : CString();
+        // As in exists(), a folder does not count as a file of that name.
+        if (S_ISDIR(info.st_mode)) return candidate;
         ++n;
         name = base + u"-" + CString::fromUtf8(std::to_string(n));
     }

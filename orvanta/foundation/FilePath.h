@@ -40,6 +40,8 @@ public:
     // Makes a proposed path acceptable: the extension given where the path has none (or only "."),
     // illegal characters replaced, and with unique a name no file has yet: "photo.jpg",
     // "photo-2.jpg", "photo-3.jpg"... Empty for an empty path or one longer than 260 characters.
+    // A name is free only when nothing of that name is there, a dangling link included (a folder
+    // does not count); empty as soon as a lookup fails for any reason but absence.
     static Orvanta::CString validPath(const Orvanta::CString& path, bool unique, const char16_t* extension);
     // A name for a temporary file in $TMPDIR (or /tmp) beginning with prefix ("###" if null). The
     // file is made to claim a unique name and deleted again: only the name is handed out.

@@ -11,6 +11,10 @@ bool Notifier::ListenerOrder::operator()(const NotifierListener* a, const Notifi
 }
 
 Notifier::~Notifier() {
+    for (Walk* walk = mWalk; walk; walk = walk->outer) {
+        walk->pending.clear();
+        walk->senderGone = true;
+    }
     delete mMap;
 }
 
@@ -89,8 +93,11 @@ void Notifier::notify(int code) {
     struct Unlink {
         Notifier* self;
         Walk* walk;
-        ~Unlink() { self->mWalk = walk->outer; }
+        ~Unlink() {
+            if (!walk->senderGone) self->mWalk = walk->outer;
+        }
     } unlink{this, &walk};
+    // Only the walk itself is touched between calls: a listener may have destroyed this object.
     while (!walk.pending.empty()) {
         NotifierListener* next = walk.pending.back();
         walk.pending.pop_back();

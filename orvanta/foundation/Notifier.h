@@ -5,7 +5,9 @@
 // once, in priority order, with the object that contains this Notifier as sender; nothing happens
 // while suspended. During notify a listener may remove itself or any other listener: a removed
 // listener that has not been called yet is not called. Listeners added during notify may or may not
-// be called by that walk. notify may nest (a listener may notify again).
+// be called by that walk. notify may nest (a listener may notify again). A listener may also destroy
+// the object that sends (a view letting go of the last reference to its list): the walk, and every
+// walk it is nested in, then ends without calling anyone else and without touching the sender.
 
 #include <map>
 #include <vector>
@@ -34,10 +36,12 @@ private:
         bool operator()(const NotifierListener* a, const NotifierListener* b) const;
     };
     using ListenerMap = std::map<NotifierListener*, int, ListenerOrder>;
-    // The listeners a walk in progress has still to call, nearest first; walks nest as a chain.
+    // The listeners a walk in progress has still to call, nearest first; walks nest as a chain. The
+    // destructor marks every walk in progress, which then no longer touches this object.
     struct Walk {
         std::vector<NotifierListener*> pending;
         Walk* outer;
+        bool senderGone = false;
     };
 
     void forgetInWalks(NotifierListener* listener);

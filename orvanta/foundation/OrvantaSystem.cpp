@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "orvanta/foundation/Event.h"
+#include "orvanta/foundation/EventGate.h"
 #include "orvanta/foundation/EventListener.h"
 #include "orvanta/foundation/PopupWindow.h"
 #include "orvanta/foundation/RoutedContainer.h"
@@ -30,6 +31,7 @@ void init() {
     system->mEventMessage = Platform::registerWindowMessage(kEventMessageName);
     system->mWheelMode = WheelMessagesToPointer;
     system->mHook = nullptr;
+    EventGate::open(system->mEventMessage);
 }
 
 // Shut-down, in order: the scanner layer unloads its driver library itself when it goes (there is
@@ -38,6 +40,8 @@ void init() {
 void deinit() {
     OrvantaSystem* system = OrvantaSystem::mgInstance;
     if (!system) return;
+    // Workers post through the gate, never through the singleton, so they cannot see it go.
+    EventGate::close();
     if (system->mHook) {
         Platform::unhookMessageFilter(system->mHook);
         system->mHook = nullptr;
@@ -169,12 +173,8 @@ bool processMessage(MSG* msg, RoutedContainer* topLevel) {
     return false;
 }
 
-void sendEventLater(Event* event, EventListener* listener) {
-    OrvantaSystem* system = OrvantaSystem::instance();
-    if (!system || !event || !listener) return;
-    event->ref();
-    Platform::postThreadMessage(listener->getThreadId(), system->getEventMessage(),
-                                reinterpret_cast<WPARAM>(event), reinterpret_cast<LPARAM>(listener));
+bool sendEventLater(Event* event, EventListener* listener) {
+    return event && listener && EventGate::post(event, listener);
 }
 
 void removeAllEventsFromQueue() {

@@ -90,8 +90,11 @@ bool isInited();
 bool processMessage(MSG* msg, RoutedContainer* topLevel);
 // Hands an event to the listener's thread: the event gains one owner count and is posted; the
 // listener's onEvent runs there when that thread's loop passes the message to processMessage,
-// which then lets go of the count. Returns at once; any thread may call it.
-void sendEventLater(Event* event, EventListener* listener);
+// which then lets go of the count. Returns at once; any thread may call it, even while the library
+// stops or the listener goes away: nothing is posted once deinit() or the listener's destructor has
+// begun. Answers whether the event was posted; if not, it is left as it was, for the caller to let go
+// of (owner counts are not atomic, so a worker cannot keep a count of an event it has handed over).
+bool sendEventLater(Event* event, EventListener* listener);
 // Drops every event waiting in the calling thread's queue. They are not delivered, and the counts
 // they hold are not given back: their objects stay allocated.
 void removeAllEventsFromQueue();

@@ -19,16 +19,15 @@ Orvanta::HCURSOR Resource::getCursor() const {
 
 CString Resource::getString() const {
     // The buffer grows in steps of 256 characters until the text leaves at least 2 of them free,
-    // which tells that nothing was cut off.
+    // which tells that nothing was cut off. The module is read directly: making it the current one
+    // for the call would show it to every other thread that looks up a resource meanwhile.
     constexpr int kStep = 256;
-    ResourceModule* saved = ResourceModule::current();
-    if (mModule) ResourceModule::setCurrent(mModule);
+    const ResourceModule* module = getModule();
     std::vector<char16_t> buffer(kStep);
-    int length = ResourceModule::current()->loadString(mId, buffer.data(), static_cast<int>(buffer.size()));
+    int length = module->loadString(mId, buffer.data(), static_cast<int>(buffer.size()));
     while (static_cast<int>(buffer.size()) - length < 2) {
         buffer.resize(buffer.size() + kStep);
-        length = ResourceModule::current()->loadString(mId, buffer.data(), static_cast<int>(buffer.size()));
+        length = module->loadString(mId, buffer.data(), static_cast<int>(buffer.size()));
     }
-    ResourceModule::setCurrent(saved);
     return CString(buffer.data(), static_cast<std::size_t>(length));
 }

@@ -29,8 +29,8 @@ public:
     Orvanta::HBITMAP getBitmap(bool asDibSection) const;
     // The cursor, owned by its module.
     Orvanta::HCURSOR getCursor() const;
-    // The text. While it is read, this resource's module is the current one, so that anything
-    // the lookup reaches sees the same module; the previous one is back before this returns.
+    // The text, read from this resource's module; the current module is never changed, so any
+    // thread may read strings while others do.
     Orvanta::CString getString() const;
 
 private:

@@ -1,5 +1,6 @@
 #include "orvanta/platform/FileSystem.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
@@ -97,6 +98,24 @@ int FileSystem::linkStat(const char* path, struct stat* info) {
 }
 int FileSystem::makeDirectory(const char* path, mode_t mode) {
     return ::mkdir(path, mode);
+}
+int FileSystem::realPath(const char* path, std::string* resolved) {
+    char* found = ::realpath(path, nullptr);
+    if (!found) return -1;
+    *resolved = found;
+    std::free(found);
+    return 0;
+}
+int FileSystem::listDirectory(const char* path, std::vector<std::string>* names) {
+    DIR* dir = ::opendir(path);
+    if (!dir) return -1;
+    names->clear();
+    while (const dirent* entry = ::readdir(dir)) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") names->push_back(name);
+    }
+    ::closedir(dir);
+    return 0;
 }
 int FileSystem::makeTemporary(char* pattern, int suffixLength) {
     return retryOnInterrupt([&] { return ::mkostemps(pattern, suffixLength, O_CLOEXEC); });

@@ -11,6 +11,8 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <string>
+#include <vector>
 
 namespace Orvanta::Platform {
 
@@ -41,6 +43,10 @@ public:
     // stat of the link itself, not of what it points at.
     virtual int linkStat(const char* path, struct stat* info);
     virtual int makeDirectory(const char* path, mode_t mode);
+    // realpath: the absolute path with every symbolic link, "." and ".." resolved.
+    virtual int realPath(const char* path, std::string* resolved);
+    // The names in a folder, "." and ".." left out (opendir and readdir).
+    virtual int listDirectory(const char* path, std::vector<std::string>* names);
     // mkstemps: replaces the six X before the last suffixLength characters of pattern with a unique
     // text, creates that file and opens it.
     virtual int makeTemporary(char* pattern, int suffixLength);

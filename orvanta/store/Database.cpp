@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <climits>
 #include <cstring>
 #include <new>
@@ -97,15 +98,21 @@ void Database::Iterator::resync() {
     mPosition = mDatabase->mIds.lowerBound(mKey);
 }
 
+Database::Record* Database::Iterator::seek(int step) {
+    DatabaseOrdering* ordering = mDatabase->mBase ? mDatabase->mOrdering.get() : nullptr;
+    const int count = ordering ? ordering->getCount() : 0;
+    // An ordering out of step with the database names ids that have no record: step over them.
+    for (; mIndex >= 0 && mIndex < count; mIndex += step)
+        if (Record* record = mDatabase->findRecord(ordering->getID(mIndex))) return record;
+    return nullptr;
+}
+
 Database::Record* Database::Iterator::current() {
     if (mByPosition) {
-        // An ordering out of step with the database names ids that have no record: step over them.
-        const int count = mDatabase->getRecordCount();
-        while (mIndex >= 0 && mIndex < count) {
-            if (Record* record = mDatabase->getRecord(mIndex)) return record;
-            ++mIndex;
-        }
-        return nullptr;
+        const int index = mIndex;
+        Record* record = seek(1);
+        mIndex = index;
+        return record;
     }
     if (mDone) return nullptr;
     resync();
@@ -114,35 +121,38 @@ Database::Record* Database::Iterator::current() {
 }
 
 Database::Record* Database::Iterator::next() {
+    if (mByPosition) {
+        Record* record = seek(1);
+        if (record) ++mIndex;
+        return record;
+    }
     Record* record = current();
     if (!record) return nullptr;
-    if (mByPosition) {
-        ++mIndex;
+    mPosition = mDatabase->mIds.next(mPosition);
+    if (mDatabase->mIds.atEnd(mPosition)) {
+        mDone = true;
     } else {
-        mPosition = mDatabase->mIds.next(mPosition);
-        if (mDatabase->mIds.atEnd(mPosition)) {
-            mDone = true;
-        } else {
-            const IdIndex::Entry entry = mDatabase->mIds.at(mPosition);
-            mKey = entry.key;
-            // Records in id order lie anywhere in the file: fetch the next head while the caller
-            // reads this one.
-            __builtin_prefetch(mDatabase->offsetToBlock(entry.offset));
-        }
+        const IdIndex::Entry entry = mDatabase->mIds.at(mPosition);
+        mKey = entry.key;
+        // Records in id order lie anywhere in the file: fetch the next head while the caller reads
+        // this one.
+        __builtin_prefetch(mDatabase->offsetToBlock(entry.offset));
     }
     return record;
 }
 
 Database::Record* Database::Iterator::prev() {
+    if (mByPosition) {
+        Record* record = seek(-1);
+        if (record) --mIndex;
+        return record;
+    }
     Record* record = current();
     if (!record) return nullptr;
-    if (mByPosition) {
-        --mIndex;
-    } else if (mDatabase->mIds.previous(mPosition)) {
+    if (mDatabase->mIds.previous(mPosition))
         mKey = mDatabase->mIds.at(mPosition).key;
-    } else {
+    else
         mDone = true;
-    }
     return record;
 }
 
@@ -158,6 +168,13 @@ Database* Database::create(const char16_t* path, int growBlocks) {
     OwnedPtr<Database> database = new (std::nothrow) Database(growBlocks);
     if (!database || !database->open(path)) throw Exception(u"Cannot open database");
     return database.detach();
+}
+
+CString Database::explainOpenFailure(const char16_t* path) {
+    OwnedPtr<Database> database = new (std::nothrow) Database(1);
+    if (!database) return u"there is no memory to open it";
+    database->open(path);
+    return database->getOpenFailure();
 }
 
 bool Database::createFile(const char16_t* path, int blockSize, int formatVersion, unsigned long reserved) {
@@ -188,38 +205,47 @@ void Database::forgetAll() {
     mInfoOffset = -1;
     mInfoLive = false;
     mPending = false;
+    mHeads = 0;
     ++mStamp;
+}
+
+DatabaseJournal::Blocks Database::blocks() {
+    return DatabaseJournal::Blocks{reinterpret_cast<unsigned char*>(firstBlock()), getBlockSize(),
+                                   getBlockCount()};
+}
+
+bool Database::failOpen(const char16_t* why) {
+    if (mOpenFailure.isEmpty()) mOpenFailure = why;
+    if (mFile) mFile->close();
+    mFile = nullptr;
+    mBase = nullptr;
+    forgetAll();
+    return false;
 }
 
 bool Database::open(const char16_t* path) {
     close();
     forgetAll();
+    mOpenFailure = CString();
     mFile = File::create(path);
+    if (!mFile || !mFile->open(false))
+        return failOpen(errno == EWOULDBLOCK ? u"it is open in another program"
+                                             : u"it is missing, or may not be read and written");
     char magic[sizeof kDatabaseMagic];
-    bool ok = mFile && mFile->open(false) && mFile->read(magic, sizeof magic) &&
-              std::memcmp(magic, kDatabaseMagic, sizeof magic) == 0;
-    const long long size = ok ? mFile->getSize() : -1;
-    ok = ok && size >= kDatabaseHeaderSize && mapFile();
-    if (ok) {
-        // The header is trusted only as far as the file bears it out: every block it counts must be
-        // in the file, so that no walk leaves the mapping.
-        const DatabaseHeader* header = getHeader();
-        const long long blocksEnd =
-            kDatabaseHeaderSize + static_cast<long long>(header->blockCount) * header->blockSize;
-        ok = header->blockSize >= kRecordHeadSize && header->blockCount >= 0 && blocksEnd <= size;
-    }
-    if (ok) {
-        mJournal.bind(path);
-        mJournal.recover(reinterpret_cast<unsigned char*>(firstBlock()), getBlockSize(), getBlockCount());
-        ok = scanRecords();
-    }
-    if (!ok) {
-        if (mFile) mFile->close();
-        mFile = nullptr;
-        mBase = nullptr;
-        forgetAll();
-        return false;
-    }
+    if (!mFile->read(magic, sizeof magic) || std::memcmp(magic, kDatabaseMagic, sizeof magic) != 0)
+        return failOpen(u"it is not a record store");
+    const long long size = mFile->getSize();
+    if (size < kDatabaseHeaderSize || !mapFile()) return failOpen(u"it is damaged: shorter than its header");
+    // The header is trusted only as far as the file bears it out: every block it counts must be in
+    // the file, so that no walk leaves the mapping.
+    const DatabaseHeader* header = getHeader();
+    const long long blocksEnd =
+        kDatabaseHeaderSize + static_cast<long long>(header->blockCount) * header->blockSize;
+    if (header->blockSize < kRecordHeadSize || header->blockCount < 0 || blocksEnd > size)
+        return failOpen(u"it is damaged: its header counts blocks it does not hold");
+    if (!mJournal.bind(path, *mFile, &mOpenFailure) || !mJournal.recover(blocks(), &mOpenFailure))
+        return failOpen(u"");
+    if (!scanRecords()) return failOpen(u"it is damaged: a record reaches past its last block");
     return true;
 }
 
@@ -256,6 +282,7 @@ bool Database::scanRecords() {
         if (dataSize < 0) return false;
         const long long end = offset + static_cast<long long>(blocksForSize(dataSize)) * blockSize;
         if (end > total) return false;
+        mHeads += headFingerprint(static_cast<std::int32_t>(offset), dataSize, head + kRecordIdOffset);
         if (RawID::isNull(head + kRecordIdOffset)) {
             mInfoOffset = static_cast<std::int32_t>(offset);
             mInfoLive = true;
@@ -329,11 +356,7 @@ int Database::getCapacity(int blocks) {
 }
 
 int Database::blocksForSize(int size) {
-    // One rule for allocation and scanning alike. It gives one block more than the capacity needs
-    // when size - (blockSize - 40) is an exact multiple of blockSize; files depend on it.
-    const int first = getFirstBlockCapacity();
-    if (size <= first) return 1;
-    return (size - first) / getBlockSize() + 2;
+    return StoreFormat::blocksForSize(size, getBlockSize());
 }
 
 int Database::getRecordBlocks(Record* record) {
@@ -357,7 +380,7 @@ void Database::removeFreeBlock(Block* block) {
 
 void Database::initBlocks(Block* first, int count) {
     const int blockSize = getBlockSize();
-    std::memset(first, 0, static_cast<std::size_t>(count) * static_cast<std::size_t>(blockSize));
+    DatabaseJournal::clearBlocks(DatabaseJournal::Blocks{first->getBytePtr(), blockSize, count});
     for (int i = 0, block = blockToOffset(first) / blockSize; i < count; ++i) mFree.insert(block + i);
 }
 
@@ -401,8 +424,10 @@ bool Database::grow(int size) {
 // --- Indexes -----------------------------------------------------------------------------------------
 
 void Database::indexRecord(Record* record) {
-    const int offset = blockToOffset(record);
-    const UniqueID id = record->getID();
+    index(blockToOffset(record), record->getID());
+}
+
+void Database::index(int offset, const UniqueID& id) {
     if (id == kInfoRecordID) {
         mInfoOffset = offset;
         mInfoLive = true;
@@ -478,8 +503,8 @@ void Database::commit() {
 }
 
 void Database::detachRecord(Record* record, int blocks) {
-    if (mOrdering) mOrdering->remove(record->getID());
     const int offset = blockToOffset(record);
+    mHeads -= headFingerprint(offset, record->getDataSize(), record->getBytePtr() + kRecordIdOffset);
     unindexRecord(record);
     for (int i = 0; i < blocks; ++i) addFreeBlock(offsetToBlock(offset + i * getBlockSize()));
 }
@@ -487,55 +512,88 @@ void Database::detachRecord(Record* record, int blocks) {
 void Database::freeRunInFile(int offset, int blocks) {
     if (!mBase) return;
     const int blockSize = getBlockSize();
-    if (blocks > 1) mJournal.beginRedo(kJournalFreeRun, blockSize, offset, blocks);
+    if (blocks > 1) mJournal.beginFree(this->blocks(), offset, blocks, mHeads);
     // The head goes last: until then the walk at open still steps over the whole run.
     for (int i = blocks - 1; i >= 0; --i) offsetToBlock(offset + i * blockSize)->setType(Block::kBlockFree);
     keepOrder();
     mJournal.finish();
 }
 
+int Database::moveToOrderingEnd(const UniqueID& id, bool replacing) {
+    if (!mOrdering) return -1;
+    const int place = replacing ? mOrdering->indexOf(id) : -1;
+    if (place >= 0) mOrdering->removeAt(place);
+    try {
+        mOrdering->append(id);
+    } catch (...) {
+        // The removal left room: putting the id back cannot need the growth that just failed.
+        if (place >= 0) mOrdering->insert(place, id);
+        throw;
+    }
+    return place;
+}
+
+void Database::restoreOrdering(const UniqueID& id, int place) {
+    if (!mOrdering) return;
+    const int last = mOrdering->getCount() - 1;
+    if (last >= 0 && mOrdering->getID(last) == id) mOrdering->removeAt(last);
+    if (place >= 0) mOrdering->insert(place, id);
+}
+
 Database::Record* Database::newRecord(const UniqueID& id, int size) {
     if (!mBase || size < 0) return nullptr;
     commit();
     const int blockSize = getBlockSize();
-
-    // An existing record of this id goes first; its blocks are free for this very allocation. Its
-    // bytes stay untouched until the journal holds a copy of them.
-    int oldOffset = -1, oldBlocks = 0;
-    if (Record* old = findRecord(id)) {
-        if (old->getType() == Block::kBlockFree) {
-            mInfoOffset = -1;  // the info record's place after clear: nothing stands there
-        } else {
+    Record* old = findRecord(id);
+    if (old && old->getType() == Block::kBlockFree) {
+        mInfoOffset = -1;  // the info record's place after clear: nothing stands there
+        old = nullptr;
+    }
+    // Every step that can fail (the ordering's growth, memory for the indexes) comes before the first
+    // byte of the record is written, so that a failure leaves the file as it was.
+    const int orderingPlace = moveToOrderingEnd(id, old != nullptr);
+    int oldOffset = -1, oldBlocks = 0, newOffset = -1;
+    try {
+        // An existing record of this id goes first; its blocks are free for this very allocation.
+        // Its bytes stay untouched until the journal holds a copy of them.
+        if (old) {
             oldOffset = blockToOffset(old);
             oldBlocks = getRecordBlocks(old);
             detachRecord(old, oldBlocks);
         }
+        Block* run = findFreeRun(size);
+        if (!run && grow(size)) run = findFreeRun(size);
+        if (!run) {
+            // The old record is gone all the same, as a delete would have left it.
+            restoreOrdering(id, -1);
+            if (oldOffset != -1) freeRunInFile(oldOffset, oldBlocks);
+            return nullptr;
+        }
+        newOffset = blockToOffset(run);
+        index(newOffset, id);
+    } catch (...) {
+        restoreOrdering(id, orderingPlace);
+        if (mBase) {
+            forgetAll();
+            scanRecords();
+        }
+        throw;
     }
 
-    Block* run = findFreeRun(size);
-    if (!run && grow(size)) run = findFreeRun(size);
-    if (!run) {
-        // The old record is gone all the same, as a delete would have left it.
-        if (oldOffset != -1) freeRunInFile(oldOffset, oldBlocks);
-        return nullptr;
-    }
-    const int newOffset = blockToOffset(run);
     const int newBlocks = blocksForSize(size);
-
-    mJournal.beginUndo(blockSize, newOffset, newBlocks, oldOffset, oldBlocks,
-                       oldOffset == -1 ? nullptr : offsetToBlock(oldOffset)->getBytePtr());
+    unsigned char idBytes[16];
+    RawID::write(idBytes, id);
+    mJournal.beginUndo(blocks(), newOffset, newBlocks, oldOffset, oldBlocks, idBytes, size, mHeads);
     for (int i = oldBlocks - 1; i >= 0; --i)
         offsetToBlock(oldOffset + i * blockSize)->setType(Block::kBlockFree);
-    Record* record = static_cast<Record*>(run);
+    Record* record = static_cast<Record*>(offsetToBlock(newOffset));
     record->setID(id.asUUID());
     record->setDataSize(size);
     keepOrder();
     record->setType(Block::kBlockRecord);
-
-    indexRecord(record);
+    mHeads += headFingerprint(newOffset, size, idBytes);
     for (int i = 0; i < newBlocks; ++i) removeFreeBlock(offsetToBlock(newOffset + i * blockSize));
     mPending = true;
-    if (mOrdering) mOrdering->append(id);
     return record;
 }
 
@@ -564,6 +622,7 @@ void Database::deleteRecord(Record* record) {
     }
     const int blocks =
         std::min(getRecordBlocks(record), (getBlockCount() * getBlockSize() - offset) / getBlockSize());
+    if (mOrdering) mOrdering->remove(record->getID());
     detachRecord(record, blocks);
     freeRunInFile(offset, blocks);
 }
@@ -576,8 +635,9 @@ void Database::clear() {
     mInfoLive = false;  // the offset itself is kept
     ++mStamp;
     const int count = getBlockCount();
-    if (count > 0) mJournal.beginRedo(kJournalClear, getBlockSize(), 0, count);
+    if (count > 0) mJournal.beginClear(blocks());
     initBlocks(firstBlock(), count);
+    mHeads = 0;
     keepOrder();
     mJournal.finish();
 }

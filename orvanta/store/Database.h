@@ -17,12 +17,18 @@
 // in the file. A change is armed in a journal beside the file before it touches a byte (see
 // DatabaseJournal), so that a process killed at any point leaves, after the next open, every record
 // whose addRecord (or newRecord and commit) returned intact, and a replacement still in progress
-// either undone or done. There is no flush: data reach the disk when the system writes pages out.
+// either undone or done. A journal is replayed only onto the file and the change it was written for;
+// any other is renamed aside and the file opens as it stands. This holds against the death of the
+// process, not against a power cut or a crash of the system: nothing is flushed, and data reach the
+// disk when the system writes pages out.
 //
 // Failure: open gives false, and create throws Exception "Cannot open database", for a file that is
 // missing, locked, short, not a database, or whose header or blocks do not hold together (a block
-// count or record size reaching past the end of the file); the walk at open never leaves the file.
-// newRecord answers null when no run can be had, even after growing (a full disk included).
+// count or record size reaching past the end of the file), and while a file stands in the journal's
+// place that cannot be opened for writing, is not a journal, or cannot be renamed aside;
+// getOpenFailure says which. The walk at open never leaves the file. newRecord answers null when no
+// run can be had, even after growing (a full disk included); when the ordering throws (it cannot
+// grow), the database is left as it was and the exception goes on to the caller.
 // Operations on a closed database do nothing and answer null, false or 0.
 //
 // One thread at a time; no lock. The file is opened without sharing: a second opener fails.
@@ -92,8 +98,10 @@ public:
 
     // Walks the records: through the ordering's positions when the database had one when the
     // iterator was made, otherwise in ascending id order (the info record left out). next and prev
-    // return the current record and then move; past either end they return null. Records added or
-    // removed meanwhile are taken into account; the usual pointer rule holds for what they return.
+    // return the current record and then move; past either end they return null. By position, both
+    // step over ids of the ordering that have no record, each in its own direction, and the walk
+    // ends where the ordering ends. Records added or removed meanwhile are taken into account; the
+    // usual pointer rule holds for what they return.
     class Iterator : public IOwned {
     public:
         virtual Record* next();
@@ -104,6 +112,8 @@ public:
         friend class Database;
         explicit Iterator(Database* database);
         void resync();
+        // By position: the first index from mIndex on, stepping by step, whose id has a record.
+        Record* seek(int step);
 
         OwnedPtr<Database> mDatabase;
         bool mByPosition;
@@ -116,6 +126,9 @@ public:
 
     // Allocates and opens; throws Exception "Cannot open database" when the file does not open.
     static Database* create(const char16_t* path, int growBlocks);
+    // Why path does not open, in words for a person (for a tool reporting a failed create); empty
+    // when it opens. It opens the file to find out, as create does.
+    static CString explainOpenFailure(const char16_t* path);
     // Creates a new file holding just the header; false if it exists (it is never overwritten), cannot
     // be made, or blockSize is too small for a record head. reserved is accepted and ignored.
     static bool createFile(const char16_t* path, int blockSize, int formatVersion, unsigned long reserved);
@@ -144,6 +157,8 @@ public:
     // keeps it. Nothing when there is none.
     void commit();
     DatabaseOrdering* getOrdering() { return mOrdering; }
+    // Why the last open failed; empty after one that succeeded.
+    const CString& getOpenFailure() const { return mOpenFailure; }
     int getFreeBlockCount() const { return mFree.size(); }
 
     // The block level, for the store's own classes, tools and tests.
@@ -178,12 +193,22 @@ protected:
 
 private:
     bool mapFile();
+    bool failOpen(const char16_t* why);
     void forgetAll();
+    DatabaseJournal::Blocks blocks();
+    // Adds id to the indexes as the record at offset.
+    void index(int offset, const UniqueID& id);
     // The block at infoOffset when it may stand for the info record (see findRecord).
     Record* infoRecord();
-    // Takes a record out of the ordering and the indexes and gives its blocks to the free set,
-    // without writing to the file.
+    // Takes a record out of the indexes and gives its blocks to the free set, without writing to
+    // the file.
     void detachRecord(Record* record, int blocks);
+    // The ordering's part of adding or replacing the record id: it gives up its old place (when
+    // replacing) and goes to the end. Throws as the ordering does, with the ordering unchanged.
+    // Answers the old place, −1 for none.
+    int moveToOrderingEnd(const UniqueID& id, bool replacing);
+    // Takes the id moveToOrderingEnd appended off the end, and puts it back at place (−1: nowhere).
+    void restoreOrdering(const UniqueID& id, int place);
     // Writes the free type into the run's blocks under the journal.
     void freeRunInFile(int offset, int blocks);
     bool isBlockAddress(const void* address);
@@ -200,6 +225,8 @@ private:
     bool mInfoLive = false;  // infoOffset names a live record (clear leaves it naming a free block)
     DatabaseJournal mJournal;
     bool mPending = false;     // the last newRecord awaits commit
+    std::uint64_t mHeads = 0;  // the fingerprint of every record head in the file (for the journal)
+    CString mOpenFailure;
     unsigned long mStamp = 0;  // bumped by every change of the indexes, for iterators
 };
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <stdexcept>
 #include <string>
 
@@ -26,195 +27,159 @@ std::string domainErrorOf(F f) {
 }  // namespace
 
 TEST(ScaleRule, FitFillAndEnlarge) {
-    EXPECT_EQ(Image::calcScale(CSize(100, 100), CSize(200, 300), false, false), 1.0);
-    EXPECT_EQ(Image::calcScale(CSize(100, 100), CSize(200, 300), true, false), 2.0);
-    EXPECT_EQ(Image::calcScale(CSize(100, 100), CSize(200, 300), true, true), 3.0);
-    EXPECT_EQ(Image::calcScale(CSize(400, 200), CSize(100, 100), false, false), 0.25);
-    EXPECT_EQ(Image::calcScale(CSize(400, 200), CSize(100, 100), false, true), 0.5);
+    const struct {
+        CSize source, box;
+        bool enlarge, fill;
+        double scale;
+    } cases[] = {{{100, 100}, {200, 300}, false, false, 1.0}, {{100, 100}, {200, 300}, true, false, 2.0},
+                 {{100, 100}, {200, 300}, true, true, 3.0},   {{400, 200}, {100, 100}, false, false, 0.25},
+                 {{400, 200}, {100, 100}, false, true, 0.5},  {{50, 400}, {100, 100}, false, false, 0.25}};
+    for (const auto& c : cases) EXPECT_EQ(Image::calcScale(c.source, c.box, c.enlarge, c.fill), c.scale);
     EXPECT_EQ(Image::calcScale(400, 200, 100, 100, false, true), 0.5);
-    // One side fits and the other does not: the picture is still brought inside.
-    EXPECT_EQ(Image::calcScale(CSize(50, 400), CSize(100, 100), false, false), 0.25);
 }
 
 TEST(DibPointTest, FromPixelsAndBack) {
-    const DibPoint p(CPoint(30, 15), CRect(10, 5, 50, 25));
-    EXPECT_EQ(p.X(), 0.5);
-    EXPECT_EQ(p.Y(), 0.5);
-    const DibPoint outside(CPoint(0, 45), CRect(10, 5, 50, 25));
-    EXPECT_EQ(outside.X(), -0.25);
-    EXPECT_EQ(outside.Y(), 2.0);
+    EXPECT_EQ(DibPoint(CPoint(30, 15), CRect(10, 5, 50, 25)), DibPoint(0.5, 0.5));
+    EXPECT_EQ(DibPoint(CPoint(0, 45), CRect(10, 5, 50, 25)), DibPoint(-0.25, 2.0));
     // A view showing only the right half of the picture.
-    const DibPoint visible(CPoint(30, 15), CRect(10, 5, 50, 25), DibRect(0.5, 0.0, 1.0, 1.0));
-    EXPECT_EQ(visible.X(), 0.75);
+    EXPECT_EQ(DibPoint(CPoint(30, 15), CRect(10, 5, 50, 25), DibRect(0.5, 0.0, 1.0, 1.0)).X(), 0.75);
     EXPECT_EQ(DibPoint(0.75, 0.5).mapTo(CRect(10, 10, 110, 30)), CPoint(85, 20));
-    EXPECT_EQ(DibPoint(-0.019, 0.0).mapTo(CRect(0, 0, 100, 100)), CPoint(-1, 0));  // toward zero
-    EXPECT_TRUE(DibPoint(0.1, 0.2) == DibPoint(0.1, 0.2));
-    EXPECT_TRUE(DibPoint(0.1, 0.2) != DibPoint(0.1, 0.2000001));
+    EXPECT_EQ(DibPoint(-0.019, 0.0).mapTo(CRect(0, 0, 100, 100)), CPoint(-1, 0)) << "toward zero";
+    EXPECT_EQ(DibPoint(CPoint(INT_MAX, 0), CRect(INT_MIN, -1, INT_MAX, 1)), DibPoint(1.0, 0.5));
     EXPECT_EQ(domainErrorOf([] { DibPoint(CPoint(1, 1), CRect(5, 5, 5, 9)); }),
               "Cannot set DibPoint from empty rect.");
 }
 
-TEST(DibRectTest, MapsAndInverseMaps) {
+TEST(DibRectTest, MapsAndInverseMapsWithoutOverflow) {
     const DibRect r(CRect(25, 10, 75, 60), CRect(0, 0, 100, 200));
-    EXPECT_EQ(r.L(), 0.25);
-    EXPECT_EQ(r.B(), 0.3);
-    EXPECT_EQ(r.width(), 0.5);
-    EXPECT_EQ(r.center(), DibPoint(0.5, 0.175));
+    EXPECT_EQ(r, DibRect(0.25, 0.05, 0.75, 0.3));
     EXPECT_EQ(r.mapTo(CRect(0, 0, 100, 200)), CRect(25, 10, 75, 60));
-    // The half (0.25..0.75) of a picture shown in 200 pixels: the whole picture spans 400.
-    const CRect whole = DibRect(0.25, 0.0, 0.75, 1.0).mapFrom(CRect(0, 0, 200, 100));
-    EXPECT_EQ(whole, CRect(-100, 0, 300, 100));
-    EXPECT_EQ(DibRect(0.3, 0.2, 0.3, 0.9).mapFrom(CRect(0, 0, 200, 100)), CRect(0, 0, 0, 0));
+    EXPECT_EQ(DibRect(CRect(INT_MIN, 0, INT_MAX, 1), CRect(INT_MIN, 0, INT_MAX, 2)),
+              DibRect(0.0, 0.0, 1.0, 0.5));
+    EXPECT_EQ(DibRect(0.0, 0.0, 1.0, 1.0).mapTo(CRect(INT_MIN, 0, INT_MAX, 1)),
+              CRect(INT_MIN, 0, INT_MAX, 1));
+    const struct {
+        DibRect shown;
+        CRect view, whole;
+    } cases[] = {
+        // The half (0.25..0.75) of a picture shown in 200 pixels: the whole picture spans 400.
+        {DibRect(0.25, 0.0, 0.75, 1.0), CRect(0, 0, 200, 100), CRect(-100, 0, 300, 100)},
+        {DibRect(0.3, 0.2, 0.3, 0.9), CRect(0, 0, 200, 100), CRect(0, 0, 0, 0)},
+        // A sliver far left of the picture: the picture lies far right, as far as an int goes.
+        {DibRect(-0.5, -0.5, -0.5 + 1e-9, -0.5 + 1e-9), CRect(0, 0, 100, 100),
+         CRect(INT_MAX, INT_MAX, INT_MAX, INT_MAX)},
+        {DibRect(0.0, 0.0, 1.0, 1.0), CRect(INT_MIN, 0, INT_MAX, 10), CRect(INT_MIN, 0, INT_MAX, 10)},
+        {DibRect(0.0, 0.5, 1e-300, 1.0), CRect(0, 0, 100, 100), CRect(0, -100, INT_MAX, 100)}};
+    for (const auto& c : cases)
+        EXPECT_EQ(c.shown.mapFrom(c.view), c.whole) << c.shown.L() << " in " << c.view.left;
     DibRect keep(0.1, 0.1, 0.2, 0.2);
     EXPECT_EQ(domainErrorOf([&] { keep.set(CRect(0, 0, 5, 5), CRect(0, 0, 0, 10)); }),
               "Cannot set DibRect from empty rect.");
     EXPECT_EQ(keep, DibRect(0.1, 0.1, 0.2, 0.2));
 }
 
-TEST(VisibleRect, ZoomOneIsTheWholePicture) {
-    EXPECT_EQ(DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(7.0, -3.0), 1.0),
-              DibRect(0.0, 0.0, 1.0, 1.0));
+TEST(VisibleRect, WindowOfTheZoomKeptInsideThePicture) {
+    const CSize view(400, 300), image(4000, 3000);
+    // Fit scale 0.1, zoomed 2x: the picture is 800 x 600 scaled, the view 400 x 300 of it. At the
+    // right edge the window moves left by the overshoot. W = 1000 · 0.1 · 0.01 and H = 10 · 0.001 are
+    // lifted to one scaled pixel, whose edges truncate toward zero.
+    const struct {
+        CSize view, image;
+        DibPoint centre;
+        double zoom;
+        DibRect visible;
+    } cases[] = {
+        {view, image, DibPoint(7.0, -3.0), 1.0, DibRect(0.0, 0.0, 1.0, 1.0)},
+        {view, image, DibPoint(0.5, 0.5), 2.0, DibRect(200.0 / 800, 150.0 / 600, 600.0 / 800, 450.0 / 600)},
+        {view, image, DibPoint(0.95, 0.5), 2.0, DibRect(0.5, 0.25, 1.0, 0.75)},
+        {view, image, DibPoint(0.0, 0.0), 2.0, DibRect(0.0, 0.0, 0.5, 0.5)},
+        {CSize(100, 100), CSize(1000, 10), DibPoint(1.0, 1.0), 0.01, DibRect(0.0, 0.0, 1.0, 1.0)},
+        {CSize(100, 100), CSize(1000, 10), DibPoint(0.5, 0.5), 0.01, DibRect(0.0, 0.0, 0.0, 0.0)}};
+    for (const auto& c : cases)
+        EXPECT_EQ(DibRect::computeVisibleRect(c.view, c.image, c.centre, c.zoom), c.visible) << c.centre.X();
 }
 
-TEST(VisibleRect, CentredWindowAtTwiceTheFit) {
-    // Fit scale 0.1, zoomed 2x: the picture is 800 x 600 scaled, the view 400 x 300 of it.
-    const DibRect r =
-        DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.5, 0.5), 2.0);
-    EXPECT_EQ(r, DibRect(200.0 / 800, 150.0 / 600, 600.0 / 800, 450.0 / 600));
-}
-
-TEST(VisibleRect, WindowPushedAgainstTheEdges) {
-    const DibRect right =
-        DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.95, 0.5), 2.0);
-    EXPECT_EQ(right.R(), 1.0);
-    EXPECT_EQ(right.L(), 400.0 / 800);  // moved left by the overshoot
-    const DibRect left =
-        DibRect::computeVisibleRect(CSize(400, 300), CSize(4000, 3000), DibPoint(0.0, 0.0), 2.0);
-    EXPECT_EQ(left, DibRect(0.0, 0.0, 0.5, 0.5));
-}
-
-TEST(VisibleRect, TinyZoomKeepsOnePixel) {
-    // W = 1000 · 0.1 · 0.01 and H = 10 · 0.001 are lifted to 1.0: a window of one scaled pixel. Its
-    // edges truncate toward zero, so centred at the far corner it spans the whole picture, and
-    // centred in the middle it shrinks to nothing.
-    EXPECT_EQ(DibRect::computeVisibleRect(CSize(100, 100), CSize(1000, 10), DibPoint(1.0, 1.0), 0.01),
-              DibRect(0.0, 0.0, 1.0, 1.0));
-    EXPECT_EQ(DibRect::computeVisibleRect(CSize(100, 100), CSize(1000, 10), DibPoint(0.5, 0.5), 0.01),
-              DibRect(0.0, 0.0, 0.0, 0.0));
-}
-
-TEST(DibMaskTest, FreeMaskIsInsetByATenth) {
+TEST(DibMaskTest, FreeAndRatioMasksStartInsetAndNarrowAboutTheCentre) {
     DibMask free(0, 0, CSize(640, 480));
-    EXPECT_TRUE(free.isFree());
-    EXPECT_TRUE(free.canBeRotated());
+    EXPECT_TRUE(free.isFree() && free.canBeRotated());
     EXPECT_EQ(free.get(), DibRect(0.1, 0.1, 0.9, 0.9));
-}
-
-TEST(DibMaskTest, RatioNarrowsAboutTheCentre) {
+    // 800 x 800 counts as portrait: aw 2, ah 3; w becomes trunc(800 · 2 / 3) = 533.
     DibMask mask(3, 2, CSize(1000, 1000));
     EXPECT_EQ(mask.aspectA(), 2);
-    EXPECT_EQ(mask.aspectB(), 3);
-    // 800 x 800 counts as portrait: aw 2, ah 3; w becomes trunc(800 · 2 / 3) = 533.
-    const DibRect r = mask.get();
-    EXPECT_NEAR(r.height(), 0.8, 1e-12);
-    EXPECT_NEAR(r.width(), 0.533, 1e-12);
-    EXPECT_EQ(r.center().X(), 0.5);
+    EXPECT_NEAR(mask.get().height(), 0.8, 1e-12);
+    EXPECT_NEAR(mask.get().width(), 0.533, 1e-12);
+    EXPECT_EQ(mask.get().center().X(), 0.5);
     EXPECT_EQ(mask.getOrientation(), 1);
-    EXPECT_FALSE(mask.isLandscape());
-}
-
-TEST(DibMaskTest, HeldSidesAreNotTakenByTheConstructor) {
-    DibMask mask(0, 0, CSize(100, 100), DibRect(0.2, 0.3, 0.8, 0.9), DibMask::Left | DibMask::Top);
-    EXPECT_EQ(mask.get(), DibRect(0.0, 0.0, 0.8, 0.9));
-    EXPECT_EQ(mask.getLock(), 3);
-    mask.unlock();
-    EXPECT_EQ(mask.getLock(), 0);
+    // Held sides are not taken by the constructor; a selection is clipped to the picture.
+    EXPECT_EQ(DibMask(0, 0, CSize(100, 100), DibRect(0.2, 0.3, 0.8, 0.9), DibMask::Left | DibMask::Top).get(),
+              DibRect(0.0, 0.0, 0.8, 0.9));
+    EXPECT_EQ(DibMask(0, 0, CRect(-50, 20, 80, 300), CRect(0, 0, 100, 200), 0).get(),
+              DibRect(0.0, 0.1, 0.8, 1.0));
 }
 
 TEST(DibMaskTest, DraggingAcrossAHeldEdgeMovesTheHold) {
-    // Free mask, left edge held at 0.2: dragging the right edge to the left of it.
     DibMask mask(0, 0, CSize(100, 100), DibRect(0.0, 0.0, 0.5, 0.5), 0);
     mask.set(DibRect(0.2, 0.1, 0.6, 0.7));
     mask.lock(DibMask::Left);
     mask.set(CRect(20, 10, 5, 70), CRect(0, 0, 100, 100));
     EXPECT_EQ(mask.getLock(), DibMask::Right);
-    EXPECT_EQ(mask.get().L(), 0.05);
-    EXPECT_EQ(mask.get().R(), 0.6);  // now held
+    EXPECT_EQ(mask.get(), DibRect(0.05, 0.1, 0.6, 0.7)) << "the right edge is now held";
     mask.lock(DibMask::Left | DibMask::Right);
     mask.set(CRect(50, 10, 30, 70), CRect(0, 0, 100, 100));
-    EXPECT_EQ(mask.getLock(), 0);  // both bits were held: both go
+    EXPECT_EQ(mask.getLock(), 0) << "both bits were held: both go";
     EXPECT_EQ(mask.get(), DibRect(0.3, 0.1, 0.5, 0.7));
     EXPECT_EQ(domainErrorOf([&] { mask.set(CRect(0, 0, 5, 5), CRect(0, 0, 10, 0)); }),
               "Cannot set DibMask from empty rect.");
 }
 
-TEST(DibMaskTest, SelectionIsClippedToThePicture) {
-    DibMask mask(0, 0, CRect(-50, 20, 80, 300), CRect(0, 0, 100, 200), 0);
-    EXPECT_EQ(mask.get(), DibRect(0.0, 0.1, 0.8, 1.0));
+TEST(DibMaskTest, OneHeldSideLetsTheOtherAxisGrowUpToThePicture) {
+    // 4:3 on 400 x 300, left held at 0, right dragged to the end: h = trunc(400 · 3 / 4) = 300 grows
+    // from 60 and is centred, then pushed inside. 250 high: h is capped and w = trunc(250 · 4 / 3).
+    EXPECT_EQ(DibMask(4, 3, CSize(400, 300), DibRect(0.3, 0.4, 1.0, 0.6), DibMask::Left).get(),
+              DibRect(0.0, 0.0, 1.0, 1.0));
+    EXPECT_EQ(DibMask(4, 3, CSize(400, 250), DibRect(0.3, 0.4, 1.0, 0.6), DibMask::Left).get(),
+              DibRect(0.0, 0.0, 333.0 / 400, 1.0));
+    // 100 x 200 on 100 x 400 is portrait: w = 150 exceeds the width, so w = 100, h = trunc(100 · 4 / 3).
+    EXPECT_EQ(DibMask(4, 3, CSize(100, 400), DibRect(0.0, 0.0, 1.0, 0.5), DibMask::Top).get(),
+              DibRect(0.0, 0.0, 1.0, 133.0 / 400));
 }
 
-TEST(DibMaskTest, OneHeldSideLetsTheOtherAxisGrow) {
-    // 4:3 on 400 x 300, left held at 0 (the constructor leaves it there), right dragged to the end:
-    // h = trunc(400 · 3 / 4) = 300 grows from 60 and is centred, then pushed inside.
-    DibMask mask(4, 3, CSize(400, 300), DibRect(0.3, 0.4, 1.0, 0.6), DibMask::Left);
-    EXPECT_EQ(mask.get(), DibRect(0.0, 0.0, 1.0, 1.0));
-    // The same on a picture 250 high: h is capped at 250 and w = trunc(250 · 4 / 3) = 333.
-    DibMask capped(4, 3, CSize(400, 250), DibRect(0.3, 0.4, 1.0, 0.6), DibMask::Left);
-    EXPECT_EQ(capped.get().L(), 0.0);
-    EXPECT_EQ(capped.get().R(), 333.0 / 400);
-    EXPECT_EQ(capped.get().T(), 0.0);
-    EXPECT_EQ(capped.get().B(), 1.0);
-}
-
-TEST(DibMaskTest, HeldTopCapsAtThePictureWidth) {
-    // 100 x 200 selection on a 100 x 400 picture is portrait: w = trunc(200 · 3 / 4) = 150 exceeds
-    // the width, so w = 100 and h = trunc(100 · 4 / 3) = 133, hanging from the held top.
-    DibMask mask(4, 3, CSize(100, 400), DibRect(0.0, 0.0, 1.0, 0.5), DibMask::Top);
-    EXPECT_EQ(mask.get(), DibRect(0.0, 0.0, 1.0, 133.0 / 400));
-}
-
-TEST(DibMaskTest, RotateTurnsTheSelectionAboutItsCentre) {
+TEST(DibMaskTest, RotateTurnsTheSelectionAboutItsCentreExceptOnASquare) {
     DibMask mask(3, 2, CSize(600, 400));
     mask.setOrientation(0);
-    EXPECT_TRUE(mask.isLandscape());
     const CRect before = mask.get().mapTo(CRect(0, 0, 600, 400));
     mask.lock(DibMask::Top | DibMask::Left);
     mask.rotate();
-    EXPECT_EQ(mask.getLock(), 0);
     const CRect after = mask.get().mapTo(CRect(0, 0, 600, 400));
+    EXPECT_EQ(mask.getLock(), 0);
     EXPECT_EQ(mask.getOrientation(), 1);
-    EXPECT_LE(after.width(), before.height());
-    EXPECT_LE(after.height(), before.width());
+    EXPECT_TRUE(after.width() <= before.height() && after.height() <= before.width());
     EXPECT_NEAR(mask.get().center().X(), 0.5, 1e-9);
-}
-
-TEST(DibMaskTest, RotatingAWideSelectionTakesTheWholeHeight) {
-    DibMask mask(0, 0, CSize(1000, 200), DibRect(0.0, 0.0, 0.9, 1.0), 0);
-    mask.rotate();
     // 900 pixels wide become 900 high, more than the 200 there are: the whole height.
-    EXPECT_EQ(mask.get().T(), 0.0);
-    EXPECT_EQ(mask.get().B(), 1.0);
-}
-
-TEST(DibMaskTest, SquareMaskNeverRotates) {
+    DibMask wide(0, 0, CSize(1000, 200), DibRect(0.0, 0.0, 0.9, 1.0), 0);
+    wide.rotate();
+    EXPECT_TRUE(wide.get().T() == 0.0 && wide.get().B() == 1.0);
     DibMask square(1, 1, CSize(300, 200));
-    EXPECT_FALSE(square.canBeRotated());
-    EXPECT_TRUE(square.isLandscape());
-    const DibRect before = square.get();
+    const DibRect kept = square.get();
     square.setOrientation(1);
-    EXPECT_EQ(square.get(), before);
-    square.lockOrientation();
-    EXPECT_EQ(square.getOrientation(), 0);
+    EXPECT_FALSE(square.canBeRotated());
+    EXPECT_EQ(square.get(), kept);
 }
 
 TEST(DibMaskTest, HitTestMeasuresToleranceFromThePictureEdges) {
-    DibMask mask(0, 0, CSize(100, 100), DibRect(0.0, 0.0, 1.0, 1.0), 0);
+    const DibMask whole(0, 0, CSize(100, 100), DibRect(0.0, 0.0, 1.0, 1.0), 0);
+    const DibMask inner(0, 0, CSize(100, 100), DibRect(0.25, 0.25, 0.75, 0.75), 0);
     const CRect shown(10, 10, 110, 110);
-    EXPECT_EQ(mask.hitTest(CPoint(12, 50), shown, 3), DibMask::Left);
-    EXPECT_EQ(mask.hitTest(CPoint(60, 60), shown, 3), 0);
-    EXPECT_EQ(mask.hitTest(CPoint(108, 109), shown, 3), DibMask::Right | DibMask::Bottom);
-    DibMask inner(0, 0, CSize(100, 100), DibRect(0.25, 0.25, 0.75, 0.75), 0);
-    EXPECT_EQ(inner.hitTest(CPoint(20, 20), shown, 3), DibMask::Left | DibMask::Top);
-    EXPECT_EQ(inner.hitTest(CPoint(60, 100), shown, 3), DibMask::Bottom);
-    EXPECT_EQ(inner.hitTest(CPoint(60, 60), shown, 3), 0);
+    const struct {
+        const DibMask& mask;
+        CPoint p;
+        int hit;
+    } cases[] = {{whole, {12, 50}, DibMask::Left},
+                 {whole, {60, 60}, 0},
+                 {whole, {108, 109}, DibMask::Right | DibMask::Bottom},
+                 {inner, {20, 20}, DibMask::Left | DibMask::Top},
+                 {inner, {60, 100}, DibMask::Bottom},
+                 {inner, {60, 60}, 0}};
+    for (const auto& c : cases)
+        EXPECT_EQ(DibMask(c.mask).hitTest(c.p, shown, 3), c.hit) << c.p.x << "," << c.p.y;
 }

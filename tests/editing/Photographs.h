@@ -1,18 +1,20 @@
 #pragma once
-// Real photographs for the editing tests, decoded into Dibs: the BMP ones through the library's BMP
-// codec, the JPEG ones through the library's JPEG codec when one is registered, else through the
-// reference decoder (ImageMagick).
+// Real photographs for the editing tests, decoded by the library's own codecs.
 
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/Dib.h"
 
 namespace OrvantaTest {
 
 // Test data paths (relative) of the photographs the editing tests run on.
 std::vector<std::string> editingPhotographs();
-// The photograph as a new top-down Dib at owner count 0, or null when it cannot be decoded here.
+// The photograph as a new top-down Dib at owner count 0, or null when it cannot be decoded.
 Orvanta::Dib* loadPhotograph(const std::string& relative);
+// The editing photographs that decode, each decoded once for the whole test program.
+const std::vector<std::pair<std::string, Orvanta::OwnedPtr<Orvanta::Dib>>>& decodedPhotographs();
 
 }  // namespace OrvantaTest

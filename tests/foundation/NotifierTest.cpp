@@ -1,7 +1,11 @@
+// Notifier: counted listeners, their order, and walks that listeners change, nest in, or end by
+// destroying the sender.
+
 #include "orvanta/foundation/Notifier.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
@@ -33,14 +37,21 @@ private:
 
 }  // namespace
 
-TEST(Notifier, SenderIsTheWholeObjectNotTheMixIn) {
+TEST(Notifier, CallsEachListenerOnceByFallingPriorityThenRisingAddressWithTheWholeSender) {
     Sender sender;
     std::vector<const Recorder*> log;
-    Recorder listener(&log);
-    sender.addListener(&listener);
-    sender.notify(3);
-    EXPECT_EQ(listener.lastSender, static_cast<void*>(&sender));
-    EXPECT_EQ(listener.lastCode, 3);
+    Recorder listeners[4] = {{&log, 0}, {&log, 5}, {&log, 0}, {&log, -1}};
+    for (auto& l : listeners) sender.addListener(&l);
+    sender.addListener(&listeners[0]);
+    sender.notify(7);
+    const Recorder* lowAddress = std::min(&listeners[0], &listeners[2]);
+    const Recorder* highAddress = std::max(&listeners[0], &listeners[2]);
+    EXPECT_EQ(log, (std::vector<const Recorder*>{&listeners[1], lowAddress, highAddress, &listeners[3]}));
+    EXPECT_EQ(listeners[3].lastSender, static_cast<void*>(&sender)) << "not the Notifier sub-object";
+    EXPECT_EQ(listeners[3].lastCode, 7);
+    sender.setSuspended(true);
+    sender.notify(1);
+    EXPECT_EQ(log.size(), 4u) << "a suspended notifier is silent";
 }
 
 TEST(Notifier, ListenerAddedTwiceNeedsTwoRemovals) {
@@ -49,71 +60,30 @@ TEST(Notifier, ListenerAddedTwiceNeedsTwoRemovals) {
     Recorder a(&log), b(&log);
     sender.addListener(&a);
     sender.addListener(&a);
-    EXPECT_EQ(sender.getListenerCount(), 1);
     sender.addListener(&b);  // starts the map, carrying a's count of two
-    EXPECT_EQ(sender.getListenerCount(), 2);
     sender.removeListener(&a);
     EXPECT_EQ(sender.getListenerCount(), 2);
     sender.removeListener(&a);
-    EXPECT_EQ(sender.getListenerCount(), 1);
     sender.removeListener(&a);  // unknown now: ignored
+    EXPECT_EQ(sender.getListenerCount(), 1);
     sender.notify(1);
-    ASSERT_EQ(log.size(), 1u);
-    EXPECT_EQ(log[0], &b);
-    sender.removeListener(&b);
-    EXPECT_EQ(sender.getListenerCount(), 0);
+    EXPECT_EQ(log, std::vector<const Recorder*>{&b});
 }
 
-TEST(Notifier, CallsByFallingPriorityThenRisingAddress) {
-    Sender sender;
-    std::vector<const Recorder*> log;
-    Recorder listeners[4] = {{&log, 0}, {&log, 5}, {&log, 0}, {&log, -1}};
-    for (auto& l : listeners) sender.addListener(&l);
-    sender.notify(7);
-    const std::vector<const Recorder*> expected = {&listeners[1], &listeners[0], &listeners[2],
-                                                   &listeners[3]};
-    EXPECT_EQ(log, expected);
-}
-
-TEST(Notifier, SuspendedNotifierIsSilent) {
-    Sender sender;
-    std::vector<const Recorder*> log;
-    Recorder a(&log);
-    sender.addListener(&a);
-    sender.setSuspended(true);
-    sender.notify(1);
-    EXPECT_TRUE(log.empty());
-    sender.setSuspended(false);
-    sender.notify(1);
-    EXPECT_EQ(log.size(), 1u);
-}
-
-TEST(Notifier, ListenerMayRemoveItselfDuringNotify) {
+TEST(Notifier, ListenersRemovedDuringTheWalkAreNotCalledAfterwards) {
     Sender sender;
     std::vector<const Recorder*> log;
     Recorder a(&log), b(&log), c(&log);
-    for (Recorder* r : {&a, &b, &c}) sender.addListener(r);
-    b.onCall = [&] { sender.removeListener(&b); };
-    sender.notify(1);
-    EXPECT_EQ(log.size(), 3u);
-    EXPECT_EQ(sender.getListenerCount(), 2);
-}
-
-TEST(Notifier, ListenerRemovedByAnotherIsNotCalledAfterwards) {
-    Sender sender;
-    std::vector<const Recorder*> log;
-    Recorder a(&log), b(&log), c(&log);
-    // Addresses order the equal priorities; whoever comes first removes the other two.
     Recorder* order[] = {&a, &b, &c};
     std::sort(std::begin(order), std::end(order));
     for (Recorder* r : order) sender.addListener(r);
+    // The first removes itself and the last; the map shrinks to one and is freed mid-walk.
     order[0]->onCall = [&] {
-        sender.removeListener(order[1]);
-        sender.removeListener(order[2]);  // the map shrinks to one and is freed mid-walk
+        sender.removeListener(order[0]);
+        sender.removeListener(order[2]);
     };
     sender.notify(1);
-    ASSERT_EQ(log.size(), 1u);
-    EXPECT_EQ(log[0], order[0]);
+    EXPECT_EQ(log, (std::vector<const Recorder*>{order[0], order[1]}));
     EXPECT_EQ(sender.getListenerCount(), 1);
 }
 
@@ -123,12 +93,30 @@ TEST(Notifier, NestedNotifyReachesEveryoneOnBothLevels) {
     Recorder a(&log), b(&log);
     sender.addListener(&a);
     sender.addListener(&b);
-    bool nested = false;
     a.onCall = [&] {
-        if (nested) return;
-        nested = true;
+        a.onCall = nullptr;
         sender.notify(2);
     };
     sender.notify(1);
     EXPECT_EQ(log.size(), 4u);
+}
+
+TEST(Notifier, ListenerThatDestroysTheSenderEndsTheWalk) {
+    for (const bool nested : {false, true}) {
+        auto* sender = new Sender();
+        sender->ref();
+        std::vector<const Recorder*> log;
+        Recorder a(&log), b(&log);
+        Recorder* order[] = {&a, &b};
+        std::sort(std::begin(order), std::end(order));
+        sender->addListener(order[0]);
+        sender->addListener(order[1]);
+        // As a view that lets go of the last reference to its list when it hears "cleared".
+        order[0]->onCall = [&] {
+            if (nested && log.size() == 1) return sender->notify(2);
+            sender->release();
+        };
+        sender->notify(1);
+        EXPECT_EQ(log, std::vector<const Recorder*>(nested ? 2 : 1, order[0])) << "nested " << nested;
+    }
 }

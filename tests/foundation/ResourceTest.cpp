@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "orvanta/foundation/Resource.h"
@@ -58,152 +60,101 @@ TEST(ResourceString, ReadsFromTheCurrentModuleOrItsOwn) {
     ResourceModule host, other;
     host.addString(100, u"from the host");
     other.addString(100, u"from the other module");
+    other.addString(5, u"five");
     OrvantaTest::ScopedResourceModule current(&host);
     EXPECT_EQ(Resource(100).getString(), CString(u"from the host"));
     EXPECT_EQ(Resource(100, &other).getString(), CString(u"from the other module"));
     EXPECT_EQ(Resource(101).getString(), CString());
-    EXPECT_EQ(Resource(100).getModule(), &host);
-    EXPECT_EQ(Resource(100, &other).getModule(), &other);
+    Resource resource(4, &other);
+    resource = 5;
+    EXPECT_EQ(resource.getString(), CString(u"five")) << "assigning an id keeps the module";
+    ResourceModule::setCurrent(nullptr);
+    EXPECT_EQ(Resource(100).getString(), CString()) << "null puts the process's own module back";
 }
 
-TEST(ResourceString, TheOwnModuleIsCurrentOnlyDuringTheRead) {
+TEST(ResourceString, ReadingAnotherModuleLeavesTheCurrentOneToOtherThreads) {
     ResourceModule host, other;
-    other.addString(7, u"x");
+    host.addString(1, u"host");
+    other.addString(1, u"other");
     OrvantaTest::ScopedResourceModule current(&host);
-    Resource(7, &other).getString();
+    std::atomic<bool> stop{false};
+    std::thread reader([&] {
+        while (!stop) Resource(1, &other).getString();
+    });
+    int wrong = 0;
+    for (int i = 0; i < 20000; ++i) wrong += Resource(1).getString() != CString(u"host");
+    stop = true;
+    reader.join();
+    EXPECT_EQ(0, wrong);
     EXPECT_EQ(ResourceModule::current(), &host);
 }
 
 TEST(ResourceString, TextsOfAnyLengthComeBackWhole) {
     ResourceModule module;
-    OrvantaTest::ScopedResourceModule current(&module);
     // Around the steps of the reading buffer: 255 fits the first 256 with a character to spare.
     for (std::size_t length : {0u, 1u, 254u, 255u, 256u, 257u, 511u, 512u, 1000u}) {
         std::u16string text;
         for (std::size_t i = 0; i < length; ++i) text += static_cast<char16_t>(u'a' + i % 26);
         module.addString(1, CString(text));
-        EXPECT_EQ(Resource(1).getString().str(), text) << length;
+        EXPECT_EQ(Resource(1, &module).getString().str(), text) << length;
     }
-}
-
-TEST(ResourceString, AssigningAnIdKeepsTheModule) {
-    ResourceModule other;
-    other.addString(5, u"five");
-    Resource resource(4, &other);
-    resource = 5;
-    EXPECT_EQ(resource.getID(), 5);
-    EXPECT_EQ(resource.getString(), CString(u"five"));
-}
-
-TEST(ResourceModuleStrings, LoadStringCutsToTheBufferAndTerminates) {
-    ResourceModule module;
-    module.addString(9, u"abcdef");
     char16_t buffer[4] = {u'x', u'x', u'x', u'x'};
-    EXPECT_EQ(module.loadString(9, buffer, 4), 3);
+    EXPECT_EQ(module.loadString(1, buffer, 4), 3);
     EXPECT_EQ(std::u16string(buffer), u"abc");
-    EXPECT_EQ(module.loadString(10, buffer, 4), 0);
+    EXPECT_EQ(module.loadString(2, buffer, 4), 0);
     EXPECT_EQ(buffer[0], u'\0');
-    EXPECT_EQ(module.loadString(9, buffer, 0), 0);
 }
 
-TEST(ResourceModuleStrings, SetCurrentNullRestoresTheProcessModule) {
-    ResourceModule* processModule = ResourceModule::current();
-    ResourceModule host;
-    ResourceModule::setCurrent(&host);
-    EXPECT_EQ(ResourceModule::current(), &host);
-    ResourceModule::setCurrent(nullptr);
-    EXPECT_EQ(ResourceModule::current(), processModule);
-}
-
-TEST(StringOrResourceText, EmptyAndNullGiveTheEmptyString) {
-    EXPECT_EQ(StringOrResource().getString(), CString());
-    EXPECT_EQ(StringOrResource(static_cast<const char16_t*>(nullptr)).getString(), CString());
-    EXPECT_EQ(StringOrResource(CString()).getString(), CString());
-    EXPECT_EQ(StringOrResource(u"").getString(), CString());
-}
-
-TEST(StringOrResourceText, KeepsItsOwnCopyOfTheText) {
+TEST(StringOrResourceText, OwnsItsTextAndReadsResourcesAtEachUse) {
+    for (const StringOrResource& empty :
+         {StringOrResource(), StringOrResource(static_cast<const char16_t*>(nullptr)),
+          StringOrResource(CString()), StringOrResource(u"")})
+        EXPECT_EQ(empty.getString(), CString());
     char16_t source[] = u"title";
-    const StringOrResource text(source);
+    StringOrResource text(source);
     source[0] = u'T';
-    EXPECT_EQ(text.getString(), CString(u"title"));
-    const StringOrResource fromCString(CString(u"caption"));
-    EXPECT_EQ(fromCString.getString(), CString(u"caption"));
-}
-
-TEST(StringOrResourceText, ResourcesAreReadAtEachUse) {
+    StringOrResource copy(text);
+    text = StringOrResource(u"changed");
+    EXPECT_EQ(copy.getString(), CString(u"title"));
     ResourceModule module;
     OrvantaTest::ScopedResourceModule current(&module);
     module.addString(30, u"first");
     const StringOrResource byId(30, nullptr);
-    const StringOrResource byResource(Resource(30));
     EXPECT_EQ(byId.getString(), CString(u"first"));
     module.addString(30, u"second");
     EXPECT_EQ(byId.getString(), CString(u"second"));
-    EXPECT_EQ(byResource.getString(), CString(u"second"));
     ResourceModule other;
     other.addString(30, u"other");
-    EXPECT_EQ(StringOrResource(Resource(30, &other)).getString(), CString(u"other"));
+    copy = StringOrResource(Resource(30, &other));
+    EXPECT_EQ(copy.getString(), CString(u"other"));
 }
 
-TEST(StringOrResourceText, CopiesAndAssignmentsAreIndependent) {
-    StringOrResource a(u"alpha");
-    StringOrResource b(a);
-    StringOrResource c(u"gamma");
-    c = a;
-    a = StringOrResource(u"changed");
-    EXPECT_EQ(b.getString(), CString(u"alpha"));
-    EXPECT_EQ(c.getString(), CString(u"alpha"));
-    EXPECT_EQ(a.getString(), CString(u"changed"));
-    StringOrResource& self = c;
-    c = self;
-    EXPECT_EQ(c.getString(), CString(u"alpha"));
-    ResourceModule module;
-    module.addString(3, u"resource");
-    c = StringOrResource(3, &module);
-    EXPECT_EQ(c.getString(), CString(u"resource"));
-}
-
-TEST(ResourceBitmap, PackedDibKeepsItsRowsAndOrientation) {
-    // 2 x 2, 24 bits, top-down: rows of 6 bytes padded to 8.
-    const std::string rows =
-        std::string("\x01\x02\x03\x04\x05\x06\0\0", 8) + std::string("\x07\x08\x09\x0a\x0b\x0c\0\0", 8);
-    ResourceModule module;
-    ASSERT_TRUE(
-        module.addBitmap(40, packedDib(2, -2, 24, {}, rows).data(), packedDib(2, -2, 24, {}, rows).size()));
-    for (bool asDibSection : {false, true}) {
-        Bitmap* bitmap = Resource(40, &module).getBitmap(asDibSection);
+TEST(ResourceBitmap, PackedDibsKeepTheirRowsAndPalettesBecomeTwentyFourBits) {
+    // 24 bits top-down, rows of 6 bytes padded to 8; 1 bit, pixels 1, 0, 1 in the high end of the
+    // first byte; 8 bits with an index beyond the colour table, which stays black.
+    const std::string rows = std::string("\x01\x02\x03\x04\x05\x06\0\0\x07\x08\x09\x0a\x0b\x0c\0\0", 16);
+    const struct {
+        std::string dib, pixels;
+    } cases[] = {
+        {packedDib(2, -2, 24, {}, rows), std::string("\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0a\x0b\x0c", 12)},
+        {packedDib(3, 1, 1, {{10, 20, 30, 0}, {40, 50, 60, 0}}, std::string("\xa0\0\0\0", 4)),
+         std::string("\x28\x32\x3c\x0a\x14\x1e\x28\x32\x3c", 9)},
+        {packedDib(2, 1, 8, {{1, 2, 3, 0}}, std::string("\x00\x05\0\0", 4)),
+         std::string("\x01\x02\x03\0\0\0", 6)}};
+    for (const auto& c : cases) {
+        ResourceModule module;
+        ASSERT_TRUE(module.addBitmap(40, c.dib.data(), c.dib.size()));
+        ASSERT_TRUE(module.addCursor(12, c.dib.data(), c.dib.size(), Orvanta::CPoint(1, 0)));
+        Bitmap* bitmap = Resource(40, &module).getBitmap(false);
         ASSERT_NE(bitmap, nullptr);
-        EXPECT_TRUE(bitmap->isDibSection());
-        EXPECT_EQ(bitmap->header().biHeight, -2);
-        EXPECT_EQ(std::string(reinterpret_cast<const char*>(bitmap->bits()), 16), rows);
+        EXPECT_TRUE(bitmap->isDibSection() && bitmap->header().biBitCount >= 24);
+        EXPECT_EQ(topDownBgr(bitmap), c.pixels);
         Bitmap::deleteObject(bitmap);
+        EXPECT_EQ(Resource(12, &module).getCursor()->hotSpot, Orvanta::CPoint(1, 0));
+        EXPECT_TRUE(Resource(41, &module).getBitmap(true) == nullptr &&
+                    Resource(40, &module).getCursor() == nullptr)
+            << "cursors and bitmaps are kept apart";
     }
-    EXPECT_EQ(Resource(41, &module).getBitmap(true), nullptr);
-}
-
-TEST(ResourceBitmap, PaletteBitmapsBecomeTwentyFourBit) {
-    const std::vector<Orvanta::RGBQUAD> palette = {{10, 20, 30, 0}, {40, 50, 60, 0}};
-    // 1 bit, 3 pixels wide, one row: pixels 1, 0, 1 -> bits 101 in the high end of the first byte.
-    const std::string dib = packedDib(3, 1, 1, palette, std::string("\xa0\0\0\0", 4));
-    ResourceModule module;
-    ASSERT_TRUE(module.addBitmap(1, dib.data(), dib.size()));
-    Bitmap* bitmap = Resource(1, &module).getBitmap(true);
-    ASSERT_NE(bitmap, nullptr);
-    EXPECT_EQ(bitmap->header().biBitCount, 24);
-    EXPECT_EQ(topDownBgr(bitmap), std::string("\x28\x32\x3c\x0a\x14\x1e\x28\x32\x3c", 9));
-    Bitmap::deleteObject(bitmap);
-}
-
-TEST(ResourceBitmap, IndexesBeyondTheColourTableAreBlack) {
-    const std::vector<Orvanta::RGBQUAD> palette = {{1, 2, 3, 0}};
-    const std::string dib = packedDib(2, 1, 8, palette, std::string("\x00\x05\0\0", 4));
-    ResourceModule module;
-    ASSERT_TRUE(module.addBitmap(1, dib.data(), dib.size()));
-    Bitmap* bitmap = Resource(1, &module).getBitmap(true);
-    ASSERT_NE(bitmap, nullptr);
-    EXPECT_EQ(topDownBgr(bitmap), std::string("\x01\x02\x03\0\0\0", 6));
-    Bitmap::deleteObject(bitmap);
 }
 
 TEST(ResourceBitmap, MalformedDataIsRefused) {
@@ -265,19 +216,6 @@ TEST(ResourceBitmap, UnsupportedAndDamagedBmpFilesAreRefused) {
     // Indexes beyond the colour table: read, with black for them.
     EXPECT_TRUE(
         module.loadBitmapFile(2, CString::fromUtf8(OrvantaTest::testDataPath("bmp/bad-palette-index.bmp"))));
-}
-
-TEST(ResourceCursor, KeepsItsPictureAndHotSpot) {
-    const std::string dib = packedDib(2, 2, 32, {}, std::string(16, '\x7f'));
-    ResourceModule module;
-    ASSERT_TRUE(module.addCursor(12, dib.data(), dib.size(), Orvanta::CPoint(1, 0)));
-    const Orvanta::HCURSOR cursor = Resource(12, &module).getCursor();
-    ASSERT_NE(cursor, nullptr);
-    EXPECT_EQ(cursor->hotSpot, Orvanta::CPoint(1, 0));
-    EXPECT_EQ(cursor->picture.header.biWidth, 2);
-    EXPECT_EQ(cursor->picture.pixels.size(), 16u);
-    EXPECT_EQ(Resource(13, &module).getCursor(), nullptr);
-    EXPECT_EQ(Resource(12, &module).getBitmap(true), nullptr) << "cursors and bitmaps are kept apart";
 }
 
 TEST(ResourceStringTable, LoadsIdsTextsAndEscapes) {

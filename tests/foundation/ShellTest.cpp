@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <regex>
 #include <string>
 #include <thread>
@@ -86,113 +86,65 @@ protected:
 
 }  // namespace
 
-TEST_F(TrashTest, MovesTheFileAndRecordsWhereItCameFrom) {
-    OrvantaTest::writeFileBytes(picture("photo.jpg"), "picture bytes");
-    ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture("photo.jpg"))));
-    EXPECT_FALSE(fs::exists(picture("photo.jpg")));
-    EXPECT_EQ(OrvantaTest::readFileBytes(trashed("photo.jpg")), "picture bytes");
-    const TrashInfo record = readTrashInfo(info("photo.jpg"));
-    ASSERT_TRUE(record.wellFormed) << OrvantaTest::readFileBytes(info("photo.jpg"));
-    EXPECT_EQ(record.path, picture("photo.jpg"));
-    EXPECT_TRUE(std::regex_match(record.date, std::regex("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d")))
-        << record.date;
-}
-
-TEST_F(TrashTest, TheRecordIsEnoughToRestoreTheFile) {
-    OrvantaTest::writeFileBytes(picture("restore me.jpg"), "original");
-    ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture("restore me.jpg"))));
-    // What a file manager does: read the record, move the file back, drop the record.
-    const TrashInfo record = readTrashInfo(info("restore me.jpg"));
-    ASSERT_TRUE(record.wellFormed);
-    fs::rename(trashed("restore me.jpg"), record.path);
-    fs::remove(info("restore me.jpg"));
-    EXPECT_EQ(OrvantaTest::readFileBytes(picture("restore me.jpg")), "original");
-}
-
-TEST_F(TrashTest, PathsAreRecordedPercentEncoded) {
-    const std::string name =
-        "\xC3\x9C"
-        "rlaub 100%#1.jpg";  // "Ürlaub 100%#1.jpg"
-    OrvantaTest::writeFileBytes(picture(name), "x");
-    ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture(name))));
-    const TrashInfo record = readTrashInfo(info(name));
-    ASSERT_TRUE(record.wellFormed);
-    EXPECT_EQ(record.path, picture(name));
-    EXPECT_NE(record.rawPath.find("%C3%9Crlaub%20100%25%231.jpg"), std::string::npos) << record.rawPath;
-}
-
-TEST_F(TrashTest, SameNamesFromTwoFoldersAreBothKept) {
-    fs::create_directory(mDir.file("pictures/2004"));
-    OrvantaTest::writeFileBytes(picture("photo.jpg"), "first");
-    OrvantaTest::writeFileBytes(picture("2004/photo.jpg"), "second");
-    ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture("photo.jpg"))));
-    ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture("2004/photo.jpg"))));
-    EXPECT_EQ(OrvantaTest::readFileBytes(trashed("photo.jpg")), "first");
-    EXPECT_EQ(OrvantaTest::readFileBytes(trashed("photo-2.jpg")), "second");
-    EXPECT_EQ(readTrashInfo(info("photo.jpg")).path, picture("photo.jpg"));
-    EXPECT_EQ(readTrashInfo(info("photo-2.jpg")).path, picture("2004/photo.jpg"));
-}
-
-TEST_F(TrashTest, RelativePathsAreRecordedInFull) {
-    OrvantaTest::writeFileBytes(picture("relative.jpg"), "x");
-    const CString previous = Orvanta::setCurDirectory(CString::fromUtf8(mDir.file("pictures")));
-    const bool recycled = Orvanta::recycleFile(u"relative.jpg");
-    Orvanta::setCurDirectory(previous);
-    ASSERT_TRUE(recycled);
-    EXPECT_EQ(readTrashInfo(info("relative.jpg")).path, picture("relative.jpg"));
-}
-
-TEST_F(TrashTest, FoldersGoToTheTrashWhole) {
+TEST_F(TrashTest, MovesFilesAndFoldersAndRecordsWhereTheyCameFromPercentEncoded) {
+    fs::create_directories(mDir.file("pictures/2004"));
     fs::create_directories(mDir.file("pictures/album/inner"));
-    OrvantaTest::writeFileBytes(picture("album/inner/a.jpg"), "a");
-    ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture("album/"))));
-    EXPECT_FALSE(fs::exists(picture("album")));
-    EXPECT_EQ(OrvantaTest::readFileBytes(trashed("album/inner/a.jpg")), "a");
-    EXPECT_EQ(readTrashInfo(info("album")).path, picture("album"));
+    const std::string odd = "\xC3\x9Crlaub 100%#1.jpg";  // "Ürlaub 100%#1.jpg"
+    for (const char* name : {"photo.jpg", "2004/photo.jpg", "album/inner/a.jpg", "relative.jpg"})
+        OrvantaTest::writeFileBytes(picture(name), name);
+    OrvantaTest::writeFileBytes(picture(odd), "odd");
+    for (const std::string& name :
+         {std::string("photo.jpg"), std::string("2004/photo.jpg"), std::string("album/"), odd})
+        ASSERT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture(name)))) << name;
+    const CString previous = Orvanta::setCurDirectory(CString::fromUtf8(mDir.file("pictures")));
+    const bool relative = Orvanta::recycleFile(u"relative.jpg");
+    Orvanta::setCurDirectory(previous);
+    ASSERT_TRUE(relative);
+    // Same names from two folders are both kept; each record says where its file came from.
+    const struct {
+        std::string trashedAs, from, contents;
+    } cases[] = {{"photo.jpg", "photo.jpg", "photo.jpg"},
+                 {"photo-2.jpg", "2004/photo.jpg", "2004/photo.jpg"},
+                 {"album", "album", ""},
+                 {odd, odd, "odd"},
+                 {"relative.jpg", "relative.jpg", "relative.jpg"}};
+    for (const auto& c : cases) {
+        const TrashInfo record = readTrashInfo(info(c.trashedAs));
+        ASSERT_TRUE(record.wellFormed) << OrvantaTest::readFileBytes(info(c.trashedAs));
+        EXPECT_EQ(record.path, picture(c.from));
+        EXPECT_TRUE(std::regex_match(record.date, std::regex("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d")));
+        EXPECT_FALSE(fs::exists(picture(c.from)));
+        if (!c.contents.empty()) EXPECT_EQ(OrvantaTest::readFileBytes(trashed(c.trashedAs)), c.contents);
+    }
+    EXPECT_EQ(OrvantaTest::readFileBytes(trashed("album/inner/a.jpg")), "album/inner/a.jpg");
+    EXPECT_NE(readTrashInfo(info(odd)).rawPath.find("%C3%9Crlaub%20100%25%231.jpg"), std::string::npos);
+    // What a file manager does to restore: read the record, move the file back, drop the record.
+    fs::rename(trashed(odd), readTrashInfo(info(odd)).path);
+    EXPECT_EQ(OrvantaTest::readFileBytes(picture(odd)), "odd");
 }
 
-TEST_F(TrashTest, AMissingFileIsRefusedAndLeavesNoRecord) {
+TEST_F(TrashTest, AnythingThatFailsLeavesTheFileAndNoRecord) {
+    OrvantaTest::writeFileBytes(picture("stays.jpg"), "keep me");
     EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("missing.jpg"))));
     EXPECT_FALSE(Orvanta::recycleFile(u""));
     EXPECT_FALSE(Orvanta::recycleFile(nullptr));
-    EXPECT_EQ(infoCount(), 0u);
-}
-
-TEST_F(TrashTest, AFailedMoveLeavesTheFileAndNoRecord) {
-    OrvantaTest::writeFileBytes(picture("stays.jpg"), "keep me");
-    {
+    const std::function<void(OrvantaTest::FaultyFileSystem&)> faults[] = {
+        [](auto& f) { f.failRenames(EACCES); }, [](auto& f) { f.failWritesAfter(10); },
+        [](auto& f) { f.failSync(true); }};
+    for (const auto& fault : faults) {
         OrvantaTest::FaultyFileSystem faulty;
-        faulty.failRenames(EACCES);
-        EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg"))));
-    }
-    EXPECT_EQ(OrvantaTest::readFileBytes(picture("stays.jpg")), "keep me");
-    EXPECT_EQ(infoCount(), 0u);
-}
-
-TEST_F(TrashTest, AFullDiskWhileRecordingLeavesTheFileAndNoRecord) {
-    OrvantaTest::writeFileBytes(picture("stays.jpg"), "keep me");
-    {
-        OrvantaTest::FaultyFileSystem faulty;
-        faulty.failWritesAfter(10);
+        fault(faulty);
         EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg"))));
     }
     {
-        OrvantaTest::FaultyFileSystem faulty;
-        faulty.failSync(true);
-        EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg"))));
+        OrvantaTest::writeFileBytes(mDir.file("not-a-folder"), "");
+        const ScopedVariable blocked("XDG_DATA_HOME", mDir.file("not-a-folder/data").c_str());
+        EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg")))) << "no trash can be made";
     }
     EXPECT_EQ(OrvantaTest::readFileBytes(picture("stays.jpg")), "keep me");
     EXPECT_EQ(infoCount(), 0u);
-    // And once the disk has room again, it goes.
-    EXPECT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg"))));
-}
-
-TEST_F(TrashTest, ATrashThatCannotBeMadeRefuses) {
-    OrvantaTest::writeFileBytes(mDir.file("not-a-folder"), "");
-    const ScopedVariable blocked("XDG_DATA_HOME", mDir.file("not-a-folder/data").c_str());
-    OrvantaTest::writeFileBytes(picture("stays.jpg"), "keep me");
-    EXPECT_FALSE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg"))));
-    EXPECT_EQ(OrvantaTest::readFileBytes(picture("stays.jpg")), "keep me");
+    EXPECT_TRUE(Orvanta::recycleFile(CString::fromUtf8(picture("stays.jpg"))))
+        << "once the disk has room again";
 }
 
 TEST_F(TrashTest, AFileOnAnotherFileSystemGoesToTheTrashAtTheTopOfItsMount) {
@@ -235,18 +187,12 @@ TEST_F(TrashTest, AFileOnAnotherFileSystemGoesToTheTrashAtTheTopOfItsMount) {
     EXPECT_EQ(infoCount(), 0u) << "nothing went to the home trash";
 }
 
-TEST(ShellFolders, SetCurDirectoryAnswersTheOldOne) {
+TEST(ShellFolders, CurrentAndApplicationFolders) {
     TempDir dir;
     const CString before = Orvanta::getCurDirectory();
-    ASSERT_FALSE(before.isEmpty());
-    const CString answered = Orvanta::setCurDirectory(CString::fromUtf8(dir.path()));
-    EXPECT_EQ(answered, before);
+    EXPECT_EQ(Orvanta::setCurDirectory(CString::fromUtf8(dir.path())), before);
     EXPECT_EQ(Orvanta::getCurDirectory(), CString::fromUtf8(fs::canonical(dir.path()).string()));
     Orvanta::setCurDirectory(before);
-    EXPECT_EQ(Orvanta::getCurDirectory(), before);
-}
-
-TEST(ShellFolders, AppDirectoryHoldsTheRunningProgram) {
     const CString folder = Orvanta::getAppDirectory();
     ASSERT_FALSE(folder.isEmpty());
     EXPECT_EQ(folder[folder.length() - 1], u'/');
@@ -275,24 +221,17 @@ TEST(ShellLaunch, StartsAProgramWithItsParametersInTheCurrentFolder) {
     const std::string marker = dir.file("marker");
     writeScript(dir.file("record.sh"), "{ pwd; printf '%s\\n' \"$#\" \"$1\" \"$2\"; } > '" + marker +
                                            ".part'; mv '" + marker + ".part' '" + marker + "'\n");
-    const CString before = Orvanta::setCurDirectory(CString::fromUtf8(dir.path()));
-    const bool started = Orvanta::launch(CString::fromUtf8(dir.file("record.sh")), false, u"one 'two three'");
-    Orvanta::setCurDirectory(before);
-    ASSERT_TRUE(started);
-    ASSERT_TRUE(waitForFile(marker));
-    EXPECT_EQ(OrvantaTest::readFileBytes(marker),
-              fs::canonical(dir.path()).string() + "\n2\none\ntwo three\n");
-}
-
-TEST(ShellLaunch, RelativeProgramsAreFoundInTheCurrentFolder) {
-    TempDir dir;
     // The colon makes the name look like an address; a file of that name comes first.
     writeScript(dir.file("run:touch.sh"), "touch '" + dir.file("touched") + "'\n");
     const CString before = Orvanta::setCurDirectory(CString::fromUtf8(dir.path()));
-    const bool started = Orvanta::launch(u"run:touch.sh");
+    const bool started = Orvanta::launch(CString::fromUtf8(dir.file("record.sh")), false, u"one 'two three'");
+    const bool relative = Orvanta::launch(u"run:touch.sh");
     Orvanta::setCurDirectory(before);
-    ASSERT_TRUE(started);
-    EXPECT_TRUE(waitForFile(dir.file("touched")));
+    ASSERT_TRUE(started && relative);
+    EXPECT_TRUE(waitForFile(dir.file("touched"))) << "relative programs are found in the current folder";
+    ASSERT_TRUE(waitForFile(marker));
+    EXPECT_EQ(OrvantaTest::readFileBytes(marker),
+              fs::canonical(dir.path()).string() + "\n2\none\ntwo three\n");
 }
 
 TEST(ShellLaunch, MissingFilesAndBadParametersAreRefused) {

@@ -1,3 +1,5 @@
+// Synchronized: a recursive mutex, and the scope that holds it.
+
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -7,31 +9,23 @@
 
 using namespace Orvanta;
 
-TEST(Synchronized, OwningThreadReentersAndHoldsUntilTheOuterScopeEnds) {
+TEST(Synchronized, OwnerReentersAndOtherThreadsWaitUntilTheOuterScopeEnds) {
     Synchronized mutex;
     auto takenElsewhere = [&] {
         bool taken = false;
-        std::thread([&] {
-            taken = mutex.getMutex()->try_lock();
-            if (taken) mutex.unlock();
-        }).join();
+        std::thread([&] { taken = mutex.getMutex()->try_lock() && (mutex.unlock(), true); }).join();
         return taken;
     };
     {
         Synchronizer outer(&mutex);
         { Synchronizer inner(&mutex); }
-        EXPECT_FALSE(takenElsewhere());  // still held once by this thread
+        EXPECT_FALSE(takenElsewhere()) << "still held once by this thread";
     }
     EXPECT_TRUE(takenElsewhere());
-}
-
-TEST(Synchronized, OtherThreadsWaitForTheHolder) {
-    Synchronized mutex;
     int counter = 0;
     auto work = [&] {
         for (int i = 0; i < 20000; ++i) {
-            Synchronizer guard(&mutex);
-            Synchronizer again(&mutex);
+            Synchronizer guard(&mutex), again(&mutex);
             ++counter;
         }
     };

@@ -1,444 +1,579 @@
-// The database file: its bytes, allocation, growth, the info record, clear, cursors and iterators.
+// The database and ordering files: their bytes, allocation, growth, the info record, orderings,
+// iterators and damaged files; the id index rebuilt at open; and the journal: what survives the death of the
+// writing process, what a journal left behind may and may not touch, and what a full disk or a full ordering
+// does.
 
 #include "orvanta/store/Database.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
-#include <set>
+#include <functional>
+#include <map>
+#include <random>
+#include <tuple>
 
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/store/DatabaseOrdering.h"
+#include "orvanta/store/IdIndex.h"
 #include "tests/store/StoreFixtures.h"
+#include "tests/support/FaultyFileSystem.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
+namespace fs = std::filesystem;
 
 namespace {
 
+const std::u16string kOpens = u"(nothing thrown)", kCannot = u"Cannot open database";
+
+// The number n of idFor(n), for small n.
+int number(const UniqueID& id) {
+    return id.asUUID().Data4[7];
+}
+
+// The records an iterator gives for steps of 'n' (next) and 'p' (prev), −1 for none; by default
+// next to the end.
+std::vector<int> steps(Database::Iterator* it, const std::string& moves = "") {
+    std::vector<int> seen;
+    for (std::size_t i = 0; moves.empty() || i < moves.size(); ++i) {
+        Database::Record* record = moves.empty() || moves[i] == 'n' ? it->next() : it->prev();
+        if (!record && moves.empty()) break;
+        seen.push_back(record ? number(record->getID()) : -1);
+    }
+    return seen;
+}
+
+std::vector<int> walk(Database* db) {
+    return steps(OwnedPtr<Database::Iterator>(db->createIterator()));
+}
+
+std::vector<int> order(DatabaseOrdering* ordering) {
+    std::vector<int> numbers;
+    for (int i = 0; i < ordering->getCount(); ++i) numbers.push_back(number(ordering->getID(i)));
+    return numbers;
+}
+
 class DatabaseTest : public ::testing::Test {
 protected:
-    // A new file of the given block size, opened.
     OwnedPtr<Database> make(int blockSize, int growBlocks, const std::string& name = "db") {
         path = dir.wide(name);
-        EXPECT_TRUE(Database::createFile(path, blockSize, 2, 0));
+        EXPECT_TRUE(Database::createFile(path, blockSize, 2, 77));
         return Database::create(path, growBlocks);
     }
-
-    long fileSize() const { return static_cast<long>(std::filesystem::file_size(path.toUtf8())); }
+    OwnedPtr<DatabaseOrdering> makeOrdering() {
+        EXPECT_TRUE(DatabaseOrdering::createFile(dir.wide("idx")));
+        return DatabaseOrdering::create(dir.wide("idx"));
+    }
+    // What opening the file at name throws, as a database or as an ordering.
+    std::u16string opens(const std::string& name, bool ordering = false) {
+        return messageOf([&] {
+            if (ordering) OwnedPtr<DatabaseOrdering>(DatabaseOrdering::create(dir.wide(name)));
+            if (!ordering) OwnedPtr<Database>(Database::create(dir.wide(name), 30));
+        });
+    }
 
     TempDir dir;
     CString path;
 };
 
-// The stored bytes of an id written as text, by the GUID rule: Data1..Data3 little-endian, Data4 as is.
-std::vector<unsigned char> guidBytes(const char16_t* text) {
-    unsigned char bytes[16];
-    UniqueID(CString(text)).writeBytes(bytes);
-    return std::vector<unsigned char>(bytes, bytes + 16);
-}
-
-TEST_F(DatabaseTest, NewFileIsExactlyTheHeader) {
-    ASSERT_TRUE(Database::createFile(dir.wide("new"), 1024, 2, 77));
-    const auto bytes = fileBytes(dir.file("new"));
-    ASSERT_EQ(bytes.size(), 44u);
-    const unsigned char magic[16] = {'#', '#', '#', 'O', 'r', 'v', 'a', 'n',
-                                     't', 'a', 'D', 'B', '#', '#', '#', 0};
-    EXPECT_TRUE(std::equal(magic, magic + 16, bytes.begin()));
-    EXPECT_EQ(getInt(bytes, 16), 1024);
-    EXPECT_EQ(getInt(bytes, 20), 0);
-    EXPECT_EQ(getInt(bytes, 24), 2);
-    EXPECT_TRUE(std::all_of(bytes.begin() + 28, bytes.end(), [](unsigned char b) { return b == 0; }));
-}
-
-TEST_F(DatabaseTest, CreateFileNeverOverwrites) {
-    ASSERT_TRUE(Database::createFile(dir.wide("x"), 1024, 2, 0));
-    writeFileBytes(dir.file("x"), "precious");
-    EXPECT_FALSE(Database::createFile(dir.wide("x"), 1024, 2, 0));
-    EXPECT_EQ(readFileBytes(dir.file("x")), "precious");
-    EXPECT_FALSE(Database::createFile(dir.wide("no/such/folder/x"), 1024, 2, 0));
-}
-
 TEST_F(DatabaseTest, FileMatchesTheLayoutBuiltByHand) {
-    const char16_t* first = u"00112233-4455-6677-8899-aabbccddeeff";
-    const char16_t* second = u"ffeeddcc-bbaa-9988-7766-554433221100";
+    const UniqueID first(CString(u"00112233-4455-6677-8899-aabbccddeeff"));
+    const std::string forty = pattern(40, 1);
     {
         OwnedPtr<Database> db = make(64, 4);
-        const std::string hello = "hello";
-        ASSERT_TRUE(db->addRecord(UniqueID(CString(first)), hello.data(), 5));
-        const auto forty = pattern(40, 1);
-        ASSERT_TRUE(db->addRecord(UniqueID(CString(second)), forty.data(), 40));
+        ASSERT_TRUE(db->addRecord(first, "hello", 5) && db->addRecord(idFor(7), forty.data(), 40));
         ASSERT_TRUE(db->addRecord(Database::kInfoRecordID, "abc", 3));
+        db->setFormatVersion(9);
     }
-    // Expected: header, then 4 blocks of 64 bytes (one growth of growBlocks 4).
-    std::vector<unsigned char> expected(44 + 4 * 64, 0);
-    std::memcpy(expected.data(), "###OrvantaDB###", 16);
+    // The header (the reserved argument is not stored), then one growth of 4 blocks of 64 bytes.
+    std::string expected = std::string("###OrvantaDB###\0", 16) + std::string(28 + 4 * 64, '\0');
     putInt(expected, 16, 64);
     putInt(expected, 20, 4);
-    putInt(expected, 24, 2);
-    auto head = [&](int block, const std::vector<unsigned char>& id, int size) {
-        const std::size_t at = 44 + static_cast<std::size_t>(block) * 64;
-        putInt(expected, at, 1);
-        std::copy(id.begin(), id.end(), expected.begin() + static_cast<long>(at) + 12);
-        putInt(expected, at + 28, size);
-        return at + 40;
+    putInt(expected, 24, 9);
+    const auto head = [&](std::size_t block, const UniqueID& id, const std::string& payload) {
+        putInt(expected, 44 + block * 64, 1);
+        id.writeBytes(reinterpret_cast<unsigned char*>(expected.data() + 44 + block * 64 + 12));
+        putInt(expected, 44 + block * 64 + 28, static_cast<int>(payload.size()));
+        expected.replace(44 + block * 64 + 40, payload.size(), payload);
     };
-    std::memcpy(expected.data() + head(0, guidBytes(first), 5), "hello", 5);
-    // 40 bytes exceed the 24 of a first block: (40 - 24) / 64 + 2 = 2 blocks, the payload running on.
-    const auto forty = pattern(40, 1);
-    std::copy(forty.begin(), forty.end(),
-              expected.begin() + static_cast<long>(head(1, guidBytes(second), 40)));
-    std::memcpy(expected.data() + head(3, std::vector<unsigned char>(16, 0), 3), "abc", 3);
-    EXPECT_EQ(fileBytes(dir.file("db")), expected);
-    EXPECT_FALSE(std::filesystem::exists(dir.file("db-journal"))) << "a clean close leaves the file alone";
-
-    // Deleting changes the type word alone: the id and payload stay readable in the file.
-    {
-        OwnedPtr<Database> db = Database::create(path, 4);
-        db->removeRecord(UniqueID(CString(second)));
-    }
+    head(0, first, "hello");
+    head(1, idFor(7), forty);  // 40 bytes exceed a first block's 24: the payload runs on into block 2
+    head(3, Database::kInfoRecordID, "abc");
+    EXPECT_EQ(expected.substr(56, 16),
+              std::string("\x33\x22\x11\0\x55\x44\x77\x66\x88\x99\xaa\xbb\xcc\xdd\xee\xff", 16));
+    EXPECT_EQ(readFileBytes(dir.file("db")), expected);
+    EXPECT_FALSE(fs::exists(dir.file("db-journal"))) << "a clean close leaves the file alone";
+    // Deleting writes the type word of each block (here payload bytes) and nothing else.
+    OwnedPtr<Database>(Database::create(path, 4))->removeRecord(idFor(7));
     putInt(expected, 44 + 64, 0);
     putInt(expected, 44 + 128, 0);
-    EXPECT_EQ(fileBytes(dir.file("db")), expected);
+    EXPECT_EQ(readFileBytes(dir.file("db")), expected);
+    EXPECT_FALSE(Database::createFile(path, 64, 2, 0)) << "an existing file is never overwritten";
 }
 
-TEST_F(DatabaseTest, ReopenRebuildsTheSameIndexes) {
-    std::vector<UniqueID> ids;
-    {
-        OwnedPtr<Database> db = make(128, 10);
-        for (int i = 0; i < 300; ++i) {
-            ids.push_back(UniqueID::create());
-            const auto data = pattern(i * 7 % 500, i);
-            ASSERT_TRUE(db->addRecord(ids.back(), data.data(), static_cast<int>(data.size())));
-        }
-        for (int i = 0; i < 300; i += 3) db->removeRecord(ids[static_cast<std::size_t>(i)]);
-    }
-    const auto before = fileBytes(dir.file("db"));
-    OwnedPtr<Database> db = Database::create(path, 10);
-    EXPECT_EQ(db->getRecordCount(), 200);
-    for (int i = 0; i < 300; ++i) {
-        Database::Record* record = db->findRecord(ids[static_cast<std::size_t>(i)]);
-        if (i % 3 == 0) {
-            EXPECT_EQ(record, nullptr);
-            continue;
-        }
-        ASSERT_NE(record, nullptr);
-        const auto data = pattern(i * 7 % 500, i);
-        ASSERT_EQ(record->getDataSize(), static_cast<int>(data.size()));
-        EXPECT_TRUE(std::equal(data.begin(), data.end(), record->getDataBytes()));
-    }
-    db->close();
-    EXPECT_EQ(fileBytes(dir.file("db")), before) << "opening and closing must not change a byte";
-}
-
-TEST_F(DatabaseTest, NewDatabaseIsEmptyAndGrowsByGrowBlocks) {
+TEST_F(DatabaseTest, BlockRuleGrowthAndFirstFit) {
     OwnedPtr<Database> db = make(1024, 100);
-    EXPECT_EQ(fileSize(), 44);
-    EXPECT_EQ(db->getRecordCount(), 0);
-    EXPECT_TRUE(db->isEmpty());
-    EXPECT_EQ(db->firstBlock(), db->endBlock());
-    EXPECT_EQ(db->findFreeRun(10), nullptr);
+    // 2008 bytes (984 + 1024) would fit 2 blocks; the rule gives 3.
+    EXPECT_EQ(std::vector<int>({db->blocksForSize(984), db->blocksForSize(985), db->blocksForSize(2008)}),
+              (std::vector<int>{1, 2, 3}));
     ASSERT_NE(db->newRecord(idFor(1), 10), nullptr);
-    EXPECT_EQ(db->getBlockCount(), 100);
-    EXPECT_EQ(fileSize(), 44 + 100 * 1024);
-    EXPECT_EQ(db->getFreeBlockCount(), 99);
-}
-
-TEST_F(DatabaseTest, BlockRuleKeepsItsExtraBlock) {
-    OwnedPtr<Database> db = make(1024, 100);
-    EXPECT_EQ(db->blocksForSize(0), 1);
-    EXPECT_EQ(db->blocksForSize(984), 1);
-    EXPECT_EQ(db->blocksForSize(985), 2);
-    EXPECT_EQ(db->blocksForSize(2008), 3);  // 984 + 1024 would fit 2, the rule gives 3
-    EXPECT_EQ(db->getCapacity(0), 0);
-    EXPECT_EQ(db->getCapacity(1), 984);
-    EXPECT_EQ(db->getCapacity(2), 2008);
-    EXPECT_EQ(db->getFirstBlockCapacity(), 984);
-}
-
-TEST_F(DatabaseTest, ReplacingReusesTheSameBlocks) {
-    OwnedPtr<Database> db = make(256, 10);
-    const auto a = pattern(300, 1), b = pattern(300, 2);
-    ASSERT_TRUE(db->addRecord(idFor(1), a.data(), 300));
-    ASSERT_TRUE(db->addRecord(idFor(2), a.data(), 10));
-    const int offset = db->blockToOffset(db->findRecord(idFor(1)));
-    ASSERT_TRUE(db->addRecord(idFor(1), b.data(), 300));
-    EXPECT_EQ(db->getRecordCount(), 2);
-    Database::Record* record = db->findRecord(idFor(1));
-    EXPECT_EQ(db->blockToOffset(record), offset);
-    EXPECT_TRUE(std::equal(b.begin(), b.end(), record->getDataBytes()));
-}
-
-TEST_F(DatabaseTest, FirstFitTakesTheFirstRunLongEnough) {
-    OwnedPtr<Database> db = make(64, 10);
-    for (int i = 0; i < 10; ++i) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
-    ASSERT_EQ(db->getFreeBlockCount(), 0);
-    // Free runs: blocks 1-2 and blocks 4-8.
-    for (int i : {1, 2, 4, 5, 6, 7, 8}) db->removeRecord(idFor(i));
-    const int threeBlocks = 24 + 64 + 1;
-    ASSERT_EQ(db->blocksForSize(threeBlocks), 3);
-    Database::Block* run = db->findFreeRun(threeBlocks);
-    ASSERT_NE(run, nullptr);
-    EXPECT_EQ(db->blockToOffset(run), 4 * 64);
-    ASSERT_NE(db->newRecord(idFor(100), threeBlocks), nullptr);
-    EXPECT_EQ(db->blockToOffset(db->findRecord(idFor(100))), 4 * 64);
-    // A one-block record goes to the lowest free block.
-    ASSERT_NE(db->newRecord(idFor(101), 1), nullptr);
-    EXPECT_EQ(db->blockToOffset(db->findRecord(idFor(101))), 64);
-}
-
-TEST_F(DatabaseTest, InfoRecordIsStoredButNotCounted) {
-    OwnedPtr<Database> db = make(128, 10);
-    DatabaseOrdering::createFile(dir.wide("db.idx"));
-    OwnedPtr<DatabaseOrdering> ordering = DatabaseOrdering::create(dir.wide("db.idx"));
-    db->setOrdering(ordering, true);
-    ASSERT_TRUE(db->addRecord(idFor(1), "a", 1));
-    ASSERT_TRUE(db->addRecord(Database::kInfoRecordID, "info", 4));
-    ASSERT_TRUE(db->addRecord(idFor(2), "b", 1));
-    EXPECT_EQ(db->getRecordCount(), 2);
-    ASSERT_NE(db->findRecord(Database::kInfoRecordID), nullptr);
-    EXPECT_EQ(
-        std::string(reinterpret_cast<char*>(db->findRecord(Database::kInfoRecordID)->getDataBytes()), 4),
-        "info");
-    EXPECT_EQ(ordering->getCount(), 2);
-    EXPECT_EQ(ordering->indexOf(Database::kInfoRecordID), -1);
-
-    db->setOrdering(nullptr, false);
-    OwnedPtr<Database::Iterator> walk = db->createIterator();
-    std::vector<UniqueID> seen;
-    while (Database::Record* record = walk->next()) seen.push_back(record->getID());
-    EXPECT_EQ(seen, (std::vector<UniqueID>{idFor(1), idFor(2)}));
-}
-
-TEST_F(DatabaseTest, PositionsPastTheInfoRecordRepeatOneRecord) {
-    OwnedPtr<Database> db = make(128, 10);
-    ASSERT_TRUE(db->addRecord(idFor(1), "a", 1));
-    ASSERT_TRUE(db->addRecord(Database::kInfoRecordID, "i", 1));
-    ASSERT_TRUE(db->addRecord(idFor(2), "b", 1));
-    ASSERT_TRUE(db->addRecord(idFor(3), "c", 1));
-    ASSERT_EQ(db->getRecordCount(), 3);
-    EXPECT_EQ(db->getRecord(0)->getID(), idFor(1));
-    EXPECT_EQ(db->getRecord(1)->getID(), idFor(2));
-    EXPECT_EQ(db->getRecord(2)->getID(), idFor(2));
-    EXPECT_EQ(db->getRecord(3), nullptr);
-    EXPECT_EQ(db->getRecord(-1), nullptr);
-}
-
-TEST_F(DatabaseTest, OrderingGivesPositionsAndFollowsChanges) {
-    OwnedPtr<Database> db = make(128, 10);
-    ASSERT_TRUE(DatabaseOrdering::createFile(dir.wide("db.idx")));
-    OwnedPtr<DatabaseOrdering> ordering = DatabaseOrdering::create(dir.wide("db.idx"));
-    db->setOrdering(ordering, true);
-    for (int i : {5, 3, 9}) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
-    ordering->move(idFor(9), 0, false);
-    EXPECT_EQ(db->getRecord(0)->getID(), idFor(9));
-    EXPECT_EQ(db->getRecord(1)->getID(), idFor(5));
-    // A replaced record leaves and re-enters the ordering: it goes to the end.
-    ASSERT_TRUE(db->addRecord(idFor(5), "y", 1));
-    EXPECT_EQ(ordering->getID(2), idFor(5));
-    db->removeRecord(idFor(3));
-    EXPECT_EQ(ordering->getCount(), 2);
-
-    OwnedPtr<Database::Iterator> walk = db->createIterator();
-    std::vector<UniqueID> seen;
-    while (Database::Record* record = walk->next()) seen.push_back(record->getID());
-    EXPECT_EQ(seen, (std::vector<UniqueID>{idFor(9), idFor(5)}));
-}
-
-TEST_F(DatabaseTest, SetOrderingRepairsAnIndexOutOfStep) {
-    OwnedPtr<Database> db = make(128, 10);
-    for (int i : {4, 1, 7, 2}) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
-    ASSERT_TRUE(DatabaseOrdering::createFile(dir.wide("db.idx")));
-    OwnedPtr<DatabaseOrdering> ordering = DatabaseOrdering::create(dir.wide("db.idx"));
-    for (int i : {7, 99, 4, 98}) ordering->append(idFor(i));
-    db->setOrdering(ordering, true);
-    // Known ids in their known order, the others behind in ascending id order.
-    std::vector<UniqueID> order;
-    for (int i = 0; i < ordering->getCount(); ++i) order.push_back(ordering->getID(i));
-    EXPECT_EQ(order, (std::vector<UniqueID>{idFor(7), idFor(4), idFor(1), idFor(2)}));
-}
-
-TEST_F(DatabaseTest, IteratorWalksBothWaysAndSurvivesRemoval) {
-    OwnedPtr<Database> db = make(128, 10);
-    for (int i : {30, 10, 20, 40}) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
-    OwnedPtr<Database::Iterator> walk = db->createIterator();
-    EXPECT_EQ(walk->current()->getID(), idFor(10));
-    EXPECT_EQ(walk->next()->getID(), idFor(10));
-    EXPECT_EQ(walk->next()->getID(), idFor(20));
-    // Removing the current record and adding one ahead: the walk goes on from where it stood.
-    db->removeRecord(idFor(30));
-    ASSERT_TRUE(db->addRecord(idFor(35), "x", 1));
-    EXPECT_EQ(walk->next()->getID(), idFor(35));
-    EXPECT_EQ(walk->prev()->getID(), idFor(40));
-    EXPECT_EQ(walk->prev()->getID(), idFor(35));
-    EXPECT_EQ(walk->next()->getID(), idFor(20));
-    EXPECT_EQ(walk->next()->getID(), idFor(35));
-    EXPECT_EQ(walk->next()->getID(), idFor(40));
-    EXPECT_EQ(walk->next(), nullptr);
-    EXPECT_EQ(walk->next(), nullptr);
-}
-
-TEST_F(DatabaseTest, BlockCursorStepsOverRuns) {
-    OwnedPtr<Database> db = make(64, 6);
-    ASSERT_TRUE(db->addRecord(idFor(1), pattern(100, 1).data(), 100));  // 3 blocks
-    ASSERT_TRUE(db->addRecord(idFor(2), "x", 1));                       // 1 block
-    std::vector<int> steps;
-    for (auto cursor = db->blocksBegin(), end = db->blocksEnd(); cursor != end; ++cursor)
-        steps.push_back(db->blockToOffset(*cursor) / 64);
-    EXPECT_EQ(steps, (std::vector<int>{0, 3, 4, 5}));
-}
-
-TEST_F(DatabaseTest, ClearFreesEveryBlockAndKeepsTheFileSize) {
-    OwnedPtr<Database> db = make(64, 10);
-    DatabaseOrdering::createFile(dir.wide("db.idx"));
-    OwnedPtr<DatabaseOrdering> ordering = DatabaseOrdering::create(dir.wide("db.idx"));
-    db->setOrdering(ordering, true);
-    for (int i = 0; i < 5; ++i) ASSERT_TRUE(db->addRecord(idFor(i), pattern(50, i).data(), 50));
-    ASSERT_TRUE(db->addRecord(Database::kInfoRecordID, "i", 1));
-    const long size = fileSize();
-    db->clear();
-    EXPECT_EQ(db->getRecordCount(), 0);
-    EXPECT_EQ(db->getFreeBlockCount(), db->getBlockCount());
-    EXPECT_EQ(fileSize(), size);
-    EXPECT_EQ(ordering->getCount(), 5) << "clear leaves the ordering alone";
-    db->close();
-    const auto bytes = fileBytes(dir.file("db"));
-    EXPECT_TRUE(std::all_of(bytes.begin() + 44, bytes.end(), [](unsigned char b) { return b == 0; }));
-}
-
-TEST_F(DatabaseTest, RecordWithinFortyBytesOfTheGrowthFailsCleanly) {
-    // growBlocks 1: for 100 bytes the growth is 100 / 64 + 1 = 2 blocks, but the record needs 3.
-    OwnedPtr<Database> db = make(64, 1);
+    EXPECT_EQ(fs::file_size(dir.file("db")), 44u + 100 * 1024);
+    // growBlocks 1: for 100 bytes in blocks of 64 the growth is 100 / 64 + 1 = 2 blocks, one short;
+    // the next growth completes the run.
+    db = make(64, 1, "small");
     EXPECT_EQ(db->newRecord(idFor(1), 100), nullptr);
-    EXPECT_EQ(db->getBlockCount(), 2);
-    EXPECT_EQ(db->getRecordCount(), 0);
-    // Now two free blocks stand before the end, and the next growth completes the run.
     EXPECT_TRUE(db->addRecord(idFor(1), pattern(100, 1).data(), 100));
     EXPECT_EQ(db->getBlockCount(), 4);
-    EXPECT_EQ(db->blockToOffset(db->findRecord(idFor(1))), 0);
+    // First fit, within a word of 64 blocks and across words: with free runs of blocks 1-2, 4-8, 62-121
+    // and 130-199, each allocation takes the lowest run long enough; a replaced record's blocks are
+    // free for the very allocation that replaces it.
+    db = make(64, 200, "fit");
+    for (int i = 0; i < 200; ++i) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
+    for (int i = 0; i < 200; ++i)
+        if (i == 1 || i == 2 || (i >= 4 && i <= 8) || (i >= 62 && i <= 121) || i >= 130)
+            db->removeRecord(idFor(i));
+    const std::tuple<int, int, int> allocations[] = {
+        {300, 89, 4}, {301, 1, 1}, {300, 89, 4}, {302, 24 + 64 * 59 + 1, 130}, {303, 24 + 64 * 58 + 1, 62}};
+    for (const auto& [id, size, block] : allocations) {
+        ASSERT_NE(db->newRecord(idFor(id), size), nullptr);
+        EXPECT_EQ(db->blockToOffset(db->findRecord(idFor(id))), block * 64) << id;
+    }
 }
 
-TEST_F(DatabaseTest, FormatVersionIsStoredInPlace) {
-    OwnedPtr<Database> db = make(256, 10);
-    EXPECT_EQ(db->getFormatVersion(), 2);
-    db->setFormatVersion(7);
-    db->close();
-    EXPECT_EQ(getInt(fileBytes(dir.file("db")), 24), 7);
-}
-
-TEST_F(DatabaseTest, SecondOpenerIsRefused) {
-    OwnedPtr<Database> db = make(256, 10);
-    EXPECT_EQ(thrownMessage([&] { Database::create(path, 10); }), u"Cannot open database");
-    db->close();
-    EXPECT_NO_THROW(OwnedPtr<Database>(Database::create(path, 10)));
-}
-
-TEST_F(DatabaseTest, ClosedDatabaseAnswersNothing) {
-    OwnedPtr<Database> db = make(256, 10);
-    ASSERT_TRUE(db->addRecord(idFor(1), "x", 1));
-    db->close();
-    EXPECT_EQ(db->findRecord(idFor(1)), nullptr);
-    EXPECT_EQ(db->newRecord(idFor(2), 1), nullptr);
-    EXPECT_FALSE(db->addRecord(idFor(2), "x", 1));
+TEST_F(DatabaseTest, InfoRecordIsStoredButNeitherCountedNorOrdered) {
+    OwnedPtr<Database> db = make(128, 10);
+    for (int i : {1, 0, 2, 3}) ASSERT_TRUE(db->addRecord(i ? idFor(i) : Database::kInfoRecordID, "abc", i));
+    EXPECT_EQ(db->getRecordCount(), 3);
+    EXPECT_EQ(walk(db), (std::vector<int>{1, 2, 3}));
+    // By position the count leaves the info record out while the positions hold it: past its place
+    // the record behind it comes twice and the last is out of reach.
+    std::vector<int> at;
+    for (int i = -1; i <= 3; ++i) at.push_back(db->getRecord(i) ? number(db->getRecord(i)->getID()) : -1);
+    EXPECT_EQ(at, (std::vector<int>{-1, 1, 2, 2, -1}));
+    OwnedPtr<DatabaseOrdering> ordering = makeOrdering();
+    db->setOrdering(ordering, true);
+    EXPECT_EQ(order(ordering), (std::vector<int>{1, 2, 3}));
+    // Clearing frees every block, keeps the file's size and leaves the ordering alone.
+    const auto size = fs::file_size(dir.file("db"));
     db->clear();
-    db->removeRecord(idFor(1));
+    EXPECT_EQ(db->getFreeBlockCount(), db->getBlockCount());
+    EXPECT_EQ(ordering->getCount(), 3);
+    db->close();
+    EXPECT_EQ(readFileBytes(dir.file("db")).substr(44), std::string(size - 44, '\0'));
 }
 
-// --- Damaged files --------------------------------------------------------------------------------
+TEST_F(DatabaseTest, OrderingIsRepairedFollowsChangesAndIsWalkedBothWays) {
+    OwnedPtr<Database> db = make(128, 10);
+    for (int i : {4, 1, 7, 2, 5}) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
+    OwnedPtr<DatabaseOrdering> ordering = makeOrdering();
+    for (int i : {7, 99, 4, 98}) ordering->append(idFor(i));
+    // Repair: known ids in their known order, the others behind in ascending id order.
+    db->setOrdering(ordering, true);
+    EXPECT_EQ(order(ordering), (std::vector<int>{7, 4, 1, 2, 5}));
+    EXPECT_EQ(number(db->getRecord(0)->getID()), 7);
+    // A replaced record leaves and re-enters the ordering: it goes to the end.
+    ASSERT_TRUE(db->addRecord(idFor(4), "y", 1));
+    db->removeRecord(idFor(1));
+    EXPECT_EQ(walk(db), (std::vector<int>{7, 2, 5, 4}));
+    // Out of step (ids 7, 5 and 9 without a record): both ways step over them, the walk ends where the
+    // ordering does, and off either end it is done.
+    db->setOrdering(nullptr, false);
+    for (int i : {7, 5}) db->removeRecord(idFor(i));
+    ASSERT_TRUE(db->addRecord(idFor(3), "z", 1));
+    for (int i : {9, 3}) ordering->append(idFor(i));
+    db->setOrdering(ordering, false);
+    OwnedPtr<Database::Iterator> it = db->createIterator();
+    EXPECT_EQ(number(it->current()->getID()), 2);
+    EXPECT_EQ(steps(it, "nnpppn"), (std::vector<int>{2, 4, 4, 2, -1, -1}));
+    EXPECT_EQ(walk(db), (std::vector<int>{2, 4, 3}));
+}
 
-class DamagedDatabaseTest : public DatabaseTest {
-protected:
-    // A valid file with three records, as bytes to damage.
-    std::vector<unsigned char> goodFile() {
-        if (!mGood.empty()) return mGood;
-        {
-            OwnedPtr<Database> db = make(64, 8, "good");
-            EXPECT_TRUE(db->addRecord(idFor(1), "a", 1));
-            EXPECT_TRUE(db->addRecord(idFor(2), pattern(100, 2).data(), 100));
-            EXPECT_TRUE(db->addRecord(idFor(3), "c", 1));
+TEST_F(DatabaseTest, IdWalkGoesOnFromWhereItStoodAcrossChanges) {
+    OwnedPtr<Database> db = make(128, 10);
+    for (int i : {30, 10, 20, 40}) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
+    OwnedPtr<Database::Iterator> it = db->createIterator();
+    EXPECT_EQ(steps(it, "nn"), (std::vector<int>{10, 20}));
+    db->removeRecord(idFor(30));  // the current record
+    ASSERT_TRUE(db->addRecord(idFor(35), "x", 1));
+    EXPECT_EQ(steps(it, "nppnnnn"), (std::vector<int>{35, 40, 35, 20, 35, 40, -1}));
+    EXPECT_EQ(steps(OwnedPtr<Database::Iterator>(db->createIterator()), "pp"), (std::vector<int>{10, -1}));
+    // Read again from the file, random ids come in ascending order: the order of the ids' bytes.
+    std::vector<UniqueID> ids = {idFor(10), idFor(20), idFor(35), idFor(40)};
+    for (int i = 0; i < 200; ++i) ASSERT_TRUE(db->addRecord(ids.emplace_back(UniqueID::create()), "r", 1));
+    std::sort(ids.begin(), ids.end());
+    db->close();
+    db = Database::create(path, 10);
+    it = db->createIterator();
+    for (const UniqueID& id : ids) ASSERT_EQ(it->next()->getID(), id);
+}
+
+TEST_F(DatabaseTest, DamagedOrBusyFilesDoNotOpen) {
+    {
+        OwnedPtr<Database> db = make(64, 8, "good");
+        for (int i : {1, 2, 3})
+            ASSERT_TRUE(db->addRecord(idFor(i), pattern(100, 2).data(), i == 2 ? 100 : 1));
+        EXPECT_EQ(opens("good"), kCannot);
+        EXPECT_EQ(Database::explainOpenFailure(path), CString(u"it is open in another program"));
+    }
+    const std::string good = readFileBytes(dir.file("good"));
+    std::string index = std::string("##OrvantaDBI###", 16) + std::string(1616, '\0');
+    putInt(index, 16, 3);
+    const auto with = [](std::string bytes, std::size_t at, std::int32_t value) {
+        putInt(bytes, at, value);
+        return bytes;
+    };
+    std::vector<std::string> files = {"###OrvantaDB###", "X" + good.substr(1)};
+    std::vector<std::string> indexes = {"X" + index.substr(1), index.substr(0, 20), ""};
+    for (int v : {9, 0x7fffffff, -1}) files.push_back(with(good, 20, v));    // blocks past the end
+    for (int v : {0, -64, 39, 1 << 30}) files.push_back(with(good, 16, v));  // block size
+    for (int v : {512, 0x7fffffff, -1}) files.push_back(with(good, 72, v));  // a record past the end
+    for (std::size_t size = 0; size < good.size(); size += 7) files.push_back(good.substr(0, size));
+    for (int v : {101, -1}) indexes.push_back(with(index, 16, v));  // more ids than the file holds
+    for (const auto& [bytes, ordering] : {std::pair{&files, false}, std::pair{&indexes, true}})
+        for (const auto& file : *bytes) {
+            writeFileBytes(dir.file("bad"), file);
+            EXPECT_EQ(opens("bad", ordering), ordering ? kCannot + u" index" : kCannot) << file.size();
         }
-        mGood = fileBytes(dir.file("good"));
-        return mGood;
+    writeFileBytes(dir.file("bad"), with(index.substr(0, 32), 16, 0));
+    EXPECT_EQ(opens("bad", true), kOpens) << "room for no id";
+    // Bytes beyond the counted blocks are ignored, and the next growth writes over them.
+    writeFileBytes(dir.file("bad"), good + std::string(17, '\xee'));
+    EXPECT_TRUE(OwnedPtr<Database>(Database::create(dir.wide("bad"), 1))
+                    ->addRecord(idFor(4), pattern(200, 1).data(), 200));
+    EXPECT_EQ(OwnedPtr<Database>(Database::create(dir.wide("bad"), 1))->getRecordCount(), 4);
+}
+
+TEST_F(DatabaseTest, OrderingFileLayoutGrowthAndMoves) {
+    {
+        OwnedPtr<DatabaseOrdering> ordering = makeOrdering();
+        EXPECT_EQ(readFileBytes(dir.file("idx")),
+                  std::string("##OrvantaDBI###", 16) + std::string(1616, '\0'));
+        EXPECT_FALSE(DatabaseOrdering::createFile(dir.wide("idx")));
+        EXPECT_EQ(opens("idx", true), kCannot + u" index") << "a second opener";
+        for (int i = 0; i < 101; ++i) ordering->append(idFor(i));  // the 101st doubles the capacity
+        ordering->append(UniqueID());                              // the null id never enters
+        ordering->remove(idFor(1));
+    }
+    std::string expected = std::string("##OrvantaDBI###", 16) + std::string(16 + 16 * 200, '\0');
+    putInt(expected, 16, 100);
+    for (int i = 0; i < 101; ++i)  // the old last id stays behind the live ones
+        idFor(i < 100 ? i + (i > 0) : 100)
+            .writeBytes(reinterpret_cast<unsigned char*>(expected.data()) + 32 + 16 * i);
+    EXPECT_EQ(readFileBytes(dir.file("idx")), expected);
+    // Moves read the target in the numbering before the removal; an unknown id is inserted.
+    OwnedPtr<DatabaseOrdering> ordering = DatabaseOrdering::create(dir.wide("idx"));
+    ordering->clear();
+    for (int i = 0; i < 7; ++i) ordering->insert(i, idFor(i));
+    // clang-format off
+    const std::tuple<int, int, int, std::vector<int>> moves[] = {
+        {1, 4, 3, {0, 2, 3, 1, 4, 5, 6}}, {5, 2, 2, {0, 2, 5, 3, 1, 4, 6}}, {9, 1, 1, {0, 9, 2, 5, 3, 1, 4, 6}},
+        {8, 50, 8, {0, 9, 2, 5, 3, 1, 4, 6, 8}}};
+    // clang-format on
+    for (const auto& [id, target, result, after] : moves) {
+        EXPECT_EQ(ordering->move(idFor(id), target, false), result) << id;
+        EXPECT_EQ(order(ordering), after) << id;
+    }
+    EXPECT_EQ(ordering->move(UniqueID(), 2, false), -1);
+}
+
+// --- The id index, against a plain ordered map, with keys that tie on their high halves so that its
+// chunks split and fold ----------------------------------------------------------------------------
+
+using Model = std::map<std::pair<std::uint64_t, std::uint64_t>, int>;
+
+// The index walked forwards holds what the model holds, and walked back from the end too.
+void expectSame(const IdIndex& index, const Model& model) {
+    ASSERT_EQ(index.size(), model.size());
+    auto position = index.begin();
+    for (const auto& [key, offset] : model) {
+        ASSERT_FALSE(index.atEnd(position));
+        EXPECT_TRUE(index.at(position).key == (IdIndex::Key{key.first, key.second}));
+        EXPECT_EQ(index.at(position).offset, offset);
+        position = index.next(position);
+    }
+    EXPECT_TRUE(index.atEnd(position));
+    for (auto it = model.rbegin(); it != model.rend(); ++it) {
+        ASSERT_TRUE(index.previous(position));
+        EXPECT_EQ(index.at(position).offset, it->second);
+    }
+    EXPECT_FALSE(index.previous(position));
+}
+
+TEST(IdIndexTest, AgreesWithAnOrderedMap) {
+    std::mt19937_64 random(7);
+    IdIndex index;
+    Model model;
+    std::vector<IdIndex::Entry> entries;
+    for (int step = 0; step < 20000; ++step) {
+        const int action = static_cast<int>(random() % 10);
+        // Few distinct high halves, so that keys tie on them and chunks split and fold.
+        const IdIndex::Key key = action < 6 || entries.empty() ? IdIndex::Key{random() % 64, random()}
+                                                               : entries[random() % entries.size()].key;
+        const auto found = model.find({key.hi, key.lo});
+        if (action < 6) {
+            entries.push_back(IdIndex::Entry{key, step});
+            index.assign(key, step);
+            model[{key.hi, key.lo}] = step;
+        } else if (action < 8) {
+            EXPECT_EQ(index.erase(key), model.erase({key.hi, key.lo}) > 0);
+        } else {
+            EXPECT_EQ(index.find(key), found == model.end() ? -1 : found->second);
+        }
+    }
+    expectSame(index, model);
+    // A rebuild from every entry ever assigned, some keys many times: the highest offset wins.
+    for (const IdIndex::Entry& entry : entries) model[{entry.key.hi, entry.key.lo}] = entry.offset;
+    index.build(entries);
+    expectSame(index, model);
+    for (const IdIndex::Entry& entry : entries) index.erase(entry.key);
+    expectSame(index, Model());
+}
+
+// --- The journal ---------------------------------------------------------------------------------
+
+constexpr int kIds = 120;
+
+// Version v of record i: its number and version, then bytes of a size (empty to several blocks) and
+// content that depend on both.
+std::string payloadFor(int i, int version) {
+    std::string bytes = pattern(8 + (i * 7919 + version * 104729) % 1400, i * 1000 + version);
+    putInt(bytes, 0, i);
+    putInt(bytes, 4, version);
+    return bytes;
+}
+
+bool store(Database* db, int i, int version) {
+    const std::string bytes = payloadFor(i, version);
+    return db->addRecord(idFor(i), bytes.data(), static_cast<int>(bytes.size()));
+}
+
+// The version record i holds, 0 when absent, −1 when its bytes are not those of any version.
+int versionIn(Database* db, int i) {
+    Database::Record* record = db->findRecord(idFor(i));
+    const std::string bytes = record ? payloadOf(record) : std::string(8, '\0');
+    int version = -1;
+    if (bytes.size() >= 8) std::memcpy(&version, bytes.data() + 4, 4);
+    return !record ? 0 : version > 0 && version < 1000000 && bytes == payloadFor(i, version) ? version : -1;
+}
+
+// The contents of the files in dir whose name starts with name.
+std::vector<std::string> filesNamed(const TempDir& dir, const std::string& name) {
+    std::vector<std::string> found;
+    for (const auto& entry : fs::directory_iterator(dir.path()))
+        if (entry.path().filename().string().rfind(name, 0) == 0)
+            found.push_back(readFileBytes(entry.path()));
+    return found;
+}
+
+// The writer: adds, replaces and now and then removes records, and reports on the pipe each change
+// whose call has returned. Never returns.
+[[noreturn]] void runWriter(const CString& path, int pipe, unsigned seed) {
+    std::mt19937 random(seed);
+    OwnedPtr<Database> db = Database::create(path, 20);
+    for (;;) {
+        int change[2] = {static_cast<int>(random() % kIds), 0};  // record, new version (0: removed)
+        if (random() % 8 != 0) change[1] = std::max(versionIn(db, change[0]), 0) + 1;
+        if (change[1] == 0) db->removeRecord(idFor(change[0]));
+        if (change[1] != 0 && !store(db, change[0], change[1])) _exit(3);
+        if (write(pipe, change, sizeof change) != sizeof change) _exit(4);
+    }
+}
+
+TEST_F(DatabaseTest, KilledWriterLosesNothingAcknowledged) {
+    make(256, 20);
+    std::map<int, int> acked;  // record -> version, 0 for removed
+    std::mt19937 random(20261121);
+    int reports = 0, fds[2], change[2], status = 0;
+    for (int round = 0; round < 40; ++round) {
+        ASSERT_EQ(pipe(fds), 0);
+        const pid_t child = fork();
+        if (child == 0) runWriter(path, fds[1], static_cast<unsigned>(round));
+        close(fds[1]);
+        // Most rounds kill the writer in the middle of its changes, a few while it may still be
+        // opening the file (and replaying the journal the last round left).
+        if (round % 5 != 0 && read(fds[0], change, sizeof change) == sizeof change)
+            acked[change[0]] = change[1];
+        usleep(static_cast<useconds_t>(random() % (round % 5 ? 8000 : 3000)));
+        kill(child, SIGKILL);
+        ASSERT_TRUE(waitpid(child, &status, 0) == child && WIFSIGNALED(status)) << "it stopped itself";
+        for (; read(fds[0], change, sizeof change) == sizeof change; ++reports) acked[change[0]] = change[1];
+        close(fds[0]);
+        OwnedPtr<Database> db = Database::create(path, 20);
+        ASSERT_TRUE(filesNamed(dir, "db-journal.").empty()) << "a journal of this file unrecognized";
+        // Every acked change is there, whole; the one change in flight is whole or not at all.
+        for (int i = 0, inFlight = 0; i < kIds; ++i) {
+            const int found = versionIn(db, i), known = acked[i];
+            ASSERT_NE(found, -1) << "record " << i << " damaged after round " << round;
+            if (found == known) continue;
+            EXPECT_TRUE((found == 0 || found == known + 1) && ++inFlight == 1) << i << ", " << round;
+            acked[i] = found;
+        }
+    }
+    EXPECT_GT(reports, 200) << "the writer did too little work to tell";
+}
+
+// Runs body in a child that then dies without closing anything, as a killed process would.
+void dieAfter(const std::function<void()>& body) {
+    const pid_t child = fork();
+    if (child == 0) body(), _exit(0);
+    int status = 0;
+    ASSERT_TRUE(waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+class DatabaseJournalTest : public DatabaseTest {
+protected:
+    void SetUp() override {
+        OwnedPtr<Database> db = make(128, 30);
+        for (int i = 0; i < 10; ++i) ASSERT_TRUE(store(db, i, 1));
+        fs::create_directory(dir.file("elsewhere"));
+        fs::create_symlink(dir.file("db"), dir.file("alias"));
+        fs::create_hard_link(dir.file("db"), dir.file("link"));
     }
 
-    std::u16string openMessage(const std::vector<unsigned char>& bytes) {
-        putBytes(dir.file("bad"), bytes);
-        return thrownMessage([&] { OwnedPtr<Database> db = Database::create(dir.wide("bad"), 10); });
+    // Leaves the journal of a change begun and never finished: "replace" rewrites record 3 in place
+    // and dies halfway through its payload, having opened the file by name ("relative": as "db" in
+    // its folder, and then gone to work in another). A clear or a freeing of record 4 cannot be
+    // stopped from outside: their journal, finished, is armed again and the file is put back as it
+    // was before the change (then, for a clear, zeroed up to block clearedTo): the state a process
+    // killed at that point leaves.
+    void interrupt(const std::string& change, int clearedTo = 0, const std::string& name = "db") {
+        std::string file = readFileBytes(dir.file("db"));
+        dieAfter([&] {
+            const bool relative = name == "relative" && chdir(dir.path().c_str()) == 0;
+            Database* db = Database::create(relative ? CString(u"db") : dir.wide(name), 30);  // never closed
+            if (relative && chdir(dir.file("elsewhere").c_str()) != 0) _exit(6);
+            if (change == "clear") return db->clear();
+            if (change == "free") return db->removeRecord(idFor(4));
+            const int offset = db->blockToOffset(db->findRecord(idFor(3))),
+                      size = int(payloadFor(3, 1).size());
+            Database::Record* record = db->newRecord(idFor(3), size);
+            if (!record || db->blockToOffset(record) != offset) _exit(5);
+            std::memset(record->getDataBytes(), 0xab, size / 2);
+        });
+        if (change == "replace") return;
+        std::string journal = readFileBytes(dir.file("db-journal"));
+        putInt(journal, 16, change == "clear" ? 3 : 2);
+        writeFileBytes(dir.file("db-journal"), journal);
+        std::fill(file.begin() + 44, file.begin() + 44 + clearedTo * 128, '\0');
+        writeFileBytes(dir.file("db"), file);
     }
-
-    std::vector<unsigned char> mGood;
 };
 
-TEST_F(DamagedDatabaseTest, GoodFileOpens) {
-    EXPECT_EQ(openMessage(goodFile()), u"");
-}
-
-TEST_F(DamagedDatabaseTest, MissingOrForeignFilesDoNotOpen) {
-    EXPECT_EQ(thrownMessage([&] { Database::create(dir.wide("missing"), 10); }), u"Cannot open database");
-    auto bytes = goodFile();
-    bytes[3] = 'X';
-    EXPECT_EQ(openMessage(bytes), u"Cannot open database");
-    EXPECT_EQ(openMessage({}), u"Cannot open database");
-    const auto good = goodFile();
-    EXPECT_EQ(openMessage(std::vector<unsigned char>(good.begin(), good.begin() + 10)),
-              u"Cannot open database");
-    EXPECT_EQ(openMessage(std::vector<unsigned char>(good.begin(), good.begin() + 30)),
-              u"Cannot open database");
-}
-
-TEST_F(DamagedDatabaseTest, BlockCountPastTheEndDoesNotOpen) {
-    auto bytes = goodFile();
-    putInt(bytes, 20, getInt(bytes, 20) + 1);
-    EXPECT_EQ(openMessage(bytes), u"Cannot open database");
-    putInt(bytes, 20, 0x7fffffff);
-    EXPECT_EQ(openMessage(bytes), u"Cannot open database");
-    putInt(bytes, 20, -1);
-    EXPECT_EQ(openMessage(bytes), u"Cannot open database");
-}
-
-TEST_F(DamagedDatabaseTest, TruncatedBlocksDoNotOpen) {
-    auto bytes = goodFile();
-    bytes.resize(bytes.size() - 1);
-    EXPECT_EQ(openMessage(bytes), u"Cannot open database");
-}
-
-TEST_F(DamagedDatabaseTest, BadBlockSizeDoesNotOpen) {
-    for (int blockSize : {0, -64, 39, 1 << 30}) {
-        auto bytes = goodFile();
-        putInt(bytes, 16, blockSize);
-        EXPECT_EQ(openMessage(bytes), u"Cannot open database") << blockSize;
+// The journal is found whichever name the file was opened by: a symbolic link, a hard link in the
+// same folder, a relative path followed by a change of working folder.
+TEST_F(DatabaseJournalTest, ChangeInFlightIsUndoneOrFinished) {
+    std::vector<int> intact(10, 1), freed = intact, cleared(10, 0);  // records 0 to 9 after the next open
+    freed[4] = 0;
+    // clang-format off
+    const std::tuple<const char*, int, std::vector<int>, const char*> cases[] = {
+        {"replace", 0, intact, "db"},   {"replace", 0, intact, "alias"}, {"replace", 0, intact, "link"},
+        {"replace", 0, intact, "relative"}, {"free", 0, freed, "db"},   {"clear", 0, cleared, "db"},
+        {"clear", 5, cleared, "db"},    {"clear", 40, cleared, "db"}};
+    // clang-format on
+    for (const auto& [change, clearedTo, expected, name] : cases) {
+        SCOPED_TRACE(std::string(change) + " " + std::to_string(clearedTo) + " " + name);
+        interrupt(change, clearedTo, name);
+        OwnedPtr<Database> db = Database::create(path, 30);
+        for (int i = 0; i < 10; ++i) EXPECT_EQ(versionIn(db, i), expected[static_cast<std::size_t>(i)]) << i;
+        EXPECT_TRUE(filesNamed(dir, "db-journal").empty()) << "the journal goes once replayed";
+        for (int i = 0; i < 10; ++i) ASSERT_TRUE(store(db, i, 1));
     }
 }
 
-TEST_F(DamagedDatabaseTest, DataSizePastTheEndDoesNotOpen) {
-    for (int size : {64 * 8, 0x7fffffff, -1, -0x7fffffff}) {
-        auto bytes = goodFile();
-        putInt(bytes, 44 + 28, size);
-        EXPECT_EQ(openMessage(bytes), u"Cannot open database") << size;
+TEST_F(DatabaseJournalTest, StaleJournalIsSetAsideAndTheFileOpensAsItStands) {
+    const std::string backup = readFileBytes(dir.file("db"));
+    for (int i = 20; i < 25; ++i) ASSERT_TRUE(store(OwnedPtr<Database>(Database::create(path, 30)), i, 1));
+    const std::string current = readFileBytes(dir.file("db"));
+    const auto put = [&](const std::string& name, const std::string& bytes) {
+        writeFileBytes(dir.file(name), bytes);
+    };
+    const std::function<void()> ways[] = {
+        [&] { put("db", backup); },  // restored from a backup
+        [&] { put("copy", current), fs::rename(dir.file("copy"), dir.file("db")); },  // replaced by a copy
+        [&] {
+            put("db-journal", readFileBytes(dir.file("db-journal")).replace(44, 4, 4, '\0'));
+        }};  // an older version's
+    for (int i = 0; i < 7; ++i) {
+        const char* change = i < 6 ? std::array{"replace", "free", "clear"}[i / 2] : "replace";
+        SCOPED_TRACE(std::string(change) + " " + std::to_string(i));
+        put("db", current);
+        interrupt(change);
+        ways[i < 6 ? i % 2 : 2]();
+        const std::string journal = readFileBytes(dir.file("db-journal")),
+                          standing = readFileBytes(dir.file("db"));
+        EXPECT_EQ(opens("db"), kOpens);
+        EXPECT_EQ(readFileBytes(dir.file("db")), standing) << "a stale journal was replayed";
+        const auto aside = filesNamed(dir, "db-journal.");
+        EXPECT_EQ(aside.size(), static_cast<std::size_t>(i + 1));
+        EXPECT_NE(std::find(aside.begin(), aside.end(), journal), aside.end()) << "set aside whole";
     }
 }
 
-TEST_F(DamagedDatabaseTest, TrailingBytesBeyondTheBlocksAreIgnored) {
-    auto bytes = goodFile();
-    bytes.resize(bytes.size() + 17, 0xee);
-    putBytes(dir.file("bad"), bytes);
-    OwnedPtr<Database> db = Database::create(dir.wide("bad"), 10);
-    EXPECT_EQ(db->getRecordCount(), 3);
-    // The next growth starts from the header's block count, over the stray bytes.
-    for (int i = 10; i < 20; ++i) ASSERT_TRUE(db->addRecord(idFor(i), "z", 1));
+TEST_F(DatabaseJournalTest, JournalThatCannotBeHandledKeepsTheFileClosed) {
+    interrupt("replace");
+    const auto failure = [&] {
+        EXPECT_EQ(opens("db"), kCannot);
+        return Database::explainOpenFailure(path).toUtf8();
+    };
+    // Locked by another program: the file does not open, and says why.
+    const int locked = open(dir.file("db-journal").c_str(), O_RDWR);
+    ASSERT_EQ(flock(locked, LOCK_EX), 0);
+    EXPECT_NE(failure().find("db-journal cannot be opened for writing"), std::string::npos);
+    close(locked);
+    EXPECT_EQ(opens("db"), kOpens);
+    // Something that is not a journal stands in its place: it is neither removed nor truncated,
+    // neither at open nor when it appears while the database is open (changes then go unjournaled).
+    const std::string foreign(5000, '\x7f');
+    writeFileBytes(dir.file("db-journal"), foreign);
+    EXPECT_NE(failure().find("db-journal is not a file this program wrote"), std::string::npos);
+    fs::remove(dir.file("db-journal"));
+    OwnedPtr<Database> db = Database::create(path, 30);
+    writeFileBytes(dir.file("db-journal"), foreign);
+    EXPECT_TRUE(store(db, 5, 2));
     db->close();
-    db = Database::create(dir.wide("bad"), 10);
-    EXPECT_EQ(db->getRecordCount(), 13);
+    EXPECT_EQ(readFileBytes(dir.file("db-journal")), foreign);
 }
 
-TEST_F(DamagedDatabaseTest, EveryTruncationFailsCleanly) {
-    const auto bytes = goodFile();
-    for (std::size_t size = 0; size < bytes.size(); size += 7)
-        EXPECT_EQ(
-            openMessage(std::vector<unsigned char>(bytes.begin(), bytes.begin() + static_cast<long>(size))),
-            u"Cannot open database")
-            << size;
+TEST_F(DatabaseJournalTest, FullDiskOrFullOrderingRefuseNewRecordsAndKeepTheRest) {
+    OwnedPtr<Database> db = Database::create(path, 30);
+    ASSERT_TRUE(db->grow(0));  // free blocks at the end for what follows
+    const auto size = fs::file_size(dir.file("db"));
+    const std::string big = pattern(40000, 1);
+    {
+        FaultyFileSystem disk;
+        disk.failWritesAfter(1000);  // the disk fills up in the middle of the growth
+        EXPECT_FALSE(db->addRecord(idFor(70), big.data(), 40000));
+        EXPECT_EQ(fs::file_size(dir.file("db")), size);
+        EXPECT_TRUE(db->addRecord(idFor(71), "small", 5)) << "what fits the free blocks still goes in";
+    }
+    EXPECT_TRUE(db->addRecord(idFor(70), big.data(), 40000));
+    // An ordering that cannot grow throws before anything of the new record is written.
+    OwnedPtr<DatabaseOrdering> ordering = makeOrdering();
+    db->setOrdering(ordering, true);
+    for (int i = 100; i < 188; ++i) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
+    ASSERT_EQ(ordering->getCount(), ordering->getCapacity());
+    {
+        FaultyFileSystem disk;
+        disk.failWritesAfter(0);
+        EXPECT_EQ(messageOf([&] { db->newRecord(idFor(500), 10); }),
+                  u"Cannot add more records to database index");
+    }
+    EXPECT_TRUE(db->addRecord(idFor(501), "y", 1));  // the next change commits nothing of the failed one
+    db->close();
+    db = Database::create(path, 30);
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(versionIn(db, i), 1) << i;
+    EXPECT_FALSE(db->hasRecord(idFor(500)));
+    EXPECT_EQ(db->getRecordCount(), 101);
+    EXPECT_EQ(ordering->getCount(), 101);
 }
 
 }  // namespace

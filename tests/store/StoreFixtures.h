@@ -1,15 +1,14 @@
 #pragma once
-// Helpers shared by the record store's tests.
-
-#include <gtest/gtest.h>
+// Helpers shared by the record store's tests. File bytes are handled as std::string, as
+// readFileBytes and writeFileBytes (tests/support/TempDir.h) give and take them.
 
 #include <cstdint>
 #include <cstring>
 #include <string>
-#include <vector>
 
-#include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/UniqueID.h"
+#include "orvanta/store/Database.h"
+#include "tests/support/ExceptionMessage.h"
 #include "tests/support/TempDir.h"
 
 namespace OrvantaTest {
@@ -22,48 +21,22 @@ inline Orvanta::UniqueID idFor(std::uint32_t n) {
     return Orvanta::UniqueID::readBytes(bytes);
 }
 
-inline std::vector<unsigned char> pattern(int size, int seed) {
-    std::vector<unsigned char> bytes(static_cast<std::size_t>(size));
+// size bytes that differ with seed.
+inline std::string pattern(int size, int seed) {
+    std::string bytes(static_cast<std::size_t>(size), '\0');
     std::uint32_t state = 2654435761u * static_cast<std::uint32_t>(seed + 1);
-    for (auto& b : bytes) {
-        state = state * 1664525u + 1013904223u;
-        b = static_cast<unsigned char>(state >> 24);
-    }
+    for (auto& b : bytes) b = static_cast<char>((state = state * 1664525u + 1013904223u) >> 24);
     return bytes;
 }
 
-inline std::vector<unsigned char> fileBytes(const std::string& path) {
-    const std::string text = readFileBytes(path);
-    return std::vector<unsigned char>(text.begin(), text.end());
+// A record's payload.
+inline std::string payloadOf(Orvanta::Database::Record* record) {
+    return std::string(reinterpret_cast<char*>(record->getDataBytes()),
+                       static_cast<std::size_t>(record->getDataSize()));
 }
 
-inline void putBytes(const std::string& path, const std::vector<unsigned char>& bytes) {
-    writeFileBytes(path, std::string(bytes.begin(), bytes.end()));
-}
-
-inline void putInt(std::vector<unsigned char>& bytes, std::size_t at, std::int32_t value) {
+inline void putInt(std::string& bytes, std::size_t at, std::int32_t value) {
     std::memcpy(bytes.data() + at, &value, sizeof value);
-}
-
-inline void putIntAt(unsigned char* at, std::int32_t value) {
-    std::memcpy(at, &value, sizeof value);
-}
-
-inline std::int32_t getInt(const std::vector<unsigned char>& bytes, std::size_t at) {
-    std::int32_t value;
-    std::memcpy(&value, bytes.data() + at, sizeof value);
-    return value;
-}
-
-// The message of the Exception that call throws, or "" when it throws none.
-template <typename Call>
-std::u16string thrownMessage(Call call) {
-    try {
-        call();
-    } catch (const Orvanta::Exception& e) {
-        return e.getMessage();
-    }
-    return u"";
 }
 
 }  // namespace OrvantaTest

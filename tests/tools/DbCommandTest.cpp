@@ -1,5 +1,9 @@
 // orvanta db stats and orvanta db dump, run as a user runs them.
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -72,6 +76,27 @@ TEST_F(DbCommandTest, DamagedFileIsReportedNotCrashedOn) {
     EXPECT_NE(run.errors.find("Cannot open database"), std::string::npos) << run.errors;
     EXPECT_EQ(runTool("db").status, 2);
     EXPECT_EQ(runTool("db frobnicate " + dir.file("catalog.db")).status, 2);
+}
+
+TEST_F(DbCommandTest, JournalThatCannotBeHandledIsNamedInTheError) {
+    // A file in the journal's place that is no journal, then one that another program holds.
+    writeFileBytes(dir.file("catalog.db-journal"), std::string(100, 'x'));
+    for (const auto& [why, locked] : {std::pair{"catalog.db-journal is not a file this program wrote", false},
+                                      std::pair{"catalog.db-journal cannot be opened for writing", true}}) {
+        const int held = open(dir.file("catalog.db-journal").c_str(), O_RDWR);
+        if (locked) {
+            ASSERT_EQ(flock(held, LOCK_EX), 0);
+        }
+        const ToolRun run = runTool("db stats " + dir.file("catalog.db"));
+        close(held);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_NE(run.errors.find(std::string("Cannot open database: the journal ")), std::string::npos)
+            << run.errors;
+        EXPECT_NE(run.errors.find(why), std::string::npos) << run.errors;
+        writeFileBytes(dir.file("catalog.db-journal"),
+                       std::string("##OrvantaDBJ###\0", 16) + std::string(88, '\0'));
+    }
+    EXPECT_EQ(runTool("db stats " + dir.file("catalog.db")).status, 0) << "an idle journal of its own";
 }
 
 TEST_F(DbCommandTest, AddCataloguesReadablePicturesAndReportsTheRest) {

@@ -35,3 +35,9 @@ TEST(InfoCommand, HelpDocumentsTheOutput) {
     EXPECT_EQ(unknown.status, 2);
     EXPECT_NE(unknown.errors.find("unknown command"), std::string::npos);
 }
+
+TEST(InfoCommand, VersionIsTheLibrarys) {
+    const ToolRun run = runTool("--version");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "orvanta " ORVANTA_PROJECT_VERSION "\n");
+}

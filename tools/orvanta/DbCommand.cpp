@@ -94,12 +94,20 @@ std::string valueText(const PropertyValue& value) {
     }
 }
 
+// Says why the record store at path did not open: the library's message and, where it can tell,
+// the reason (a journal beside it that cannot be handled, another program holding it...).
+void reportOpenFailure(const std::string& path, const Exception& e) {
+    const std::string why = utf8(Database::explainOpenFailure(CString::fromUtf8(path)));
+    std::fprintf(stderr, "orvanta: %s: %s%s%s\n", path.c_str(), utf8(e.getMessage()).c_str(),
+                 why.empty() ? "" : ": ", why.c_str());
+}
+
 // Opens a database for reading its records, or says why not.
 Database* openDatabase(const std::string& path) {
     try {
         return Database::create(CString::fromUtf8(path), 100);
     } catch (const Exception& e) {
-        std::fprintf(stderr, "orvanta: %s: %s\n", path.c_str(), utf8(e.getMessage()).c_str());
+        reportOpenFailure(path, e);
         return nullptr;
     }
 }
@@ -238,7 +246,7 @@ int runAdd(const std::string& path, const std::vector<std::string>& pictures) {
     try {
         lists = PropertyDatabase::create(catalogue, kCatalogueGrowBlocks);
     } catch (const Exception& e) {
-        std::fprintf(stderr, "orvanta db: %s: %s\n", path.c_str(), utf8(e.getMessage()).c_str());
+        reportOpenFailure(path, e);
         return 1;
     }
     orvantaIUInit();

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "Commands.h"
+#include "orvanta/codecs/OrvantaIU.h"
 
 namespace OrvantaTool {
 
@@ -70,7 +71,11 @@ const std::vector<Command>& commands() {
          "  filename, folder, timestamp (the file's write time, local), width and height; it prints\n"
          "  PICTURE and the new record's id, or PICTURE and \"unreadable\".\n"
          "The file is opened as the library opens it (read-write, exclusively): an interrupted change is\n"
-         "completed or undone first. Exit status 1 if the file does not open, 2 for bad arguments.\n",
+         "completed or undone first, from the journal beside it (FILE-journal). A journal written for\n"
+         "another file or an earlier state of this one is renamed aside (FILE-journal.XXXXXX) and not\n"
+         "used. A file in the journal's place that cannot be opened for writing or is no journal keeps\n"
+         "FILE closed, and the error says so. Exit status 1 if the file does not open, 2 for bad\n"
+         "arguments.\n",
          runDb},
         {"convert", "convert SRC DST     shrinks and converts a picture (JPEG, TIFF, BMP)",
          "usage: orvanta convert SRC DST [--max WxH] [--quality normal|draft|high]\n"
@@ -111,7 +116,9 @@ namespace {
 void printOverview(FILE* out) {
     std::fprintf(out, "usage: orvanta COMMAND [ARGUMENTS]\n\nCommands:\n");
     for (const auto& command : OrvantaTool::commands()) std::fprintf(out, "  orvanta %s\n", command.synopsis);
-    std::fprintf(out, "\n`orvanta help COMMAND` or `orvanta COMMAND --help` describes one command.\n");
+    std::fprintf(out,
+                 "\n`orvanta help COMMAND` or `orvanta COMMAND --help` describes one command;\n"
+                 "`orvanta --version` prints the library's version.\n");
 }
 
 const OrvantaTool::Command* findCommand(const char* name) {
@@ -126,6 +133,11 @@ int main(int argc, char** argv) {
     if (argc < 2 || !std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h")) {
         printOverview(argc < 2 ? stderr : stdout);
         return argc < 2 ? 2 : 0;
+    }
+    if (!std::strcmp(argv[1], "--version")) {
+        const int version = GetOrvantaVersion();
+        std::printf("orvanta %d.%d.%d\n", version >> 16, (version >> 8) & 0xff, version & 0xff);
+        return 0;
     }
     if (!std::strcmp(argv[1], "help")) {
         const OrvantaTool::Command* command = argc > 2 ? findCommand(argv[2]) : nullptr;
