@@ -116,7 +116,7 @@ public:
     virtual bool isTabStop() const { return mTabStop; }
     void setTabStop(bool tabStop) { mTabStop = tabStop; }
     int getId() const { return mId; }
-    void setId(int id) { mId = id; }
+    virtual void setId(int id) { mId = id; }
 
     COLORREF getBkColor(bool inherit = true) const;
     void setBkColor(COLORREF color);

@@ -70,6 +70,11 @@ void WindowedControl::setParent(Control* parent) {
     mWindow->setParent(host ? host : Platform::Window::parkingWindow());
 }
 
+void WindowedControl::setId(int id) {
+    Control::setId(id);
+    if (mWindow) mWindow->setId(id);
+}
+
 void WindowedControl::setText(const CString& text) {
     Control::setText(text);
     if (mWindow) mWindow->setText(text);

@@ -32,6 +32,8 @@ public:
     void validate(const CRect* rect = nullptr) override;
     void setParent(Control* parent) override;
     void setText(const CString& text) override;
+    // The window carries the identifier too, so that a dialog finds its items by it.
+    void setId(int id) override;
 
     // Gives the keyboard focus to this control's window.
     void setFocus();

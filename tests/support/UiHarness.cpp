@@ -90,6 +90,15 @@ void UiHarness::mouseLeave() {
     SDL_PushEvent(&event);
 }
 
+void UiHarness::wheel(int notches) {
+    SDL_Event event{};
+    event.type = SDL_MOUSEWHEEL;
+    event.wheel.windowID = windowId();
+    event.wheel.y = notches;
+    event.wheel.direction = SDL_MOUSEWHEEL_NORMAL;
+    SDL_PushEvent(&event);
+}
+
 void UiHarness::pushKey(int sdlKey, bool down, int modifiers) {
     SDL_Event event{};
     event.type = down ? SDL_KEYDOWN : SDL_KEYUP;

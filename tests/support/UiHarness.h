@@ -39,6 +39,8 @@ public:
     void click(Orvanta::CPoint point);
     // The pointer leaves the window.
     void mouseLeave();
+    // The wheel turned by notches (positive: away from the user) where the pointer last was.
+    void wheel(int notches);
     // An SDL key code pressed and released; with shift or control held when asked.
     void pressKey(int sdlKey, bool shift = false, bool control = false);
     void typeText(const char* utf8);

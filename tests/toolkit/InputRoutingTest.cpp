@@ -5,6 +5,7 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/MouseTracker.h"
 #include "orvanta/toolkit/CommandListener.h"
@@ -152,6 +153,59 @@ TEST_F(InputRoutingTest, AButtonFiresOnlyWhenReleasedOverIt) {
     ui->runUntilIdle();
     EXPECT_EQ(log.commands.size(), 2u);
     button->removeCommandListener(&log);
+}
+
+// A panel that scrolls with the wheel: it keeps the turns it was given.
+class WheelPanel : public Container {
+public:
+    static WheelPanel* create() { return new WheelPanel(); }
+    std::vector<int> turns;
+    bool takesWheelMessages() override { return true; }
+    void onWheelMessage(const MSG& msg) override { turns.push_back(GET_WHEEL_DELTA_WPARAM(msg.wParam)); }
+
+private:
+    WheelPanel() : Container(false) {}
+};
+
+// The wheel goes to the control under the pointer or, when that one does not take it, its nearest
+// ancestor that does; with the focus mode, to the focused control's. Nobody else sees it.
+TEST(WheelTest, TheWheelReachesTheNearestTakerAboveTheTarget) {
+    UiHarness ui(CSize(300, 200));
+    WheelPanel* scroller = WheelPanel::create();
+    scroller->setMinSize(150, 150);
+    scroller->setRect(CRect(10, 10, 160, 160));
+    ui.root()->add(scroller);
+    Box* inside = Box::create(RGB(200, 0, 0), CRect(20, 20, 80, 80));
+    scroller->add(inside);
+    TextSink* field = TextSink::create();
+    field->setRect(CRect(90, 90, 140, 140));
+    scroller->add(field, true);
+    Box* outside = Box::create(RGB(0, 0, 200), CRect(200, 10, 280, 90));
+    ui.root()->add(outside);
+    ui.runUntilIdle();
+
+    struct Turn {
+        WheelMessagesMode mode;
+        CPoint pointer;
+        int notches;
+        std::vector<int> expected;  // what the scroller has been given so far
+    };
+    const Turn turns[] = {
+        {WheelMessagesToPointer, CPoint(40, 40), 1, {120}},            // over a windowless child
+        {WheelMessagesToPointer, CPoint(110, 110), -2, {120, -240}},   // over a windowed child
+        {WheelMessagesToPointer, CPoint(230, 30), 1, {120, -240}},     // nobody above takes it
+        {WheelMessagesToFocus, CPoint(230, 30), 1, {120, -240, 120}},  // the focused field's panel
+    };
+    field->setFocus();
+    for (const Turn& t : turns) {
+        setWheelMessagesMode(t.mode);
+        ui.mouseMove(t.pointer);
+        ui.wheel(t.notches);
+        ui.runUntilIdle();
+        EXPECT_EQ(scroller->turns, t.expected) << t.pointer.x << "," << t.pointer.y;
+    }
+    setWheelMessagesMode(WheelMessagesToPointer);
+    for (Box* box : {inside, outside}) EXPECT_EQ(box->count(WM_MOUSEWHEEL), 0);
 }
 
 TEST(TabOrderTest, TabWalksTheTabStopsAndShiftTabWalksBack) {

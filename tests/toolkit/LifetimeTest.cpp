@@ -6,6 +6,7 @@
 
 #include <thread>
 
+#include "orvanta/foundation/Shell.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "tests/support/UiHarness.h"
 #include "tests/toolkit/ToolkitSupport.h"
@@ -90,6 +91,32 @@ TEST(LifetimeTest, ATopLevelWindowDestroyedWithInputPendingIsForgotten) {
     EXPECT_EQ(Platform::Window::getCapture(), nullptr);
     EXPECT_EQ(Platform::Window::getFocus(), nullptr);
     EXPECT_GT(ui.runUntilIdle(), -1);
+}
+
+// Window text is read from windows that exist only: a dialog item by its identifier, the first when
+// two share one.
+TEST(WindowTextTest, TextComesFromLiveWindowsAndDialogItemsByIdentifier) {
+    UiHarness ui;
+    TextSink* first = TextSink::create();
+    TextSink* twin = TextSink::create();
+    first->setId(7);
+    twin->setId(7);
+    first->setText(u"Légende");
+    twin->setText(u"Other");
+    ui.root()->add(first);
+    ui.root()->add(twin);
+    CString text;
+    EXPECT_EQ(getDlgItemText(ui.window(), 7, text), 7);
+    EXPECT_EQ(text, u"Légende");
+    EXPECT_EQ(getDlgItemText(ui.window(), 8, text), 0);
+    EXPECT_TRUE(text.isEmpty());
+    HWND gone = twin->getHWND();
+    EXPECT_EQ(getWindowText(gone, text), 5);
+    OwnedPtr<TextSink> last(twin);
+    ui.root()->remove(twin);
+    last = nullptr;  // the control's window goes with it
+    EXPECT_EQ(getWindowText(gone, text), 0);
+    EXPECT_TRUE(text.isEmpty());
 }
 
 }  // namespace
