@@ -58,7 +58,7 @@ TEST(RepaintTest, IncrementalPaintingEqualsAFullRepaint) {
         std::mt19937 rng(seed);
         for (int step = 0; step < 40; ++step) {
             Control* target = controls[rng() % controls.size()];
-            switch (rng() % 4) {
+            switch (rng() % 5) {
                 case 0:
                     target->setRect(randomRect(rng, CSize(200, 160)));
                     break;
@@ -68,8 +68,13 @@ TEST(RepaintTest, IncrementalPaintingEqualsAFullRepaint) {
                 case 2:
                     target->show(target->isHidden());
                     break;
-                default:
+                case 3:
                     target->setSize(1 + static_cast<int>(rng() % 90), 1 + static_cast<int>(rng() % 70));
+                    break;
+                default:  // the top-level window itself, as the user drags its frame
+                    ui.window()->move(CRect(
+                        ui.window()->getRect().topLeft(),
+                        CSize(160 + static_cast<int>(rng() % 120), 120 + static_cast<int>(rng() % 90))));
                     break;
             }
             if (rng() % 3 == 0) {
