@@ -128,6 +128,15 @@ void UiHarness::typeText(const char* utf8) {
     SDL_PushEvent(&event);
 }
 
+void UiHarness::compose(const char* utf8, int cursor) {
+    SDL_Event event{};
+    event.type = SDL_TEXTEDITING;
+    event.edit.windowID = windowId();
+    std::strncpy(event.edit.text, utf8, sizeof(event.edit.text) - 1);
+    event.edit.start = cursor;
+    SDL_PushEvent(&event);
+}
+
 int UiHarness::runUntilIdle() {
     int handled = 0;
     MSG msg;

@@ -44,6 +44,8 @@ public:
     // An SDL key code pressed and released; with shift or control held when asked.
     void pressKey(int sdlKey, bool shift = false, bool control = false);
     void typeText(const char* utf8);
+    // An input method's text being composed, not yet typed, with the cursor at `cursor`.
+    void compose(const char* utf8, int cursor);
 
     // Runs the loop until no message, paint or due timer is left. Returns the messages handled.
     int runUntilIdle();

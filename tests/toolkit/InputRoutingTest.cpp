@@ -255,6 +255,13 @@ TEST(FocusTest, TypedTextReachesTheFocusedControlAsUtf16Characters) {
     EXPECT_EQ(second->typed, std::u16string(u"Grüße, 写真 📷\r\x01"));
     EXPECT_TRUE(first->typed.empty());
     EXPECT_EQ(second->keys, (std::vector<int>{VK_RETURN, VK_CONTROL, 'A'}));
+    // An input method's composition is announced to the focused control, and its result typed.
+    ui.compose("しゃしん", 4);
+    ui.compose("写真", 2);
+    ui.typeText("写真");
+    ui.runUntilIdle();
+    EXPECT_EQ(second->compositions, (std::vector<std::u16string>{u"しゃしん", u"写真"}));
+    EXPECT_EQ(second->typed, std::u16string(u"Grüße, 写真 📷\r\x01写真"));
     // A left press where no child is gives the focus back to the active window.
     ui.click(CPoint(150, 80));
     ui.runUntilIdle();

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "orvanta/platform/Canvas.h"
+#include "orvanta/platform/Display.h"
 #include "orvanta/toolkit/WindowedControl.h"
 
 namespace OrvantaTest {
@@ -47,6 +48,14 @@ public:
     static TextSink* create() { return new TextSink(); }
     std::u16string typed;
     std::vector<int> keys;
+    std::vector<std::u16string> compositions;  // the input method's text at each announcement
+
+    Orvanta::LRESULT windowProc(Orvanta::HWND window, Orvanta::UINT message, Orvanta::WPARAM wParam,
+                                Orvanta::LPARAM lParam) override {
+        if (message == Orvanta::WM_IME_COMPOSITION)
+            compositions.push_back(Orvanta::Platform::Display::instance().getComposition().str());
+        return WindowedControl::windowProc(window, message, wParam, lParam);
+    }
 
 protected:
     TextSink() {
