@@ -1,11 +1,11 @@
 #include "orvanta/platform/Clipboard.h"
 
-#include <SDL.h>
 #include <glib.h>
 
 #include <memory>
 
 #include "orvanta/platform/Display.h"
+#include "orvanta/platform/SdlLibrary.h"
 #include "orvanta/platform/SelectionOwner.h"
 
 namespace Orvanta::Platform {
@@ -51,23 +51,23 @@ struct GFreeDeleter {
 }  // namespace
 
 bool Clipboard::setText(const CString& text) {
-    if (!Display::instance().open() || SDL_SetClipboardText(text.toUtf8().c_str()) != 0) return false;
+    if (!Display::instance().open() || sdl().SetClipboardText(text.toUtf8().c_str()) != 0) return false;
     // SDL sends its claim on the selection with its next look for events: look now, so that a paste
     // in another program right away finds the new text.
-    SDL_PumpEvents();
+    sdl().PumpEvents();
     return true;
 }
 
 bool Clipboard::hasText() {
-    return Display::instance().open() && SDL_HasClipboardText();
+    return Display::instance().open() && sdl().HasClipboardText();
 }
 
 CString Clipboard::getText() {
     if (!Display::instance().open()) return CString();
-    char* text = SDL_GetClipboardText();
+    char* text = sdl().GetClipboardText();
     if (!text) return CString();
     CString result = CString::fromUtf8(text);
-    SDL_free(text);
+    sdl().free(text);
     return result;
 }
 

@@ -1,10 +1,9 @@
 #include "orvanta/platform/Cursor.h"
 
-#include <SDL.h>
-
 #include <map>
 
 #include "orvanta/platform/Display.h"
+#include "orvanta/platform/SdlLibrary.h"
 
 namespace Orvanta::Platform {
 
@@ -46,13 +45,13 @@ Cursor* Cursor::fromPixels(int width, int height, const std::uint8_t* bgra, CPoi
 SDL_Cursor* Cursor::sdlCursor() {
     if (mSdl || !Display::instance().isOpen()) return mSdl;
     if (mId) {
-        mSdl = SDL_CreateSystemCursor(systemShapes().at(mId));
+        mSdl = sdl().CreateSystemCursor(systemShapes().at(mId));
     } else {
-        SDL_Surface* surface = SDL_CreateRGBSurfaceWithFormatFrom(mPixels.data(), mWidth, mHeight, 32,
-                                                                  mWidth * 4, SDL_PIXELFORMAT_BGRA32);
+        SDL_Surface* surface = sdl().CreateRGBSurfaceWithFormatFrom(mPixels.data(), mWidth, mHeight, 32,
+                                                                    mWidth * 4, SDL_PIXELFORMAT_BGRA32);
         if (surface) {
-            mSdl = SDL_CreateColorCursor(surface, mHotSpot.x, mHotSpot.y);
-            SDL_FreeSurface(surface);
+            mSdl = sdl().CreateColorCursor(surface, mHotSpot.x, mHotSpot.y);
+            sdl().FreeSurface(surface);
         }
     }
     return mSdl;
@@ -63,10 +62,10 @@ Cursor* Cursor::set(Cursor* cursor) {
     gCurrent = cursor;
     if (Display::instance().isOpen()) {
         if (!cursor) {
-            SDL_ShowCursor(SDL_DISABLE);
+            sdl().ShowCursor(SDL_DISABLE);
         } else if (SDL_Cursor* shape = cursor->sdlCursor()) {
-            SDL_SetCursor(shape);
-            SDL_ShowCursor(SDL_ENABLE);
+            sdl().SetCursor(shape);
+            sdl().ShowCursor(SDL_ENABLE);
         }
     }
     return previous;

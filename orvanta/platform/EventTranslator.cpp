@@ -1,13 +1,12 @@
 #include "orvanta/platform/EventTranslator.h"
 
-#include <SDL.h>
-
 #include <unordered_map>
 
 #include "orvanta/platform/BackingStore.h"
 #include "orvanta/platform/Display.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/MouseTracker.h"
+#include "orvanta/platform/SdlLibrary.h"
 #include "orvanta/platform/Window.h"
 
 namespace Orvanta::Platform {
@@ -101,7 +100,7 @@ int EventTranslator::virtualKeyFor(int key) {
 }
 
 WPARAM EventTranslator::mouseKeyState() const {
-    const SDL_Keymod mod = SDL_GetModState();
+    const SDL_Keymod mod = sdl().GetModState();
     WPARAM state = mButtons;
     if (mod & KMOD_SHIFT) state |= MK_SHIFT;
     if (mod & KMOD_CTRL) state |= MK_CONTROL;

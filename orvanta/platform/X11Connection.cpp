@@ -1,9 +1,10 @@
 #include "orvanta/platform/X11Connection.h"
 
-#include <SDL.h>
 #include <SDL_syswm.h>
 
 #include <atomic>
+
+#include "orvanta/platform/SdlLibrary.h"
 
 namespace Orvanta::Platform {
 
@@ -30,7 +31,9 @@ void X11Connection::watch(SDL_Window* window) {
 #if defined(SDL_VIDEO_DRIVER_X11)
     SDL_SysWMinfo info;
     SDL_VERSION(&info.version);
-    if (!window || !SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11) return;
+    const auto getInfo =
+        reinterpret_cast<decltype(&SDL_GetWindowWMInfo)>(findSdlFunction("SDL_GetWindowWMInfo"));
+    if (!window || !getInfo || !getInfo(window, &info) || info.subsystem != SDL_SYSWM_X11) return;
     ::Display* display = info.info.x11.display;
     if (display == gWatched) return;
     gWatched = display;

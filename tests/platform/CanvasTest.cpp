@@ -121,7 +121,9 @@ TEST(CanvasTest, XorDrawingTwiceLeavesThePicture) {
         image.canvas->fillRect(CRect(10, 10, 20, 15), 0);
         image.canvas->moveTo(CPoint(0, 29));
         image.canvas->lineTo(CPoint(39, 29));
-        if (pass == 0) EXPECT_NE(image.all(), before);
+        if (pass == 0) {
+            EXPECT_NE(image.all(), before);
+        }
     }
     EXPECT_EQ(image.all(), before);
 }
