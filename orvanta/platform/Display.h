@@ -8,7 +8,8 @@
 //    windows. With DISPLAY or WAYLAND_DISPLAY set, SDL picks the driver; with neither, the offscreen
 //    driver gives windows that are never seen but otherwise whole. SDL_VIDEODRIVER overrides both. If
 //    the chosen driver cannot start, the offscreen one is tried; if nothing starts, open() is false
-//    and showing a top-level window fails.
+//    and showing a top-level window fails. SDL2 itself is loaded then (SdlLibrary); without it the
+//    display does not open either.
 //  - A display server that goes away (Xlib reports the connection lost) closes the display: from
 //    then on, for the life of the process, isOpen() is false, top-level windows can no longer be
 //    shown, and wasLost() says why. The process is not ended; the windows, the tree and painting

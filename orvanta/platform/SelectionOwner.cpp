@@ -258,9 +258,14 @@ void SelectionOwner::Connection::dropStaleTransfers() {
 }
 
 SelectionOwner& SelectionOwner::instance() {
-    // Never destroyed: its thread may still be serving another program's paste at exit.
-    static SelectionOwner* owner = new SelectionOwner();
-    return *owner;
+    static SelectionOwner owner;
+    return owner;
+}
+
+SelectionOwner::~SelectionOwner() {
+    // At exit: the selection goes with the process, as every X client's does.
+    std::unique_lock<std::mutex> guard(mLock);
+    stopLocked(guard);
 }
 
 void SelectionOwner::stopLocked(std::unique_lock<std::mutex>& guard) {

@@ -44,7 +44,8 @@ private:
     class Connection;
 
     SelectionOwner() = default;
-    // Ends the thread serving `server`'s connection, if any. Caller holds mLock.
+    ~SelectionOwner();
+    // Ends the thread and its connection, if any. Caller holds mLock.
     void stopLocked(std::unique_lock<std::mutex>& guard);
     void serve(Connection* connection);
 
