@@ -64,6 +64,7 @@ private:
         xcb_atom_t type;
         std::shared_ptr<const std::string> data;
         std::size_t sent = 0;
+        bool done = false;  // the closing empty piece is sent
         Clock::time_point lastActivity;
     };
 
@@ -147,11 +148,10 @@ void SelectionOwner::Connection::handle(const xcb_generic_event_t* event) {
                     sendNextPiece(transfer);
                     break;
                 }
-            // Finished transfers are those that sent their empty closing piece.
             std::vector<xcb_window_t> finished;
             for (const Transfer& t : mTransfers)
-                if (t.sent > t.data->size()) finished.push_back(t.requestor);
-            std::erase_if(mTransfers, [](const Transfer& t) { return t.sent > t.data->size(); });
+                if (t.done) finished.push_back(t.requestor);
+            std::erase_if(mTransfers, [](const Transfer& t) { return t.done; });
             for (xcb_window_t requestor : finished) watchRequestor(requestor, false);
             break;
         }
@@ -224,18 +224,17 @@ bool SelectionOwner::Connection::convert(xcb_window_t requestor, xcb_atom_t targ
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, requestor, property, incr, 32, 1, &size);
     std::erase_if(mTransfers,
                   [&](const Transfer& t) { return t.requestor == requestor && t.property == property; });
-    mTransfers.push_back(Transfer{requestor, property, target, data, 0, Clock::now()});
+    mTransfers.push_back(Transfer{requestor, property, target, data, 0, false, Clock::now()});
     return true;
 }
 
 void SelectionOwner::Connection::sendNextPiece(Transfer& transfer) {
     // After the last piece comes one of length zero, which ends the transfer.
-    const std::size_t left = transfer.data->size() - std::min(transfer.sent, transfer.data->size());
-    const std::size_t piece = std::min(left, pieceSize);
+    const std::size_t piece = std::min(transfer.data->size() - transfer.sent, pieceSize);
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, transfer.requestor, transfer.property, transfer.type, 8,
-                        static_cast<uint32_t>(piece),
-                        transfer.data->data() + std::min(transfer.sent, transfer.data->size()));
-    transfer.sent += piece == 0 ? 1 : piece;
+                        static_cast<uint32_t>(piece), transfer.data->data() + transfer.sent);
+    transfer.sent += piece;
+    transfer.done = piece == 0;
     transfer.lastActivity = Clock::now();
     xcb_flush(c);
 }
