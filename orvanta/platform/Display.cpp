@@ -1,5 +1,10 @@
 #include "orvanta/platform/Display.h"
 
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -45,6 +50,7 @@ bool Display::open() {
     const char* server = std::getenv("DISPLAY");
     mServerName = mDriver == "x11" && server ? server : "";
     mWakeEvent = sdl().RegisterEvents(1);
+    mWakeFd = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     mOwnerThread = currentThreadId();
     mOpen = true;
     sdl().StartTextInput();
@@ -62,6 +68,10 @@ void Display::close() {
     mWindows.clear();
     sdl().VideoQuit();
     sdl().QuitSubSystem(SDL_INIT_EVENTS);
+    ::close(mWakeFd);
+    mWakeFd = -1;
+    mServerSocket = -1;
+    X11Connection::forget();
     mOpen = false;
     mDriver.clear();
     mServerName.clear();
@@ -72,6 +82,7 @@ void Display::checkConnection() {
     // The windows stay as library objects, hidden from a screen that is no more.
     for (auto& [id, window] : mWindows) window->setDisplayWindow(nullptr);
     mWindows.clear();
+    mServerSocket = -1;
     mOpen = false;
     mLost = true;
     mDriver.clear();
@@ -108,6 +119,7 @@ bool Display::showWindow(Window* topLevel, bool visible) {
                                     std::max(r.height(), 1), SDL_WINDOW_HIDDEN | kind);
         if (!native) return false;
         X11Connection::watch(native);
+        mServerSocket = X11Connection::socket();
         topLevel->setDisplayWindow(native);
         mWindows[sdl().GetWindowID(native)] = topLevel;
     }
@@ -200,15 +212,33 @@ bool Display::waitsInDisplay() const {
 }
 
 void Display::waitForInput(DWORD milliseconds) {
-    SDL_Event event;
     const int timeout =
         milliseconds == INFINITE ? -1 : static_cast<int>(std::min<DWORD>(milliseconds, 0x7FFFFFFF));
+    if (mServerSocket >= 0) {
+        // On X11 the wait is on the server's socket and our own wake-up counter together, so that a
+        // post from another thread wakes the loop without a trip through the server. Events already
+        // read from the socket would not make it readable again: those are looked at first.
+        sdl().PumpEvents();
+        checkConnection();
+        if (!mOpen || sdl().PeepEvents(nullptr, 0, SDL_PEEKEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) > 0) return;
+        pollfd waits[2] = {{mServerSocket, POLLIN, 0}, {mWakeFd, POLLIN, 0}};
+        poll(waits, 2, timeout);
+        std::uint64_t posts;
+        [[maybe_unused]] const ssize_t taken = read(mWakeFd, &posts, sizeof posts);
+        return;
+    }
+    SDL_Event event;
     if (sdl().WaitEventTimeout(&event, timeout) == 1 && event.type != mWakeEvent)
         mTranslator.translate(event);
     checkConnection();
 }
 
 void Display::wake() {
+    if (mServerSocket >= 0) {
+        const std::uint64_t one = 1;
+        [[maybe_unused]] const ssize_t written = write(mWakeFd, &one, sizeof one);
+        return;
+    }
     SDL_Event event{};
     event.type = mWakeEvent;
     sdl().PushEvent(&event);

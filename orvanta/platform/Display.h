@@ -14,10 +14,13 @@
 //    then on, for the life of the process, isOpen() is false, top-level windows can no longer be
 //    shown, and wasLost() says why. The process is not ended; the windows, the tree and painting
 //    into backing stores go on working.
-//  - On X11 and Wayland the thread waits inside SDL; a post from another thread wakes it with one SDL
-//    user event. With the offscreen driver there is no outside input, and the queue's own wait serves.
+//  - On X11 the thread waits on the server's socket and a wake-up counter of its own, which a post
+//    from another thread bumps; on Wayland (and on X11 before the first window) it waits inside SDL,
+//    and a post wakes it with one SDL user event. With the offscreen driver there is no outside
+//    input, and the queue's own wait serves.
 //  - Backing stores reach the screen through SDL_UpdateWindowSurfaceRects when no window needs paint.
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -77,7 +80,11 @@ private:
     std::string mDriver;
     std::string mServerName;
     DWORD mOwnerThread = 0;
-    std::uint32_t mWakeEvent = 0;
+    std::uint32_t mWakeEvent = 0;  // the SDL event that ends a wait inside SDL
+    int mWakeFd = -1;              // the counter that ends a wait on the X server's socket
+    // The X server's socket once the first window showed on X11, else -1. Read by wake() on other
+    // threads, written only on the owner thread while it is not waiting.
+    std::atomic<int> mServerSocket{-1};
     std::map<std::uint32_t, Window*> mWindows;
     EventTranslator mTranslator;
 };

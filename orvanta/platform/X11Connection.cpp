@@ -42,6 +42,14 @@ void X11Connection::watch(SDL_Window* window) {
 #endif
 }
 
+int X11Connection::socket() {
+    return gWatched ? ConnectionNumber(gWatched) : -1;
+}
+
+void X11Connection::forget() {
+    gWatched = nullptr;
+}
+
 bool X11Connection::wasLost() {
     return gLost;
 }

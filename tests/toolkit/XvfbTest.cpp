@@ -5,11 +5,16 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
+#include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/Display.h"
+#include "orvanta/platform/MessageQueue.h"
 #include "orvanta/toolkit/CommandListener.h"
 #include "orvanta/toolkit/Label.h"
 #include "orvanta/toolkit/TextButton.h"
@@ -99,6 +104,44 @@ TEST_F(XvfbTest, TheScreenShowsTheBackingStoreAndXInputReachesTheControls) {
     for (int y = 0; y < 160; ++y)
         for (int x = 0; x < 240; ++x) differing += screen[(30 + y) * width + 40 + x] != after[y * 240 + x];
     EXPECT_EQ(differing, 0);
+}
+
+// A loop asleep on the X server wakes for a post from another thread and for input from the server;
+// a window timer far off only guards against waiting for ever.
+TEST_F(XvfbTest, TheLoopAsleepOnTheServerWakesForPostsAndInput) {
+    Box* box = Box::create(RGB(10, 120, 30), CRect(0, 0, 240, 160));
+    ui->root()->add(box);
+    settle();
+    HWND window = ui->window();
+    constexpr UINT_PTR kGuard = 99;
+    window->setTimer(kGuard, 5000);
+    // The first message the loop takes that is one of `wanted` or the guard's timer.
+    auto waitFor = [&](std::initializer_list<UINT> wanted) -> UINT {
+        MSG msg;
+        while (Platform::getMessage(&msg)) {
+            const bool guard = msg.message == WM_TIMER && msg.hwnd == window && msg.wParam == kGuard;
+            if (guard) return msg.message;
+            if (std::find(wanted.begin(), wanted.end(), msg.message) != wanted.end()) {
+                // Posted messages come before timers: had the guard ended the wait, it is due now.
+                MSG due;
+                EXPECT_FALSE(Platform::peekMessage(&due, WM_TIMER, WM_TIMER, PM_NOREMOVE));
+                return msg.message;
+            }
+            if (!processMessage(&msg, ui->root())) Platform::dispatchMessage(&msg);
+        }
+        return UINT(WM_QUIT);
+    };
+    std::thread poster([window] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        Platform::Window::postMessage(window, WM_APP, 0, 0);
+    });
+    EXPECT_EQ(waitFor({WM_APP}), UINT(WM_APP));
+    poster.join();
+    window->setTimer(kGuard, 5000);  // from now
+    std::thread mover([this] { server->run("sleep 0.1; xdotool mousemove 100 100 mousemove 120 110"); });
+    EXPECT_EQ(waitFor({WM_MOUSEMOVE}), UINT(WM_MOUSEMOVE));
+    mover.join();
+    window->killTimer(kGuard);
 }
 
 // The X server going away is a clean error: the display reports it lost and closed, windows can no
