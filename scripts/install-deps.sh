@@ -27,10 +27,9 @@ packages=(
   locales
   # picture scaling by the platform (pixman compositing)
   libpixman-1-dev
-  # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, TurboJPEG's lossless transforms),
+  # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, the coefficients of lossless turns),
   # libexif for the EXIF thumbnail, libtiff
   libjpeg62-turbo-dev
-  libturbojpeg0-dev
   libexif-dev
   libtiff-dev
   # windows and drawing: SDL2 (display connection, input), Cairo (canvases, PDF), Pango (text); the

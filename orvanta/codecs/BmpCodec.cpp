@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "orvanta/codecs/BmpFormat.h"
-#include "orvanta/foundation/File.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/DibSection.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta {
@@ -85,21 +85,30 @@ BmpCodec::BmpCodec() {
 }
 
 Dib* BmpCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) {
-    OwnedPtr<File> file = File::create(path);
-    if (!file || !file->open(true)) return nullptr;
+    // Read whole and without a lock, so that two readers of one picture never refuse each other.
+    Platform::FileContents file;
+    if (!file.open(CString(path).toUtf8())) return nullptr;
+    const unsigned char* bytes = file.data();
+    const long long fileSize = file.size();
+    const auto take = [&](void* out, long long at, long long size) {
+        if (at < 0 || size < 0 || at + size > fileSize) return false;
+        std::memcpy(out, bytes + at, static_cast<std::size_t>(size));
+        return true;
+    };
 
     BITMAPFILEHEADER fileHeader;
-    if (!file->read(&fileHeader, sizeof fileHeader) || fileHeader.bfType != BmpFormat::kSignature)
+    if (!take(&fileHeader, 0, sizeof fileHeader) || fileHeader.bfType != BmpFormat::kSignature)
         return nullptr;
     BITMAPINFOHEADER header;
-    if (!file->read(&header, sizeof header) || header.biBitCount < 24) return nullptr;
+    if (!take(&header, sizeof fileHeader, sizeof header) || header.biBitCount < 24) return nullptr;
     if (header.biWidth <= 0 || header.biHeight == 0 || header.biHeight == INT_MIN) return nullptr;
 
     // Colour masks follow the 40-byte header (they are fields of the longer headers at the same place).
     DWORD masks[4] = {};
     if (header.biCompression == BI_BITFIELDS) {
         const bool hasAlphaMask = header.biSize >= BmpFormat::kInfoHeaderWithAlphaMaskSize;
-        if (header.biBitCount != 32 || !file->read(masks, hasAlphaMask ? 16 : 12)) return nullptr;
+        if (header.biBitCount != 32 || !take(masks, BmpFormat::kPixelOffset, hasAlphaMask ? 16 : 12))
+            return nullptr;
     } else if (header.biCompression != BI_RGB) {
         return nullptr;  // run-length coded, or a JPEG or PNG inside
     }
@@ -111,9 +120,8 @@ Dib* BmpCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, in
     if (!dib) return nullptr;
 
     const long long size = rowBytes(header) * height;
-    if (size != dib->getBitsSize() || fileHeader.bfOffBits > INT_MAX) return nullptr;
-    if (!file->seek(static_cast<int>(fileHeader.bfOffBits)) ||
-        !file->read(dib->getBits(), static_cast<int>(size)))
+    if (size != dib->getBitsSize() || fileHeader.bfOffBits > INT_MAX ||
+        !take(dib->getBits(), fileHeader.bfOffBits, size))
         return nullptr;
     if (header.biHeight > 0) reverseRows(dib->getBits(), dib->getStride(), height);
     if (!standardMasks) remapThroughMasks(dib->getBits(), dib->getStride(), dib->getSize(), masks);
@@ -125,12 +133,11 @@ Dib* BmpCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, in
 bool BmpCodec::getInfo(const char16_t* path, CSize* size, ImageQuality* quality) {
     if (quality) *quality = ImageQualityHigh;
     if (!size) return false;
-    OwnedPtr<File> file = File::create(path);
-    if (!file || !file->open(true)) return false;
-    unsigned char headers[BmpFormat::kPixelOffset];
-    if (!file->read(headers, sizeof headers)) return false;
+    Platform::FileContents file;
+    if (!file.open(CString(path).toUtf8(), BmpFormat::kPixelOffset) || file.size() < BmpFormat::kPixelOffset)
+        return false;
     BITMAPINFOHEADER header;
-    std::memcpy(&header, headers + BmpFormat::kFileHeaderSize, sizeof header);
+    std::memcpy(&header, file.data() + BmpFormat::kFileHeaderSize, sizeof header);
     const int height = header.biHeight < 0 ? -header.biHeight : header.biHeight;
     if (header.biWidth == 0 || height == 0) return false;
     *size = CSize(header.biWidth, height);

@@ -1,5 +1,6 @@
 #pragma once
-// BmpCodec: uncompressed 24- and 32-bit BMP files, read and written through File.
+// BmpCodec: uncompressed 24- and 32-bit BMP files, read whole into memory (FileContents, no lock,
+// regular files only) and written through ReplacementFile.
 //
 // Contract: read gives a top-down DibSection of the file's pixels, or null for a file that is not a
 // BMP of 24 or 32 bits or is cut short, or is compressed; 32-bit pixels laid out by colour masks are

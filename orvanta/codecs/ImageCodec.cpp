@@ -8,9 +8,11 @@
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/Dib.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/FileSystem.h"
-#include "orvanta/platform/MappedFile.h"
+#include "orvanta/platform/LastError.h"
 #include "orvanta/platform/ReplacementFile.h"
+#include "orvanta/platform/RewriteLock.h"
 
 namespace Orvanta {
 
@@ -19,6 +21,16 @@ bool ImageCodec::applyToFile(const char16_t* path, EditingOp* op) {
     if (op && canApplyToFile(op) && op->getOpType() == 2) return rotateFile(path, static_cast<RotateOp*>(op));
     return false;
 }
+
+namespace {
+
+// A failure for which the file system gave no reason was one of the picture's data.
+bool failedOnData() {
+    if (Platform::getLastError() == 0) Platform::setLastError(Platform::kErrorDamagedData);
+    return false;
+}
+
+}  // namespace
 
 bool ImageCodec::getImageFileInformation(const char16_t* path, ImageType* type, CSize* size,
                                          ImageQuality* quality) {
@@ -29,7 +41,7 @@ bool ImageCodec::getImageFileInformation(const char16_t* path, ImageType* type, 
     try {
         static_cast<ImageCodec*>(codec)->getInfo(path, size, quality);
     } catch (...) {
-        return false;
+        return failedOnData();
     }
     return true;
 }
@@ -40,7 +52,7 @@ namespace {
 // that name only once complete.
 bool copyFile(const char16_t* from, const char16_t* to) {
     const std::string source = CString(from).toUtf8();
-    Platform::MappedFile in;
+    Platform::FileContents in;
     if (!in.open(source)) return false;
     Platform::ReplacementFile out(CString(to).toUtf8());
     struct stat info;
@@ -66,6 +78,9 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
     ImageQuality sourceQuality = ImageQualityNormal;
     if (!getImageFileInformation(source, &sourceType, &size, &sourceQuality)) return 0;
     if (!getImageFileInformation(destination, &destinationType, nullptr, nullptr)) return 0;
+    // The destination is locked from the read of the source to its replacement: they may be one file.
+    Platform::RewriteLock lock;
+    if (!lock.acquire(CString(destination).toUtf8())) return 0;
     const bool needResize =
         (maxWidth != -1 && maxWidth < size.cx) || (maxHeight != -1 && maxHeight < size.cy);
     if (sourceType == destinationType && !needResize)
@@ -79,7 +94,7 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
         flags = kConvertFormatChanged;
     }
     OwnedPtr<Dib> dib = reader->read(source, nullptr, maxHeight, maxWidth);
-    if (!dib) return 0;
+    if (!dib) return failedOnData();
     if (needResize) {
         OwnedPtr<DownsizeOp> downsize =
             DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(maxWidth, maxHeight), true, false);
@@ -90,12 +105,10 @@ int ImageCodec::downsizeAndConvertFile(const char16_t* source, const char16_t* d
         }
         flags |= kConvertMadeSmaller;
     }
-    if (reader != writer)
-        writer->write(dib, destination, quality);
-    else if (reader->getImageType() == ImageTypeJpeg)
-        writeKeeping(writer, dib, destination, source, quality);
-    else
-        writer->write(dib, destination, quality);
+    const int written = reader == writer && reader->getImageType() == ImageTypeJpeg
+                            ? writeKeeping(writer, dib, destination, source, quality)
+                            : writer->write(dib, destination, quality);
+    if (written <= 0) return 0;
     if (quality != sourceQuality) flags |= kConvertQualityChanged;
     return flags;
 }

@@ -57,9 +57,11 @@ public:
     // Writes source to destination in the destination's format (by its extension), fitted into
     // maxWidth x maxHeight (−1: that side is free). The same format at a size that fits is copied
     // byte for byte; a JPEG written from a JPEG keeps the source's APP1, APP13 and COM segments.
-    // Answers 0 when either file's type is unknown or the source unreadable, else the flags above
-    // (kConvertQualityChanged when quality differs from the one the source reports). An Exception
-    // from the full read or from the write passes out.
+    // Answers 0 when either file's type is unknown, the source unreadable or the destination not
+    // written (the reason is then the last error, LastError.h), else the flags above
+    // (kConvertQualityChanged when quality differs from the one the source reports). The destination
+    // is locked from the read to its replacement, so source and destination may be one file. An
+    // Exception from the full read or from the write passes out.
     static int downsizeAndConvertFile(const char16_t* source, const char16_t* destination, int maxWidth,
                                       int maxHeight, ImageQuality quality);
     // Writes dib as a JPEG at ImageQualityHigh (the quality argument has no effect), keeping the

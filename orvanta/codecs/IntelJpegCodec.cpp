@@ -1,7 +1,5 @@
 #include "orvanta/codecs/IntelJpegCodec.h"
 
-#include <turbojpeg.h>
-
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -23,11 +21,12 @@
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/pixels/PixelHeap.h"
 #include "orvanta/pixels/StaticDib.h"
-#include "orvanta/platform/FileSystem.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/JpegLibrary.h"
-#include "orvanta/platform/MappedFile.h"
+#include "orvanta/platform/JpegTransform.h"
 #include "orvanta/platform/ReplacementFile.h"
+#include "orvanta/platform/RewriteLock.h"
 
 namespace Orvanta {
 
@@ -176,12 +175,9 @@ const JpegMarkerMap::Segment* findExifSegment(const JpegMarkerMap& map) {
     return nullptr;
 }
 
-// The access and modification times of a file, to be given back to its new version.
-bool noteTimes(const std::string& path, ReplacementFile& out) {
-    struct stat info;
-    if (FileSystem::current().stat(path.c_str(), &info) != 0) return false;
-    out.keepTimes(info.st_atim, info.st_mtim);
-    return true;
+// The access and modification times of the file being replaced, given back to its new version.
+void keepTimes(ReplacementFile& out) {
+    out.keepTimes(out.original().st_atim, out.original().st_mtim);
 }
 
 // The state of a plain libjpeg call lives on the heap, so that nothing the long jump returns to
@@ -281,7 +277,7 @@ Dib* IntelJpegCodec::readCommon(const char16_t* path, const void* data, int size
 }
 
 Dib* IntelJpegCodec::readWithLibjpeg(const char16_t* path, CSize* originalSize) {
-    MappedFile file;
+    FileContents file;
     if (!file.open(CString(path).toUtf8()) || file.size() == 0) return nullptr;
     std::unique_ptr<LibjpegDecode> job(new (std::nothrow) LibjpegDecode());
     if (!job) return nullptr;
@@ -442,6 +438,9 @@ int IntelJpegCodec::writeWithLibjpeg(Dib* dib, const char16_t* path, void* buffe
 int IntelJpegCodec::writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath,
                                          ImageQuality quality) {
     using namespace JpegFormat;
+    // Held from the read of the metadata to the rename: the source may be the file being replaced.
+    RewriteLock lock;
+    if (!lock.acquire(CString(path).toUtf8())) return 0;
     std::unique_ptr<JpegMarkerMap> source;
     try {
         source = std::make_unique<JpegMarkerMap>(sourcePath);
@@ -515,7 +514,10 @@ Dib* IntelJpegCodec::readEmbeddedThumbnail(const char16_t* path) {
 
 void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail) {
     using namespace JpegFormat;
-    const std::string target = CString(path).toUtf8();
+    // The new version is begun (and the file locked) before the file is read.
+    ReplacementFile out(CString(path).toUtf8());
+    if (!out.open()) return;
+    keepTimes(out);
     std::unique_ptr<JpegMarkerMap> map;
     try {
         map = std::make_unique<JpegMarkerMap>(path);
@@ -542,9 +544,6 @@ void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail
     if (block.empty() || block.size() > static_cast<std::size_t>(kMaxSegmentContents)) return;
 
     // The file with its EXIF segment exchanged: everything before and after it stays as it was.
-    ReplacementFile out(target);
-    if (!out.open()) return;
-    noteTimes(target, out);
     const int length = static_cast<int>(block.size()) + 2;
     const unsigned char header[4] = {0xFF, kApp1, static_cast<unsigned char>(length >> 8),
                                      static_cast<unsigned char>(length & 0xFF)};
@@ -571,42 +570,18 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
     if (!op) return false;
     const int angle = op->getAngle();
     if (angle == 0) return true;
-    TJXOP operation;
-    switch (angle) {
-        case 90:
-            operation = TJXOP_ROT90;
-            break;
-        case 180:
-            operation = TJXOP_ROT180;
-            break;
-        case 270:
-            operation = TJXOP_ROT270;
-            break;
-        default:
-            throw Error(u"Angle not supported");
-    }
+    if (angle != 90 && angle != 180 && angle != 270) throw Error(u"Angle not supported");
+    // The new version is begun, and the file locked, before the file is read: a rotation by another
+    // writer in the meantime is turned further, not lost.
     const std::string target = CString(path).toUtf8();
-    MappedFile source;
-    if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
     ReplacementFile out(target);
     if (!out.open()) throw Exception(u"Cannot open destination file");
-    if (!noteTimes(target, out)) return false;
-
-    tjhandle transformer = tjInitTransform();
-    if (!transformer) return false;
-    unsigned char* rotated = nullptr;
-    unsigned long rotatedSize = 0;
-    tjtransform transform{};
-    transform.op = operation;
-    transform.options = TJXOPT_TRIM;
-    // A file the decoder warns about (cut short, stray bytes) is not rewritten: what it cannot read
-    // would be replaced by grey in the new file.
-    const int status = tjTransform(transformer, source.data(), static_cast<unsigned long>(source.size()), 1,
-                                   &rotated, &rotatedSize, &transform, TJFLAG_STOPONWARNING);
-    tjDestroy(transformer);
-    const bool ok = status == 0 && rotated && out.write(rotated, rotatedSize) && out.commit();
-    tjFree(rotated);
-    return ok;
+    FileContents source;
+    if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
+    keepTimes(out);
+    std::vector<unsigned char> rotated;
+    return rotateJpeg(source.data(), static_cast<std::size_t>(source.size()), angle, &rotated) &&
+           out.write(rotated.data(), rotated.size()) && out.commit();
 }
 
 }  // namespace Orvanta

@@ -43,15 +43,18 @@ public:
     bool canApplyToFile(EditingOp* op) override;
     bool isLosslessOnFile(EditingOp* op, Dib* dib) override;
     // Turns the picture in the file by the operation's angle (90, 180, 270 clockwise) without
-    // decoding it: edge blocks that cannot turn are dropped, every segment is copied, the file's
-    // times are kept. Angle 0 does nothing. Throws Error for other angles, Exception when the file
-    // cannot be read or its new version not created; false when the picture cannot be transformed
-    // (damaged data, a sampling the transformer does not know) or the new file not written.
+    // decoding it (platform/JpegTransform): edge blocks that cannot turn are dropped, every segment
+    // is copied, the file's times are kept. The file is locked from the read to the replacement, so
+    // concurrent turns add up. Angle 0 does nothing. Throws Error for other angles, Exception when
+    // the new version cannot be begun or the file cannot be read; false, with the reason as the last
+    // error, when the data is damaged or cut short, when the picture is too small to turn without
+    // losing pixels, or when the new file cannot be written.
     bool rotateFile(const char16_t* path, RotateOp* op) override;
 
     // Re-encodes dib into path, carrying over the APP1 (EXIF, XMP), APP13 and COM segments of the
     // JPEG file sourcePath byte for byte. A source with none of them, or one that cannot be parsed,
-    // gives a plain write.
+    // gives a plain write. path is locked from the read of the source to its replacement, so the
+    // source may be path itself.
     int writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath,
                              ImageQuality quality);
 

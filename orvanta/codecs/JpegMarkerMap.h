@@ -2,17 +2,17 @@
 // JpegMarkerMap: the segments of a JPEG file or memory block, in file order, up to the first scan.
 //
 // Contract: the constructors parse at once. Input of fewer than 50 bytes, input that does not start
-// with FF D8, and a file that cannot be opened or mapped give an empty map without an exception.
+// with FF D8, and a file that cannot be read give an empty map without an exception.
 // Input that starts like a JPEG but whose segments run past its end, or end before a scan, throws
 // std::domain_error "Cannot load JPEG file". Every marker is taken to carry a length. After the
 // first SOS segment comes one pseudo-segment, marker kEntropyData, holding the rest of the bytes.
-// A memory block must outlive the map; a file stays mapped for the map's lifetime. The EXIF block
+// A memory block must outlive the map; a file is read whole and kept for the map's lifetime. The EXIF block
 // (the first APP1, when it is an EXIF segment) is copied from its TIFF header on.
 
 #include <map>
 #include <vector>
 
-#include "orvanta/platform/MappedFile.h"
+#include "orvanta/platform/FileContents.h"
 
 namespace Orvanta {
 
@@ -48,7 +48,7 @@ private:
     void parse();
     void findExifBlock();
 
-    Platform::MappedFile mFile;
+    Platform::FileContents mFile;
     const unsigned char* mData = nullptr;
     int mSize = 0;
     std::vector<Segment> mSegments;

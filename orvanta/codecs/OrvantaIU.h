@@ -3,7 +3,8 @@
  *
  * Call orvantaIUInit first and orvantaIUDeInit last; GetOrvantaVersion may be called at any time.
  * Paths are UTF-16 (char16_t); each function that takes a path has a twin with the suffix U8 that
- * takes it in UTF-8. Types: 1 JPEG, 2 TIFF, 3 BMP. Qualities: 0 normal, 1 draft, 2 high. */
+ * takes it in UTF-8. Types: 1 JPEG, 2 TIFF, 3 BMP. Qualities: 0 normal, 1 draft, 2 high.
+ * After a call that failed, orvantaIUGetLastError says why. */
 #ifndef ORVANTA_CODECS_ORVANTAIU_H
 #define ORVANTA_CODECS_ORVANTAIU_H
 
@@ -33,6 +34,13 @@ ORVANTA_IU_API int orvantaIUDownsizeAndConvertFile(const char16_t* source, const
                                                    int maxWidth, int maxHeight, int quality);
 ORVANTA_IU_API int orvantaIUDownsizeAndConvertFileU8(const char* source, const char* destination,
                                                      int maxWidth, int maxHeight, int quality);
+/* Why the last call of orvantaIUGetImageFileInformation or orvantaIUDownsizeAndConvertFile on this
+ * thread failed: the system's errno ("no space left on the device" is ENOSPC), or one of the
+ * library's own codes above 0x10000 (0x10001 not a regular file, 0x10002 a file with other hard
+ * links, 0x10003 damaged picture data); 0 when no reason was recorded. When text is not null, up
+ * to size bytes of a UTF-8 description, always terminated, are written to it ("" for 0). Each
+ * thread has its own; the two functions clear it when they start. */
+ORVANTA_IU_API int orvantaIUGetLastError(char* text, int size);
 /* Non-zero when a codec is registered for the file's extension. */
 ORVANTA_IU_API int orvantaIUIsFileTypeSupported(const char16_t* path);
 ORVANTA_IU_API int orvantaIUIsFileTypeSupportedU8(const char* path);

@@ -14,7 +14,7 @@
 
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/DibSection.h"
-#include "orvanta/platform/MappedFile.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta {
@@ -29,7 +29,7 @@ void dropError(const char* module, const char* format, va_list arguments) {
 
 void ignoreWarning(const char*, const char*, va_list) {}
 
-// libtiff reads from the mapped file and writes into a growing block; both are streams with a
+// libtiff reads from the file read into memory and writes into a growing block; both are streams with a
 // position, as libtiff's client interface wants them.
 struct TiffStream {
     const unsigned char* input = nullptr;
@@ -180,7 +180,7 @@ TiffCodec::TiffCodec() {
 
 Dib* TiffCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) {
     const std::string name = CString(path).toUtf8();
-    Platform::MappedFile file;
+    Platform::FileContents file;
     if (!file.open(name) || file.size() == 0) return nullptr;
     TiffStream stream;
     stream.input = file.data();
@@ -219,7 +219,7 @@ bool TiffCodec::getInfo(const char16_t* path, CSize* size, ImageQuality* quality
     if (quality) *quality = ImageQualityHigh;
     if (!size) return false;
     const std::string name = CString(path).toUtf8();
-    Platform::MappedFile file;
+    Platform::FileContents file;
     if (!file.open(name) || file.size() == 0) return false;
     TiffStream stream;
     stream.input = file.data();
@@ -237,7 +237,7 @@ int TiffCodec::write(Dib* dib, const char16_t* path, ImageQuality quality) {
     if (!dib) return 0;
     const int channels = dib->getBytesPerPixel();
     const CSize size = dib->getSize();
-    if ((channels != 3 && channels != 4) || size.cx <= 0 || size.cy <= 0) return 0;
+    if ((channels != 1 && channels != 3 && channels != 4) || size.cx <= 0 || size.cy <= 0) return 0;
     const std::string name = CString(path).toUtf8();
     TiffStream stream;
     TIFF* tiff = openStream(name, "w", stream);
@@ -258,12 +258,13 @@ int TiffCodec::write(Dib* dib, const char16_t* path, ImageQuality quality) {
         std::vector<unsigned char> row(static_cast<std::size_t>(size.cx) * 3);
         const int stride = dib->getStride();
         for (int y = 0; ok && y < size.cy; ++y) {
-            // Red first for the file; a fourth byte is dropped.
+            // Red first for the file; a fourth byte is dropped and a grey byte spread to the three.
             const unsigned char* in = dib->getBits() + static_cast<std::ptrdiff_t>(y) * stride;
+            const int red = channels == 1 ? 0 : 2, green = channels == 1 ? 0 : 1;
             unsigned char* out = row.data();
             for (int x = 0; x < size.cx; ++x, in += channels, out += 3) {
-                out[0] = in[2];
-                out[1] = in[1];
+                out[0] = in[red];
+                out[1] = in[green];
                 out[2] = in[0];
             }
             ok = TIFFWriteScanline(tiff, row.data(), static_cast<uint32_t>(y), 0) == 1;

@@ -4,8 +4,8 @@
 // Contract: read decodes the first page of any TIFF libtiff can turn into colours (grey, palette,
 // RGB, CMYK, YCbCr, CIELab, 1 to 16 bits, any compression libtiff has) into a four-channel top-down
 // Dib, whatever the limits asked; a page damaged in places gives what could be read. A file libtiff
-// cannot open or convert gives null, and nothing is ever thrown. write stores the colours of a 24-
-// or 32-bit Dib as an 8-bit RGB TIFF compressed with PackBits, one row per strip, into a new file
+// cannot open or convert gives null, and nothing is ever thrown. write stores the colours of an 8-
+// (grey), 24- or 32-bit Dib as an 8-bit RGB TIFF compressed with PackBits, one row per strip, into a new file
 // that takes the place of any file of that name only once complete. libtiff prints nothing: its
 // error and warning handlers are silenced when the first TiffCodec is made.
 

@@ -13,6 +13,7 @@
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/platform/FileSystem.h"
 #include "orvanta/platform/FileTimes.h"
+#include "orvanta/platform/LastError.h"
 
 namespace Orvanta {
 
@@ -31,9 +32,16 @@ File::~File() {
 bool File::openWith(int flags, bool readOnly) {
     FileSystem& fs = FileSystem::current();
     const std::string path = mPath.toUtf8();
-    const int fd = fs.open(path.c_str(), flags | (readOnly ? O_RDONLY : O_RDWR), 0666);
-    if (fd < 0) return false;
+    const int access = readOnly ? O_RDONLY : O_RDWR;
+    // An existing file must be a regular one: a folder would open, and a pipe would wait for a writer.
+    const int fd = flags & O_CREAT ? fs.open(path.c_str(), flags | access, 0666)
+                                   : Platform::openRegularFile(path.c_str(), flags | access);
+    if (fd < 0) {
+        if (flags & O_CREAT) Platform::failWithErrno();
+        return false;
+    }
     if (fs.lock(fd, LOCK_EX | LOCK_NB) != 0) {
+        Platform::failWithErrno();
         fs.close(fd);
         return false;
     }
@@ -97,7 +105,8 @@ bool File::read(void* buffer, int size) {
     while (done < size) {
         const ssize_t n =
             FileSystem::current().read(mHandle, out + done, static_cast<std::size_t>(size - done));
-        if (n <= 0) return false;
+        if (n < 0) return Platform::failWithErrno();
+        if (n == 0) return false;
         done += static_cast<int>(n);
     }
     return true;
@@ -113,6 +122,7 @@ unsigned char* File::readAll() {
 }
 
 bool File::writeString(const char16_t* text) {
+    if (!text) return false;
     std::size_t length = 0;
     while (text[length]) ++length;
     return write(text, static_cast<int>(length + 1));
@@ -125,7 +135,8 @@ bool File::write(const void* data, int size) {
     while (done < size) {
         const ssize_t n =
             FileSystem::current().write(mHandle, in + done, static_cast<std::size_t>(size - done));
-        if (n <= 0) return false;
+        if (n == 0) errno = ENOSPC;  // a write that moves nothing has met the end of the space
+        if (n <= 0) return Platform::failWithErrno();
         done += static_cast<int>(n);
     }
     return true;

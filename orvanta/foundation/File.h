@@ -2,9 +2,11 @@
 // File: one file of the file system, opened without sharing, read and written whole or mapped.
 //
 // Contract: File::create(path) opens nothing. open and create take an exclusive lock, so a second
-// opener of the same file fails, as a file opened without sharing does. While the file is mapped,
-// read, write and setSize refuse (false). Nothing throws: failures are false, null or −1, and a
-// failing map() leaves nothing mapped. Every call reaches the kernel through Platform::FileSystem.
+// opener of the same file fails, as a file opened without sharing does. open opens regular files
+// only: a folder, a pipe or a device is refused at once. While the file is mapped, read, write and
+// setSize refuse (false). Nothing throws: failures are false, null or −1, and a failing map() leaves
+// nothing mapped; a failure of the system records its reason as the last error (LastError.h).
+// Every call reaches the kernel through Platform::FileSystem.
 
 #include <ctime>
 
@@ -31,7 +33,8 @@ public:
     virtual bool read(void* buffer, int size);
     // A new block of the file's size, read from the current position; free it with delete[].
     virtual unsigned char* readAll();
-    // Writes length + 1 bytes of the text: the byte count is taken from the character count.
+    // Writes length + 1 bytes of the text: the byte count is taken from the character count. A null
+    // text writes nothing and answers false.
     virtual bool writeString(const char16_t* text);
     virtual bool write(const void* data, int size);
     virtual int handle();

@@ -4,12 +4,15 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <sys/stat.h>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+
+#include "orvanta/platform/LastError.h"
 
 namespace Orvanta::Platform {
 
@@ -120,12 +123,65 @@ int FileSystem::listDirectory(const char* path, std::vector<std::string>* names)
 int FileSystem::makeTemporary(char* pattern, int suffixLength) {
     return retryOnInterrupt([&] { return ::mkostemps(pattern, suffixLength, O_CLOEXEC); });
 }
+int FileSystem::readLink(const char* path, std::string* target) {
+    char buffer[4096];
+    const ssize_t n = ::readlink(path, buffer, sizeof buffer);
+    if (n < 0) return -1;
+    if (n == static_cast<ssize_t>(sizeof buffer)) {
+        errno = ENAMETOOLONG;
+        return -1;
+    }
+    target->assign(buffer, static_cast<std::size_t>(n));
+    return 0;
+}
+int FileSystem::changeOwner(int fd, uid_t owner, gid_t group) {
+    return ::fchown(fd, owner, group);
+}
+int FileSystem::changeMode(int fd, mode_t mode) {
+    return ::fchmod(fd, mode);
+}
+ssize_t FileSystem::listAttributes(int fd, char* names, std::size_t size) {
+    return ::flistxattr(fd, names, size);
+}
+ssize_t FileSystem::getAttribute(int fd, const char* name, void* value, std::size_t size) {
+    return ::fgetxattr(fd, name, value, size);
+}
+int FileSystem::setAttribute(int fd, const char* name, const void* value, std::size_t size) {
+    return ::fsetxattr(fd, name, value, size, 0);
+}
 
 FileSystem& FileSystem::current() {
     return *gCurrent;
 }
 void FileSystem::install(FileSystem* replacement) {
     gCurrent = replacement ? replacement : &gPosix;
+}
+
+int openRegularFile(const char* path, int flags) {
+    FileSystem& fs = FileSystem::current();
+    // Looked at first, so that a device is never opened; checked again on the descriptor, in case
+    // the name was given to something else in between.
+    const auto refuse = [](const struct stat& info) {
+        setLastError(S_ISDIR(info.st_mode) ? EISDIR : kErrorNotAFile);
+        return -1;
+    };
+    struct stat info;
+    if (fs.stat(path, &info) == 0 && !S_ISREG(info.st_mode)) return refuse(info);
+    const int fd = fs.open(path, flags | O_NONBLOCK | O_NOCTTY, 0);
+    if (fd < 0) {
+        failWithErrno();
+        return -1;
+    }
+    if (fs.stat(fd, &info) != 0) {
+        failWithErrno();
+        fs.close(fd);
+        return -1;
+    }
+    if (!S_ISREG(info.st_mode)) {
+        fs.close(fd);
+        return refuse(info);
+    }
+    return fd;
 }
 
 }  // namespace Orvanta::Platform

@@ -50,10 +50,24 @@ public:
     // mkstemps: replaces the six X before the last suffixLength characters of pattern with a unique
     // text, creates that file and opens it.
     virtual int makeTemporary(char* pattern, int suffixLength);
+    // readlink into a string.
+    virtual int readLink(const char* path, std::string* target);
+    virtual int changeOwner(int fd, uid_t owner, gid_t group);
+    virtual int changeMode(int fd, mode_t mode);
+    // flistxattr, fgetxattr, fsetxattr: the extended attributes of an open file (ACLs among them).
+    virtual ssize_t listAttributes(int fd, char* names, std::size_t size);
+    virtual ssize_t getAttribute(int fd, const char* name, void* value, std::size_t size);
+    virtual int setAttribute(int fd, const char* name, const void* value, std::size_t size);
 
     // The instance in use, and the swap for tests. install(nullptr) restores the POSIX one.
     static FileSystem& current();
     static void install(FileSystem* replacement);
 };
+
+// Opens path for reading (or with flags) only when it names a regular file, through the current
+// FileSystem. Anything else is refused before a byte is read and without waiting: a folder with
+// EISDIR, a pipe, a device or a socket with kErrorNotAFile (a pipe is opened non-blocking, so the
+// open never waits for a writer). On failure answers −1 and records the reason as the last error.
+int openRegularFile(const char* path, int flags);
 
 }  // namespace Orvanta::Platform

@@ -7,20 +7,24 @@
 #include <utility>
 #include <vector>
 
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/JpegErrorJump.h"
-#include "orvanta/platform/MappedFile.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta::Platform {
 
-// What a record holds between calls: the mapped file, so that reading the header and then the
-// picture maps it once.
+// What a record holds between calls: the file's bytes, so that reading the header and then the
+// picture reads it once. The header is read from the file's beginning alone.
 struct JpegEngine {
-    MappedFile file;
-    std::string mappedPath;
+    FileContents file;
+    std::string path;
 };
 
 namespace {
+
+// Enough for the segments before the scan of nearly every photograph (EXIF with its thumbnail, an
+// ICC profile, XMP); a header that runs on is read again from the whole file.
+constexpr std::size_t kHeaderPrefix = 128 * 1024;
 
 bool isFileMode(int mode) {
     return mode % 2 == 0;
@@ -45,8 +49,9 @@ int reductionOf(int mode) {
     }
 }
 
-// The compressed bytes a read works on: the mapped file or the caller's block.
-int sourceOf(JPEG_CORE_PROPERTIES* props, int mode, const unsigned char** data, int* size) {
+// The compressed bytes a read works on: the file (its beginning alone for the header) or the
+// caller's block.
+int sourceOf(JPEG_CORE_PROPERTIES* props, int mode, bool whole, const unsigned char** data, int* size) {
     if (!isFileMode(mode)) {
         if (!props->JPGBytes || props->JPGSizeBytes <= 0) return IJL_NULL_POINTER;
         *data = props->JPGBytes;
@@ -55,10 +60,13 @@ int sourceOf(JPEG_CORE_PROPERTIES* props, int mode, const unsigned char** data, 
     }
     if (!props->JPGFile) return IJL_NULL_POINTER;
     JpegEngine& engine = *props->engine;
-    if (!engine.file.isOpen() || engine.mappedPath != props->JPGFile) {
-        engine.mappedPath.clear();
-        if (!engine.file.open(props->JPGFile)) return IJL_FILE_ERROR;
-        engine.mappedPath = props->JPGFile;
+    const std::size_t limit = whole ? FileContents::kWhole : kHeaderPrefix;
+    if (!engine.file.isOpen() || engine.path != props->JPGFile) {
+        engine.path.clear();
+        if (!engine.file.open(props->JPGFile, limit)) return IJL_FILE_ERROR;
+        engine.path = props->JPGFile;
+    } else if (!engine.file.extend(limit)) {
+        return IJL_FILE_ERROR;
     }
     if (engine.file.size() == 0) return IJL_BAD_DATA;
     *data = engine.file.data();
@@ -66,17 +74,20 @@ int sourceOf(JPEG_CORE_PROPERTIES* props, int mode, const unsigned char** data, 
     return IJL_OK;
 }
 
-int readParams(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size) {
+// cutShort: set when the header ran past the end of the bytes given.
+int readParams(JPEG_CORE_PROPERTIES* props, const unsigned char* data, int size, bool* cutShort) {
     JpegErrorJump errors;
     jpeg_decompress_struct info;
     info.err = errors.install();
     if (setjmp(errors.jump)) {
+        *cutShort = errors.cutShort;
         jpeg_destroy_decompress(&info);
         return IJL_BAD_DATA;
     }
     jpeg_create_decompress(&info);
     jpeg_mem_src(&info, data, static_cast<unsigned long>(size));
     jpeg_read_header(&info, TRUE);
+    *cutShort = errors.cutShort;
     props->JPGWidth = static_cast<int>(info.image_width);
     props->JPGHeight = static_cast<int>(info.image_height);
     props->JPGChannels = info.num_components;
@@ -276,10 +287,15 @@ int ijlRead(JPEG_CORE_PROPERTIES* props, int mode) {
         return IJL_INVALID_JPEG_PROPERTIES;
     const unsigned char* data = nullptr;
     int size = 0;
-    const int found = sourceOf(props, mode, &data, &size);
+    const int found = sourceOf(props, mode, reduction != 0, &data, &size);
     if (found != IJL_OK) return found;
-    if (reduction == 0) return readParams(props, data, size);
-    return readImage(props, data, size, reduction);
+    if (reduction != 0) return readImage(props, data, size, reduction);
+    bool cutShort = false;
+    const int result = readParams(props, data, size, &cutShort);
+    if (!cutShort || !isFileMode(mode) || props->engine->file.isComplete()) return result;
+    // The header goes on past the beginning that was read.
+    if (sourceOf(props, mode, true, &data, &size) != IJL_OK) return IJL_FILE_ERROR;
+    return readParams(props, data, size, &cutShort);
 }
 
 int ijlWrite(JPEG_CORE_PROPERTIES* props, int mode) {

@@ -6,21 +6,56 @@
 #include <cerrno>
 #include <cstdio>
 #include <random>
+#include <vector>
 
 #include "orvanta/platform/FileSystem.h"
+#include "orvanta/platform/LastError.h"
 
 namespace Orvanta::Platform {
 
 namespace {
 
-// A suffix no other writer in this or another process is using: a random start per process, then
-// a counter.
-std::string temporarySuffix() {
+// A name no other writer in this or another process is using, short whatever the target's name:
+// a random start per process, then a counter.
+std::string temporaryName() {
     static const unsigned long long seed = std::random_device{}() * 0x9E3779B97F4A7C15ULL;
     static std::atomic<unsigned long long> counter{0};
-    char suffix[40];
-    std::snprintf(suffix, sizeof suffix, ".orvanta-%012llx", (seed + counter++) & 0xFFFFFFFFFFFFULL);
-    return suffix;
+    char name[32];
+    std::snprintf(name, sizeof name, ".orvanta-%012llx", (seed + counter++) & 0xFFFFFFFFFFFFULL);
+    return name;
+}
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// Extended attributes that the file system or the caller's rights do not allow are left behind;
+// running out of room is a failure like any other.
+bool isFatal(int error) {
+    return error == ENOSPC || error == EDQUOT || error == EIO;
+}
+
+bool copyAttributes(FileSystem& fs, int from, int to) {
+    const ssize_t listSize = fs.listAttributes(from, nullptr, 0);
+    if (listSize <= 0) return listSize == 0 || !isFatal(errno);
+    std::vector<char> names(static_cast<std::size_t>(listSize));
+    const ssize_t listed = fs.listAttributes(from, names.data(), names.size());
+    if (listed < 0) return !isFatal(errno);
+    std::vector<char> value;
+    for (std::size_t at = 0; at < static_cast<std::size_t>(listed);) {
+        const char* name = names.data() + at;
+        at += std::char_traits<char>::length(name) + 1;
+        const ssize_t size = fs.getAttribute(from, name, nullptr, 0);
+        if (size < 0) continue;
+        value.resize(static_cast<std::size_t>(size));
+        const ssize_t got = fs.getAttribute(from, name, value.data(), value.size());
+        if (got < 0) continue;
+        if (fs.setAttribute(to, name, value.data(), static_cast<std::size_t>(got)) != 0 && isFatal(errno))
+            return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -31,23 +66,65 @@ ReplacementFile::~ReplacementFile() {
     discard();
 }
 
+std::string ReplacementFile::resolve(const std::string& path) {
+    FileSystem& fs = FileSystem::current();
+    std::string current = path;
+    for (int links = 0; links < 40; ++links) {
+        std::string real;
+        if (fs.realPath(current.c_str(), &real) == 0) return real;
+        struct stat info;
+        if (fs.linkStat(current.c_str(), &info) == 0 && S_ISLNK(info.st_mode)) {
+            // A link to a file not there yet: the file is made where it points.
+            std::string target;
+            if (fs.readLink(current.c_str(), &target) != 0 || target.empty()) return current;
+            current = target[0] == '/' ? target : folderOf(current) + "/" + target;
+            continue;
+        }
+        std::string folder;
+        if (fs.realPath(folderOf(current).c_str(), &folder) != 0) return current;
+        const std::size_t slash = current.rfind('/');
+        return (folder == "/" ? "" : folder) + "/" +
+               current.substr(slash == std::string::npos ? 0 : slash + 1);
+    }
+    return current;
+}
+
 bool ReplacementFile::open() {
     discard();
     FileSystem& fs = FileSystem::current();
-    mode_t mode = 0666;
-    struct stat existing;
-    if (fs.stat(mTarget.c_str(), &existing) == 0) mode = existing.st_mode & 07777;
+    mResolved = resolve(mTarget);
+    if (!mLock.acquire(mResolved)) return false;
+    const bool replacing = mLock.handle() >= 0;
+    if (replacing && original().st_nlink > 1) {
+        setLastError(kErrorHardLinked);
+        mLock.release();
+        return false;
+    }
+    const std::string folder = folderOf(mResolved);
     for (int attempt = 0; attempt < 8; ++attempt) {
-        mTemporary = mTarget + temporarySuffix();
-        mHandle = fs.open(mTemporary.c_str(), O_WRONLY | O_CREAT | O_EXCL, mode);
-        if (mHandle >= 0) break;
-        if (errno != EEXIST) break;
+        mTemporary = folder + "/" + temporaryName();
+        // Private until its permission bits are set from the old file's.
+        mHandle = fs.open(mTemporary.c_str(), O_WRONLY | O_CREAT | O_EXCL, replacing ? 0600 : 0666);
+        if (mHandle >= 0 || errno != EEXIST) break;
     }
     if (mHandle < 0) {
+        failWithErrno();
         mTemporary.clear();
+        mLock.release();
         return false;
     }
     mFailed = false;
+    if (replacing && !carryOver()) return fail();
+    return true;
+}
+
+bool ReplacementFile::carryOver() {
+    FileSystem& fs = FileSystem::current();
+    const struct stat& old = original();
+    // Another owner needs the right to give files away; without it the group alone may still pass.
+    if (fs.changeOwner(mHandle, old.st_uid, old.st_gid) != 0) fs.changeOwner(mHandle, -1, old.st_gid);
+    if (fs.changeMode(mHandle, old.st_mode & 07777) != 0) return failWithErrno();
+    if (!copyAttributes(fs, mLock.handle(), mHandle)) return failWithErrno();
     return true;
 }
 
@@ -57,6 +134,8 @@ bool ReplacementFile::write(const void* data, std::size_t size) {
     for (std::size_t done = 0; done < size;) {
         const ssize_t n = FileSystem::current().write(mHandle, in + done, size - done);
         if (n <= 0) {
+            if (n == 0) errno = ENOSPC;
+            failWithErrno();
             mFailed = true;
             return false;
         }
@@ -72,22 +151,22 @@ void ReplacementFile::keepTimes(const struct timespec& access, const struct time
 }
 
 bool ReplacementFile::commit() {
-    if (mHandle < 0 || mFailed) {
-        discard();
-        return false;
-    }
+    if (mHandle < 0 || mFailed) return fail();
     FileSystem& fs = FileSystem::current();
-    bool ok = !mKeepTimes || fs.setTimes(mHandle, mTimes) == 0;
-    ok = ok && fs.sync(mHandle) == 0;
-    ok = fs.close(mHandle) == 0 && ok;
+    bool ok = (!mKeepTimes || fs.setTimes(mHandle, mTimes) == 0) && fs.sync(mHandle) == 0;
+    if (!ok) failWithErrno();
+    if (fs.close(mHandle) != 0 && ok) ok = failWithErrno();
     mHandle = -1;
-    ok = ok && fs.rename(mTemporary.c_str(), mTarget.c_str()) == 0;
-    if (!ok) {
-        discard();
-        return false;
-    }
+    if (ok && fs.rename(mTemporary.c_str(), mResolved.c_str()) != 0) ok = failWithErrno();
+    if (!ok) return fail();
     mTemporary.clear();
+    mLock.release();
     return true;
+}
+
+bool ReplacementFile::fail() {
+    discard();
+    return false;
 }
 
 void ReplacementFile::discard() {
@@ -96,6 +175,7 @@ void ReplacementFile::discard() {
     mHandle = -1;
     if (!mTemporary.empty()) fs.unlink(mTemporary.c_str());
     mTemporary.clear();
+    mLock.release();
 }
 
 }  // namespace Orvanta::Platform

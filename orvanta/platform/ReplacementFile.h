@@ -2,15 +2,29 @@
 // ReplacementFile: the new contents of a file, written beside it under a temporary name and put in
 // its place in one step.
 //
-// Contract: open creates a fresh temporary file in the target's folder (with the target's
-// permission bits when it exists). Nothing touches the target until commit, which flushes the
-// temporary file to the device, closes it and renames it over the target: readers, and a machine
-// that stops at any moment, see either the old file whole or the new one whole. Any failure, and
-// destruction without a commit, removes the temporary file and leaves the target as it was.
-// All calls pass through Platform::FileSystem, so a test can make any step fail.
+// Contract: open takes the file's RewriteLock (waiting for any other writer of it), so a caller that
+// reads the file to make its new version reads it after open and no concurrent change is lost. The
+// new version goes beside the file the path resolves to: through a symbolic link, the file it points
+// at is replaced and the link stays as it is. The temporary file has a short name of its own (a
+// photo's name may be as long as the system allows) and carries the old file's owner, permission
+// bits and extended attributes, ACLs among them, where the file system allows them. Nothing touches
+// the target until commit, which flushes the temporary file to the device, closes it, renames it
+// over the target and then lets go of the lock: readers, and a machine that stops at any moment,
+// see either the old file whole or the new one whole.
+//
+// A file with other hard links is refused (kErrorHardLinked): renaming over one name would split
+// the photo in two, and writing through the shared inode instead could leave it half-written (a
+// full disk, a crash) and would change every copy that links to it, backups included. The user
+// decides what such a file should become.
+//
+// Any failure, and destruction without a commit, removes the temporary file, leaves the target as
+// it was and records the reason as the last error. All calls pass through Platform::FileSystem, so
+// a test can make any step fail.
 
 #include <ctime>
 #include <string>
+
+#include "orvanta/platform/RewriteLock.h"
 
 namespace Orvanta::Platform {
 
@@ -28,11 +42,21 @@ public:
     bool commit();
     void discard();
 
-    const std::string& getTemporaryPath() const { return mTemporary; }
+    // The status of the file being replaced, as found under the lock; st_ino 0 for a new file.
+    const struct stat& original() const { return mLock.lockedFile(); }
+
+    // Where the path leads once every symbolic link is followed; a name not there yet keeps its
+    // own last part.
+    static std::string resolve(const std::string& path);
 
 private:
+    bool fail();
+    bool carryOver();
+
     std::string mTarget;
+    std::string mResolved;
     std::string mTemporary;
+    RewriteLock mLock;
     int mHandle = -1;
     bool mFailed = false;
     bool mKeepTimes = false;

@@ -1,6 +1,6 @@
 #pragma once
 // The reference tools the codec tests compare against (libjpeg-turbo's djpeg and jpegtran,
-// ImageMagick, exiftool), and the measures used to compare.
+// ImageMagick and GraphicsMagick, exiftool), and the measures used to compare.
 
 #include <optional>
 #include <string>
@@ -18,18 +18,27 @@ struct Picture {
 };
 
 bool haveTool(const char* name);
+// A shell command's standard output; nothing when it exits with 1 or worse than 2 (2 only after
+// warnings when allowWarnings).
+std::optional<std::string> capture(const std::string& command, bool allowWarnings = false);
 
 // djpeg's decode at 1/denominator (grey spread to three channels); empty when djpeg is missing or
 // cannot decode the file at all (a decode with warnings counts).
 std::optional<Picture> djpegDecode(const std::string& path, int denominator);
+// A digest of djpeg's full decode, for comparing the pixels of two files; empty when none.
+std::string djpegDigest(const std::string& path);
 // ImageMagick's decode, flattened over black (so premultiplied like libtiff's); empty when missing.
 std::optional<Picture> magickDecode(const std::string& path);
-// The decodes of every reference reader installed: ImageMagick's as above, and GraphicsMagick's
-// colours as stored. The readers disagree on some rare forms (old-style JPEG in TIFF, planar grey
-// with alpha), so a decode is right when it matches any of them.
+// ImageMagick's decode and GraphicsMagick's colours as stored. The readers disagree on some rare
+// forms (old-style JPEG in TIFF, planar grey with alpha), so a decode is right when it matches one.
 std::vector<Picture> referenceDecodes(const std::string& path);
-// jpegtran -rotate angle -trim -copy all into output; false when jpegtran is missing or fails.
-bool jpegtranRotate(const std::string& path, int angle, const std::string& output);
+// What jpegtran -rotate angle -trim -copy all made of a file: its exit status (1 an error, 2 after
+// warnings, -1 jpegtran missing) and what it printed.
+struct JpegtranResult {
+    int status = -1;
+    std::string messages;
+};
+JpegtranResult jpegtranRotate(const std::string& path, int angle, const std::string& output);
 // exiftool's tags of a file (group:tag=value lines, sorted), without the ones that describe the
 // file itself (name, size, dates of the file system, JFIF and encoding facts).
 std::optional<std::string> exiftoolTags(const std::string& path);
@@ -43,8 +52,6 @@ double psnr(const Picture& a, const Picture& b);
 // The segments of a JPEG file with one marker, each with its 4 header bytes, in file order
 // (parsed independently of the library, up to the first scan).
 std::vector<std::string> jpegSegments(const std::string& bytes, int marker);
-// Where the first scan's marker stands (the end of the header segments), or npos.
-std::size_t jpegScanOffset(const std::string& bytes);
 // The sampling factors of the frame header's components, as "HxV" strings.
 std::vector<std::string> jpegSampling(const std::string& bytes);
 

@@ -59,13 +59,13 @@ TEST(Stretch, ShrinkingAveragesTheCoveredArea) {
 TEST(Stretch, RefusesWhatItCannotDraw) {
     unsigned char bits[32] = {};
     Target target(2, 2);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 2, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 8)),
-              0);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 2, 2, 1, 0, 2, 4, bits, bitmapHeader(2, -4, 24)),
-              0);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 1, 0, 2, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 24)),
-              0);
-    EXPECT_EQ(Platform::stretchDIBits(target.bitmap, 0, 0, 0, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 24)),
-              0);
-    EXPECT_EQ(Platform::stretchDIBits(nullptr, 0, 0, 2, 2, 0, 0, 2, 4, bits, bitmapHeader(2, -4, 24)), 0);
+    // 8 bits a pixel; a source or a target rectangle out of the picture; an empty one; no target.
+    for (const auto& [bitmap, x, sourceX, width, bitCount] :
+         {std::tuple{target.bitmap, 0, 0, 2, 8},
+          {target.bitmap, 0, 1, 2, 24},
+          {target.bitmap, 1, 0, 2, 24},
+          {target.bitmap, 0, 0, 0, 24},
+          {static_cast<Platform::Bitmap*>(nullptr), 0, 0, 2, 24}})
+        EXPECT_EQ(0, Platform::stretchDIBits(bitmap, x, 0, width, 2, sourceX, 0, 2, 4, bits,
+                                             bitmapHeader(2, -4, bitCount)));
 }

@@ -1,5 +1,8 @@
 #include "tests/support/FaultyFileSystem.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace OrvantaTest {
 
 FaultyFileSystem::FaultyFileSystem() {
@@ -9,7 +12,16 @@ FaultyFileSystem::~FaultyFileSystem() {
     Orvanta::Platform::FileSystem::install(nullptr);
 }
 
+int FaultyFileSystem::open(const char* path, int flags, mode_t mode) {
+    if (mCreateError && (flags & O_CREAT)) {
+        errno = mCreateError;
+        return -1;
+    }
+    return FileSystem::open(path, flags, mode);
+}
+
 ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
+    if (mDieAtWrite) _exit(9);
     if (mWriteBudget >= 0) {
         if (mWriteBudget == 0) {
             errno = ENOSPC;
@@ -26,6 +38,7 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
 }
 
 int FaultyFileSystem::rename(const char* from, const char* to) {
+    if (mDieAtRename) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;

@@ -24,6 +24,10 @@ TempDir::~TempDir() {
     std::filesystem::remove_all(mPath, error);
 }
 
+std::size_t TempDir::count() const {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(mPath), {}));
+}
+
 std::string readFileBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream bytes;

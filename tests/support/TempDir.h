@@ -19,6 +19,8 @@ public:
     std::string file(const std::string& name) const { return mPath + "/" + name; }
     // The same path as UTF-16, for the library's interfaces.
     Orvanta::CString wide(const std::string& name) const { return Orvanta::CString::fromUtf8(file(name)); }
+    // How many entries the folder holds (a temporary file left behind shows here).
+    std::size_t count() const;
 
 private:
     std::string mPath;

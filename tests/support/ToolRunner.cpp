@@ -14,14 +14,16 @@ bool toolAvailable() {
     return std::getenv("ORVANTA_TOOL") != nullptr;
 }
 
-ToolRun runTool(const std::string& arguments) {
+ToolRun runShell(const std::string& command) {
     ToolRun run;
     const char* tool = std::getenv("ORVANTA_TOOL");
     if (!tool) return run;
+    std::string line = command;
+    for (std::size_t at; (at = line.find("{tool}")) != std::string::npos;)
+        line.replace(at, 6, "'" + std::string(tool) + "'");
     TempDir scratch;
     const std::string errorsFile = scratch.file("stderr");
-    const std::string command = std::string(tool) + " " + arguments + " 2>'" + errorsFile + "'";
-    FILE* pipe = popen(command.c_str(), "r");
+    FILE* pipe = popen(("(" + line + ") 2>'" + errorsFile + "'").c_str(), "r");
     if (!pipe) return run;
     char buffer[4096];
     for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) run.output.append(buffer, n);
@@ -29,6 +31,10 @@ ToolRun runTool(const std::string& arguments) {
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     run.errors = readFileBytes(errorsFile);
     return run;
+}
+
+ToolRun runTool(const std::string& arguments) {
+    return runShell("timeout 120 {tool} " + arguments);
 }
 
 }  // namespace OrvantaTest

@@ -19,6 +19,7 @@
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/OrvantaSystem.h"
+#include "orvanta/platform/LastError.h"
 #include "orvanta/platform/MessageQueue.h"
 
 namespace OrvantaTool {
@@ -92,7 +93,7 @@ bool isPicture(const fs::path& path) {
     return codec && codec->getCodecType() == CodecTypeImage;
 }
 
-// The pictures directly in the source folder, by name, each with its destination and temporary.
+// The pictures directly in the source folder, by name, each with its destination.
 bool planBatch(const Options& options, Batch* batch) {
     std::error_code error;
     std::vector<fs::path> sources;
@@ -108,9 +109,7 @@ bool planBatch(const Options& options, Batch* batch) {
             options.extension.empty() ? source.extension().string() : options.extension;
         const std::string stem = source.stem().string();
         const fs::path destination = options.destination / (stem + extension);
-        const fs::path temporary = options.destination / ("." + stem + ".partial" + extension);
-        batch->files.push_back({CString::fromUtf8(source.string()), CString::fromUtf8(destination.string()),
-                                CString::fromUtf8(temporary.string())});
+        batch->files.push_back({CString::fromUtf8(source.string()), CString::fromUtf8(destination.string())});
     }
     if (!options.extension.empty() && !batch->files.empty() &&
         !isPicture(options.destination / ("x" + options.extension))) {
@@ -149,7 +148,8 @@ public:
             ++converted;
         else
             mBar.message("orvanta batch-convert: cannot convert " +
-                         mBatch.files[report->index].source.toUtf8());
+                         mBatch.files[report->index].source.toUtf8() +
+                         (report->error ? ": " + Platform::describeError(report->error) : std::string()));
         mBar.update(finished);
     }
 

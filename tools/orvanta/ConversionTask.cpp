@@ -2,8 +2,8 @@
 
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/foundation/Exception.h"
-#include "orvanta/foundation/File.h"
 #include "orvanta/foundation/OrvantaSystem.h"
+#include "orvanta/platform/LastError.h"
 
 namespace OrvantaTool {
 
@@ -20,23 +20,23 @@ ConversionTask::ConversionTask(Batch& batch, EventListener* listener)
 
 void ConversionTask::doTask() {
     for (long index; !wasKilled() && (index = mBatch.claim()) >= 0;) {
+        Platform::setLastError(0);
         const bool converted = convert(mBatch.files[static_cast<std::size_t>(index)]);
-        sendEventLater(FileConverted::create(static_cast<std::size_t>(index), converted), mListener);
+        sendEventLater(FileConverted::create(static_cast<std::size_t>(index), converted,
+                                             converted ? 0 : Platform::getLastError()),
+                       mListener);
     }
 }
 
 bool ConversionTask::convert(const Batch::File& file) {
-    int result = 0;
     try {
-        result = ImageCodec::downsizeAndConvertFile(file.source, file.temporary, mBatch.maxWidth,
-                                                    mBatch.maxHeight, mBatch.quality);
+        return ImageCodec::downsizeAndConvertFile(file.source, file.destination, mBatch.maxWidth,
+                                                  mBatch.maxHeight, mBatch.quality) != 0;
     } catch (const Exception&) {
-        // A file the codec began to read and found unusable: counted as not converted.
-        result = 0;
+        // A file the codec began to read and found unusable, or could not write.
+        if (Platform::getLastError() == 0) Platform::setLastError(Platform::kErrorDamagedData);
+        return false;
     }
-    if (result != 0 && File::replace(file.temporary, file.destination)) return true;
-    File::remove(file.temporary);
-    return false;
 }
 
 }  // namespace OrvantaTool

@@ -3,10 +3,10 @@
 // user-interface thread.
 //
 // Contract: several tasks may share one Batch; each claims the next unclaimed file until none is
-// left, the batch is stopping, or the task is killed. A file is converted into a temporary sibling of
-// its destination and renamed into place only once complete, so a destination is never half-written;
-// a file already being converted when the task is killed is finished. After each file the task sends
-// a FileConverted event to the listener, from its own thread.
+// left, the batch is stopping, or the task is killed. The library writes each destination beside it
+// and renames it into place only once complete, so a destination is never half-written; a file
+// already being converted when the task is killed is finished. After each file the task sends a
+// FileConverted event to the listener, from its own thread, with the reason of a failure.
 
 #include <atomic>
 #include <cstddef>
@@ -24,7 +24,6 @@ struct Batch {
     struct File {
         Orvanta::CString source;
         Orvanta::CString destination;
-        Orvanta::CString temporary;  // beside the destination, with the same extension
     };
 
     std::vector<File> files;
@@ -38,17 +37,19 @@ struct Batch {
     long claim();
 };
 
-// One file done: its index in the batch and whether it was converted.
+// One file done: its index in the batch, whether it was converted, and if not, the library's last
+// error on the task's thread (LastError.h), 0 when it recorded none.
 class FileConverted : public Orvanta::Event {
 public:
-    static FileConverted* create(std::size_t index, bool converted) {
-        return new FileConverted(index, converted);
+    static FileConverted* create(std::size_t index, bool converted, int error) {
+        return new FileConverted(index, converted, error);
     }
     std::size_t index;
     bool converted;
+    int error;
 
 private:
-    FileConverted(std::size_t i, bool ok) : index(i), converted(ok) {}
+    FileConverted(std::size_t i, bool ok, int e) : index(i), converted(ok), error(e) {}
 };
 
 class ConversionTask : public Orvanta::Task {

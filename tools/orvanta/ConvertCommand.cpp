@@ -49,12 +49,15 @@ int runConvert(const Arguments& arguments) {
     orvantaIUInit();
     const int flags =
         orvantaIUDownsizeAndConvertFileU8(paths[0].c_str(), paths[1].c_str(), maxWidth, maxHeight, quality);
-    orvantaIUDeInit();
     if (flags == 0) {
-        std::fprintf(stderr, "orvanta convert: cannot convert '%s' to '%s'\n", paths[0].c_str(),
-                     paths[1].c_str());
+        char reason[256];
+        orvantaIUGetLastError(reason, sizeof reason);
+        std::fprintf(stderr, "orvanta convert: cannot convert '%s' to '%s'%s%s\n", paths[0].c_str(),
+                     paths[1].c_str(), *reason ? ": " : "", reason);
+        orvantaIUDeInit();
         return 1;
     }
+    orvantaIUDeInit();
     std::string names;
     const auto name = [&](int bit, const char* word) {
         if (!(flags & bit)) return;

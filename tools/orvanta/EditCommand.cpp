@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "FailureReason.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
@@ -22,6 +23,7 @@
 #include "orvanta/editing/SepiaOp.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/OwnedPtr.h"
+#include "orvanta/platform/RewriteLock.h"
 
 using namespace Orvanta;
 
@@ -209,6 +211,9 @@ int runEdit(const Arguments& arguments) {
 
     orvantaIUInit();
     int status = 0;
+    clearFailure();
+    // Held from the read to the write, for the destination may be the source itself.
+    Platform::RewriteLock lock;
     try {
         ImageCodec* reader = imageCodecFor(source);
         ImageCodec* writer = imageCodecFor(destination);
@@ -216,11 +221,16 @@ int runEdit(const Arguments& arguments) {
             std::fprintf(stderr, "orvanta edit: no codec for '%s'\n",
                          (!reader ? source : destination).c_str());
             status = 1;
+        } else if (!lock.acquire(destination)) {
+            std::fprintf(stderr, "orvanta edit: cannot write '%s'%s\n", destination.c_str(),
+                         failureReason().c_str());
+            status = 1;
         } else {
             CSize originalSize;
             OwnedPtr<Dib> loaded(reader->read(CString::fromUtf8(source), &originalSize, 0, 0));
             if (!loaded) {
-                std::fprintf(stderr, "orvanta edit: cannot read '%s'\n", source.c_str());
+                std::fprintf(stderr, "orvanta edit: cannot read '%s'%s\n", source.c_str(),
+                             failureReason().c_str());
                 status = 1;
             } else {
                 OwnedPtr<EditableDib> picture(new EditableDib(loaded));
@@ -238,7 +248,8 @@ int runEdit(const Arguments& arguments) {
                                                       CString::fromUtf8(source))
                             : writer->write(picture->getCurrent(), target, ImageQualityHigh) > 0;
                     if (!written) {
-                        std::fprintf(stderr, "orvanta edit: cannot write '%s'\n", destination.c_str());
+                        std::fprintf(stderr, "orvanta edit: cannot write '%s'%s\n", destination.c_str(),
+                                     failureReason().c_str());
                         status = 1;
                     } else {
                         const CSize size = picture->getSize();
@@ -250,12 +261,13 @@ int runEdit(const Arguments& arguments) {
             }
         }
     } catch (const Exception& e) {
-        std::fprintf(stderr, "orvanta edit: %s\n", narrow(e.getMessage()).c_str());
+        std::fprintf(stderr, "orvanta edit: %s%s\n", narrow(e.getMessage()).c_str(), failureReason().c_str());
         status = 1;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "orvanta edit: %s\n", e.what());
         status = 1;
     }
+    lock.release();
     orvantaIUDeInit();
     return status;
 }

@@ -50,6 +50,9 @@ int runInfo(const Arguments& arguments) {
         } else if (!orvantaIUGetImageFileInformationU8(path.c_str(), &type, &width, &height, &quality) ||
                    width <= 0 || height <= 0) {
             std::printf("%s\tunreadable\n", path.c_str());
+            char reason[256];
+            if (orvantaIUGetLastError(reason, sizeof reason))
+                std::fprintf(stderr, "orvanta info: '%s': %s\n", path.c_str(), reason);
             status = 1;
         } else {
             std::printf("%s\t%s\t%d\t%d\t%s\n", path.c_str(), typeName(type), width, height,

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Commands.h"
+#include "FailureReason.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
@@ -35,11 +36,12 @@ int rotate(const std::string& file, int angle) {
     }
     CSize before(0, 0);
     ImageQuality quality;
+    clearFailure();
     try {
         image->getInfo(path, &before, &quality);
         if (!image->applyToFile(path, op)) {
-            std::fprintf(stderr, "orvanta rotate: '%s' cannot be turned (damaged, or an unusual sampling)\n",
-                         file.c_str());
+            std::fprintf(stderr, "orvanta rotate: '%s' cannot be turned%s\n", file.c_str(),
+                         failureReason("the picture data is damaged").c_str());
             return 1;
         }
         CSize after(0, 0);
@@ -49,7 +51,8 @@ int rotate(const std::string& file, int angle) {
                     after == turned ? "" : "\tedge blocks dropped");
         return 0;
     } catch (const Throwable& e) {
-        std::fprintf(stderr, "orvanta rotate: '%s': %s\n", file.c_str(), narrow(e.getMessage()).c_str());
+        std::fprintf(stderr, "orvanta rotate: '%s': %s%s\n", file.c_str(), narrow(e.getMessage()).c_str(),
+                     failureReason().c_str());
         return 1;
     }
 }

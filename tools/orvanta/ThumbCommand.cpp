@@ -5,6 +5,7 @@
 
 #include "BoxArgument.h"
 #include "Commands.h"
+#include "FailureReason.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
@@ -35,6 +36,7 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
                      (!reader ? sourceName : destinationName).c_str());
         return 1;
     }
+    clearFailure();
     try {
         const char* origin = "embedded";
         OwnedPtr<Dib> picture;
@@ -45,7 +47,8 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
             picture = reader->read(source, nullptr, boxHeight, boxWidth);
         }
         if (!picture) {
-            std::fprintf(stderr, "orvanta thumb: cannot read '%s'\n", sourceName.c_str());
+            std::fprintf(stderr, "orvanta thumb: cannot read '%s'%s\n", sourceName.c_str(),
+                         failureReason().c_str());
             return 1;
         }
         const CSize size = picture->getSize();
@@ -55,15 +58,16 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
             picture = fit->doOp(picture, nullptr);
         }
         if (!picture || writer->write(picture, destination, ImageQualityNormal) <= 0) {
-            std::fprintf(stderr, "orvanta thumb: cannot write '%s'\n", destinationName.c_str());
+            std::fprintf(stderr, "orvanta thumb: cannot write '%s'%s\n", destinationName.c_str(),
+                         failureReason().c_str());
             return 1;
         }
         std::printf("%s\t%d\t%d\t%s\n", destinationName.c_str(), picture->getSize().cx, picture->getSize().cy,
                     origin);
         return 0;
     } catch (const Exception& e) {
-        std::fprintf(stderr, "orvanta thumb: '%s': %s\n", sourceName.c_str(),
-                     CString(e.getMessage()).toUtf8().c_str());
+        std::fprintf(stderr, "orvanta thumb: '%s': %s%s\n", sourceName.c_str(),
+                     CString(e.getMessage()).toUtf8().c_str(), failureReason().c_str());
         return 1;
     }
 }
