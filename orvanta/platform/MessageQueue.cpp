@@ -214,24 +214,32 @@ void collectInput(MessageQueue& queue, QueueInput* input) {
     input->collect();
 }
 
-// One look at the queue in its order: posted messages and quit, paint, timers.
-bool takeNext(MessageQueue& queue, QueueInput* input, MSG* found, const MessageQueue::Filter& filter,
-              bool remove) {
+// One look at the queue in its order: posted messages and quit, display input (collected only when
+// nothing posted waits), paint, timers. A posted message, the common case, costs one lock.
+bool takeNext(MessageQueue& queue, MSG* found, const MessageQueue::Filter& filter, bool remove) {
+    QueueInput* input = nullptr;
     {
         std::lock_guard<std::mutex> guard(queue.lock);
         if (queue.takeLocked(found, filter, remove, Clock::now())) return true;
+        input = queue.input;
+        if (!queue.posted.empty()) input = nullptr;  // input waits behind what is posted
     }
-    if (input && !filter.threadOnly && filter.accepts(WM_PAINT) && input->nextPaint(found)) return true;
+    if (input) {
+        input->collect();
+        {
+            std::lock_guard<std::mutex> guard(queue.lock);
+            if (queue.takeLocked(found, filter, remove, Clock::now())) return true;
+        }
+        if (!filter.threadOnly && filter.accepts(WM_PAINT) && input->nextPaint(found)) return true;
+    }
     std::lock_guard<std::mutex> guard(queue.lock);
     return queue.takeTimerLocked(found, filter, remove, Clock::now());
 }
 
 bool peek(MSG* msg, const MessageQueue::Filter& filter, UINT remove) {
     MessageQueue& queue = currentQueue();
-    QueueInput* input = inputOf(queue);
-    collectInput(queue, input);
     MSG found;
-    if (!takeNext(queue, input, &found, filter, (remove & PM_REMOVE) != 0)) return false;
+    if (!takeNext(queue, &found, filter, (remove & PM_REMOVE) != 0)) return false;
     queue.noteTaken(found);
     if (msg) *msg = found;
     return true;
@@ -344,9 +352,7 @@ bool getMessage(MSG* msg) {
     MessageQueue& queue = currentQueue();
     MSG found;
     for (;;) {
-        QueueInput* input = inputOf(queue);
-        collectInput(queue, input);
-        if (takeNext(queue, input, &found, MessageQueue::Filter{}, true)) break;
+        if (takeNext(queue, &found, MessageQueue::Filter{}, true)) break;
         std::unique_lock<std::mutex> guard(queue.lock);
         if (queue.hasInputLocked(Clock::now())) continue;
         sleepLocked(queue, guard, queue.nextTimerLocked());

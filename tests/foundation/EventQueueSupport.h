@@ -59,6 +59,17 @@ public:
     std::vector<int> countsSeen;
 };
 
+// Takes and handles one waiting message, if there is one; true when it was an event that
+// processMessage consumed. Beside a thread that posts without pause, draining until empty might
+// never end: such tests pump one message at a time.
+inline bool pumpOneMessage() {
+    Orvanta::MSG msg;
+    if (!Orvanta::Platform::peekMessage(&msg, 0, 0, Orvanta::PM_REMOVE)) return false;
+    if (Orvanta::processMessage(&msg, nullptr)) return true;
+    Orvanta::Platform::dispatchMessage(&msg);
+    return false;
+}
+
 // Takes every message waiting in the calling thread's queue through processMessage, dispatching
 // what it does not consume, as a host's loop does.
 inline int pumpWaitingMessages() {

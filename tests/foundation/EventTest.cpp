@@ -120,7 +120,7 @@ TEST_F(EventQueueTest, WorkerStillPostingWhenItsListenerGoesAwayReachesNoDeadLis
         }
         phase = 2;
     });
-    for (int delivered = 0; delivered < 10;) delivered += pumpWaitingMessages();
+    for (int delivered = 0; delivered < 10;) delivered += pumpOneMessage();
     delete listener;
     phase = 1;
     while (phase != 2) std::this_thread::yield();
@@ -139,7 +139,7 @@ TEST_F(EventQueueTest, WorkersPostingWhileTheLibraryStopsPostNothingAfterIt) {
         }
         done = true;
     });
-    while (pumpWaitingMessages() == 0) std::this_thread::yield();
+    while (!pumpOneMessage()) std::this_thread::yield();
     deinit();
     const UINT eventMessage = Platform::registerWindowMessage(kEventMessageName);
     MSG msg;
