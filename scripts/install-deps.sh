@@ -23,8 +23,6 @@ packages=(
   # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)
   uuid-dev
   libglib2.0-dev
-  # locale sources, so the date tests can build en_US and de_DE locales with localedef
-  locales
   # picture scaling by the platform (pixman compositing)
   libpixman-1-dev
   # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, the coefficients of lossless turns),
