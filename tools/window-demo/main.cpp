@@ -73,7 +73,10 @@ bool writePng(Platform::BackingStore* store, const char* path) {
     std::string png;
     if (cairo_surface_write_to_png_stream(store->getSurface(), &appendBytes, &png) != CAIRO_STATUS_SUCCESS)
         return false;
-    OwnedPtr<File> file = File::create(CString::fromUtf8(path));
+    // The picture of an earlier run is replaced.
+    const CString name = CString::fromUtf8(path);
+    File::remove(name);
+    OwnedPtr<File> file = File::create(name);
     return file->create(false) && file->write(png.data(), static_cast<int>(png.size()));
 }
 
