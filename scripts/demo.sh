@@ -90,4 +90,8 @@ rm -f "$out/catalogue.db"
 "$orvanta" db dump "$out/catalogue.db" | head -n 14
 
 echo
+echo "== A window of the toolkit's controls, drawn offscreen with the first photograph (orvanta-window-demo)"
+"$(dirname "$orvanta")/orvanta-window-demo" "$out/window.png" "$first"
+
+echo
 echo "Pictures written to $out/"

@@ -1,7 +1,8 @@
 #include "orvanta/assets/Asset.h"
 
-#include <cstring>
+#include <cstdint>
 #include <new>
+#include <vector>
 
 #include "orvanta/assets/AssetFile.h"
 #include "orvanta/assets/AssetFileFactory.h"
@@ -31,28 +32,21 @@ CString pathOf(PropertyList* list) {
                               list->getValue(Asset::kPropFilename).asString(), false);
 }
 
-// The picture as a BMP file: the file header, the picture's own header with a positive height (rows
-// bottom-up), then the rows from the last to the first. The library's pictures are top-down.
-Platform::ClipboardForm bitmapForm(Dib* dib) {
-    using namespace BmpFormat;
+// The picture as the platform's DIB clipboard format holds it: its header with a positive height
+// (rows bottom-up), then the rows from the last to the first. The library's pictures are top-down.
+std::vector<std::uint8_t> packedDib(Dib* dib) {
     BITMAPINFOHEADER header = *dib->getBitmapInfoHeader();
     const int height = header.biHeight < 0 ? -header.biHeight : header.biHeight;
     header.biHeight = height;
     const int stride = dib->getStride();
-    const std::size_t pixels = static_cast<std::size_t>(stride) * height;
-    BITMAPFILEHEADER file{};
-    file.bfType = kSignature;
-    file.bfSize = static_cast<DWORD>(kPixelOffset + pixels);
-    file.bfOffBits = kPixelOffset;
-    Platform::ClipboardForm form{"image/bmp", std::string()};
-    form.bytes.reserve(kPixelOffset + pixels);
-    form.bytes.append(reinterpret_cast<const char*>(&file), kFileHeaderSize);
-    form.bytes.append(reinterpret_cast<const char*>(&header), kInfoHeaderSize);
-    for (int y = height - 1; y >= 0; --y)
-        form.bytes.append(
-            reinterpret_cast<const char*>(dib->getBits()) + static_cast<std::ptrdiff_t>(y) * stride,
-            static_cast<std::size_t>(stride));
-    return form;
+    const auto* start = reinterpret_cast<const std::uint8_t*>(&header);
+    std::vector<std::uint8_t> packed(start, start + BmpFormat::kInfoHeaderSize);
+    packed.reserve(packed.size() + static_cast<std::size_t>(stride) * height);
+    for (int y = height - 1; y >= 0; --y) {
+        const std::uint8_t* row = dib->getBits() + static_cast<std::ptrdiff_t>(y) * stride;
+        packed.insert(packed.end(), row, row + stride);
+    }
+    return packed;
 }
 
 }  // namespace
@@ -114,14 +108,12 @@ Asset* Asset::clone() {
 
 bool Asset::copyToClipboard() {
     if (!mFile) return false;
-    std::vector<Platform::ClipboardForm> forms =
-        Platform::Clipboard::fileForms({mFile->getPath().toUtf8()}, false);
-    if (forms.empty()) return false;
+    std::vector<std::uint8_t> picture;
     if (ImageFile* image = getImageFile()) {
-        OwnedPtr<Image> picture = image->loadImage(0, 0, false);
-        if (picture && picture->getDib()) forms.push_back(bitmapForm(picture->getDib()));
+        OwnedPtr<Image> loaded = image->loadImage(0, 0, false);
+        if (loaded && loaded->getDib()) picture = packedDib(loaded->getDib());
     }
-    return Platform::Clipboard::current().put(forms);
+    return Platform::Clipboard::setFiles({mFile->getPath()}, picture);
 }
 
 void Asset::setFile(const CString& path, const FILETIME* writeTime, const FILETIME* creationTime) {

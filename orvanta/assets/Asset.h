@@ -49,10 +49,10 @@ public:
     virtual VideoFile* getVideoFile();
     virtual PropertyList* getProperties();
     virtual Asset* clone();
-    // Puts the file on the clipboard in the forms Linux desktops exchange: its address as a copied
-    // file ("text/uri-list", "x-special/gnome-copied-files") and, for a picture that can be read,
-    // the picture as a BMP file ("image/bmp", rows bottom-up, no palette). False without a file, for
-    // a path that has no file address, or when the host has no clipboard.
+    // Puts the file on the clipboard (Platform::Clipboard::setFiles) as a copied file and, for a
+    // picture that can be read, the picture as a packed DIB (rows bottom-up, no palette), which the
+    // clipboard offers as a BMP file. False without a file, for a path that has no file address, or
+    // without an X server to hold the clipboard.
     virtual bool copyToClipboard();
     // A new file object for path, by the codec of its extension and the current AssetFileFactory;
     // none when no codec knows the extension. Properties are not rewritten.

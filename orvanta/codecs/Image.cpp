@@ -4,6 +4,7 @@
 #include <new>
 
 #include "orvanta/editing/EditableDib.h"
+#include "orvanta/platform/Canvas.h"
 
 namespace Orvanta {
 
@@ -78,6 +79,46 @@ bool Image::operator==(const Image& other) {
 
 Dib* Image::getDib() {
     return mDib;
+}
+
+void Image::draw(HDC dc, int x, int y, int width, int height) {
+    drawStretched(dc, x, y, width, height);
+}
+
+void Image::drawStretched(HDC dc, int x, int y, int width, int height) {
+    if (!mDib || !dc) return;
+    const CSize size = mDib->getSize();
+    dc->setStretchMode(HALFTONE);
+    dc->stretchDIBits(x, y, width, height, 0, 0, size.cx, size.cy, mDib->getBits(), *mDib->getBitmapInfo());
+}
+
+void Image::draw(HDC dc, int x, int y, double scale) {
+    drawScaled(dc, x, y, scale);
+}
+
+void Image::drawScaled(HDC dc, int x, int y, double scale) {
+    if (!mDib) return;
+    const CSize size = getScaledSize(scale);
+    drawStretched(dc, x, y, size.cx, size.cy);
+}
+
+bool Image::drawJpegDirect(HDC dc, int x, int y, void* data, int size, int width, int height, int destWidth,
+                           int destHeight) {
+    if (!dc) return false;
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = 40;
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 0;
+    info.bmiHeader.biCompression = BI_JPEG;
+    info.bmiHeader.biSizeImage = static_cast<DWORD>(size);
+    return dc->stretchDIBits(x, y, destWidth, destHeight, 0, 0, width, height, data, info) != GDI_ERROR;
+}
+
+bool Image::drawJpegDirect(HDC dc, int x, int y, void* data, int size, int width, int height, double scale) {
+    return drawJpegDirect(dc, x, y, data, size, width, height, static_cast<int>(width * scale),
+                          static_cast<int>(height * scale));
 }
 
 bool Image::isEditable() {

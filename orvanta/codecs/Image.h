@@ -1,16 +1,21 @@
 #pragma once
-// Image: a picture as the rest of the library holds it: a Dib with sizing on top and, when made
-// editable, the gate to the picture's undo history (EditableDib).
+// Image: a picture as the rest of the library holds it: a Dib with sizing and drawing on top and,
+// when made editable, the gate to the picture's undo history (EditableDib).
 //
-// Contract: an Image may hold no Dib; then sizes are (0, 0), createDownsized gives null and the
-// history answers as a picture that is not editable. The history operations forward to the Dib.
-// save() folds the history, but first notifies code 1 when there is anything to fold, so that a
-// listener (the picture's file) writes the edited picture while the edits can still be told apart.
+// Contract: an Image may hold no Dib; then sizes are (0, 0), createDownsized gives null, nothing is
+// drawn and the history answers as a picture that is not editable. The history operations forward
+// to the Dib. save() folds the history, but first notifies code 1 when there is anything to fold,
+// so that a listener (the picture's file) writes the edited picture while the edits can still be
+// told apart.
 //
 // Contract of the static calcScale: the factor that brings source into box, in double precision.
 // Without allowEnlarge a source that already fits gets 1.0. With fill the picture covers the box
 // (the larger factor), otherwise it lies inside it (the smaller); on a tie the vertical factor is
 // taken.
+//
+// Drawing: the whole picture is drawn stretched to a rectangle with the filtering stretch mode.
+// drawJpegDirect hands a JPEG block to a canvas that takes compressed pictures (a PDF page): the
+// result is whether the canvas took it.
 
 #include "orvanta/editing/DibRect.h"
 #include "orvanta/editing/DownsizeOp.h"
@@ -20,9 +25,14 @@
 #include "orvanta/pixels/Dib.h"
 #include "orvanta/platform/CSize.h"
 
+namespace Orvanta::Platform {
+class Canvas;
+}  // namespace Orvanta::Platform
+
 namespace Orvanta {
 
 class EditingOp;
+using HDC = Platform::Canvas*;
 
 class Image : public IOwned, public Notifier {
 public:
@@ -49,6 +59,15 @@ public:
                                    DibRect rect);
     virtual bool operator==(const Image& other);
     virtual Dib* getDib();
+
+    virtual void draw(HDC dc, int x, int y, int width, int height);
+    virtual void drawStretched(HDC dc, int x, int y, int width, int height);
+    virtual void draw(HDC dc, int x, int y, double scale);
+    virtual void drawScaled(HDC dc, int x, int y, double scale);
+    static bool drawJpegDirect(HDC dc, int x, int y, void* data, int size, int width, int height,
+                               int destWidth, int destHeight);
+    static bool drawJpegDirect(HDC dc, int x, int y, void* data, int size, int width, int height,
+                               double scale);
 
     virtual bool isEditable();
     virtual bool isEdited();

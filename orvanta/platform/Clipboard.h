@@ -1,35 +1,31 @@
 #pragma once
-// Clipboard: where the library puts what the user copies, in the forms Linux desktops exchange.
+// Clipboard: text through the display's clipboard; files (and a picture of the first) for file
+// managers and other programs, through the X server's selection.
 //
-// Contract: put replaces the clipboard's contents with several forms of one thing, each a MIME type
-// and its bytes. The library owns no clipboard: a host with a display installs one (as tests
-// install a recording one); until then put answers false and nothing is kept. fileForms gives the
-// forms file managers use for copied files: "text/uri-list" (RFC 2483: one file URI a line, every
-// line ended by CR LF) and "x-special/gnome-copied-files" ("copy" or "cut", then one URI a line, with
-// no newline after the last). A path that has no file URI (a relative one) gives no forms at all.
+// Contract:
+//  - The display is opened if needed. Text is UTF-16 here and UTF-8 on the display; on the offscreen
+//    display the clipboard lives in the process.
+//  - setFiles offers the files as a copy operation, the way file managers exchange them:
+//    text/uri-list, x-special/gnome-copied-files, and the paths as plain text, one a line; with a
+//    packed DIB (a BITMAPINFOHEADER and what follows it, as the platform's DIB clipboard format holds
+//    it), image/bmp as well. It needs an X server: on the offscreen display and on Wayland, where the
+//    display library offers no formats but text, it answers false. Setting text afterwards replaces
+//    the files, and the other way round.
 
-#include <string>
+#include <cstdint>
 #include <vector>
+
+#include "orvanta/platform/CString.h"
 
 namespace Orvanta::Platform {
 
-struct ClipboardForm {
-    std::string type;
-    std::string bytes;
-};
-
 class Clipboard {
 public:
-    virtual ~Clipboard() = default;
-
-    virtual bool put(const std::vector<ClipboardForm>& forms);
-
-    static std::vector<ClipboardForm> fileForms(const std::vector<std::string>& paths, bool cut);
-
-    // The instance in use, and the swap for hosts and tests. install(nullptr) restores the one that
-    // keeps nothing.
-    static Clipboard& current();
-    static void install(Clipboard* replacement);
+    static bool setText(const CString& text);
+    static bool hasText();
+    // Empty when there is none.
+    static CString getText();
+    static bool setFiles(const std::vector<CString>& paths, const std::vector<std::uint8_t>& packedDib = {});
 };
 
 }  // namespace Orvanta::Platform

@@ -7,18 +7,22 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+
 #include "orvanta/codecs/BmpCodec.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/GenericVideoCodec.h"
 #include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/FileTime.h"
-#include "orvanta/platform/Clipboard.h"
+#include "orvanta/platform/Display.h"
 #include "orvanta/platform/FileTimes.h"
 #include "orvanta/store/PropertyList.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
+#include "tests/support/UiHarness.h"
+#include "tests/support/XvfbServer.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -46,16 +50,6 @@ GenericVideoCodec* video() {
 struct Codes : NotifierListener {
     void onNotification(void*, const Notification& notification) override { codes.push_back(notification); }
     std::vector<int> codes;
-};
-
-struct RecordingClipboard : Platform::Clipboard {
-    RecordingClipboard() { install(this); }
-    ~RecordingClipboard() override { install(nullptr); }
-    bool put(const std::vector<Platform::ClipboardForm>& given) override {
-        for (const auto& form : given) forms.emplace_back(form.type, form.bytes);
-        return true;
-    }
-    std::vector<std::pair<std::string, std::string>> forms;
 };
 
 }  // namespace
@@ -136,6 +130,8 @@ TEST(Asset, DamagedPicturesAndVideosAreAssetsWithoutThumbnails) {
 
 TEST(Asset, TheClipboardGetsTheFileAsACopiedFileAndThePictureAsABmpFile) {
     video();
+    if (!XvfbServer::available() || std::system("command -v xclip >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "Xvfb or xclip is missing";
     TempDir dir;
     // A 3 x 2 picture as a BMP file: rows bottom-up, each 9 bytes and 3 of padding.
     std::string bmp("BM\x4E\0\0\0\0\0\0\0\x36\0\0\0", 14);
@@ -144,11 +140,23 @@ TEST(Asset, TheClipboardGetsTheFileAsACopiedFileAndThePictureAsABmpFile) {
                        24);
     writeFileBytes(dir.file("a b#\xC3\xA9.bmp"), bmp);
     OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), dir.wide("a b#\xC3\xA9.bmp"), nullptr, nullptr);
-    EXPECT_FALSE(asset->copyToClipboard()) << "no clipboard until the host installs one";
-    RecordingClipboard clipboard;
+    // The clipboard is the X server's: another program pastes each form.
+    XvfbServer server(64, 64);
+    Platform::Display::instance().close();
+    setenv("DISPLAY", server.display().c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("SDL_VIDEODRIVER");
     ASSERT_TRUE(asset->copyToClipboard());
+    const auto paste = [&](const std::string& form) {
+        EXPECT_EQ(0,
+                  server.run("xclip -o -selection clipboard -t " + form + " > '" + dir.file("pasted") + "'"));
+        return readFileBytes(dir.file("pasted"));
+    };
     const std::string uri = "file://" + dir.path() + "/a%20b%23%C3%A9.bmp";
-    EXPECT_EQ(clipboard.forms, (decltype(clipboard.forms){{"text/uri-list", uri + "\r\n"},
-                                                          {"x-special/gnome-copied-files", "copy\n" + uri},
-                                                          {"image/bmp", bmp}}));
+    EXPECT_EQ(uri + "\r\n", paste("text/uri-list"));
+    EXPECT_EQ("copy\n" + uri, paste("x-special/gnome-copied-files"));
+    EXPECT_EQ(bmp, paste("image/bmp"));
+    Platform::Display::instance().close();
+    unsetenv("DISPLAY");
+    UiHarness::useTestEnvironment();
 }
