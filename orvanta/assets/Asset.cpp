@@ -51,7 +51,7 @@ std::vector<std::uint8_t> packedDib(Dib* dib) {
 
 }  // namespace
 
-Asset::Asset() = default;
+Asset::Asset() : mProperties(&mListListener), mFile(&mFileListener) {}
 
 Asset::~Asset() {
     if (mFile) mFile->setAsset(nullptr);

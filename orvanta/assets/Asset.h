@@ -85,8 +85,9 @@ private:
 
     FileListener mFileListener{this};
     ListListener mListListener{this};
-    ListenerLink<PropertyList> mProperties{&mListListener};
-    ListenerLink<AssetFile> mFile{&mFileListener};
+    // Set up in the constructor, where the linked classes are complete.
+    ListenerLink<PropertyList> mProperties;
+    ListenerLink<AssetFile> mFile;
 };
 
 }  // namespace Orvanta

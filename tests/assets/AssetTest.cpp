@@ -1,5 +1,5 @@
-// Assets and their files: the date rule, the two-way link of properties and path, clones, the
-// clipboard forms, and files that are damaged or never opened.
+// Assets and their files: the date rule, the two-way link of properties and path, clones, and files
+// that are damaged or never opened. An asset on the clipboard is tested with the clipboard.
 
 #include "orvanta/assets/Asset.h"
 
@@ -7,22 +7,17 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
-
 #include "orvanta/codecs/BmpCodec.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/GenericVideoCodec.h"
 #include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/FileTime.h"
-#include "orvanta/platform/Display.h"
 #include "orvanta/platform/FileTimes.h"
 #include "orvanta/store/PropertyList.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
-#include "tests/support/UiHarness.h"
-#include "tests/support/XvfbServer.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -110,11 +105,6 @@ TEST(Asset, PropertiesAndPathFollowEachOtherBothWaysAndClonesShareNothing) {
     copy->getProperties()->set(Asset::kPropFilename, PropertyValue(u"other.jpg"), true);
     EXPECT_EQ(u"/elsewhere/other.jpg", copy->getAssetFile()->getPath());
     EXPECT_EQ(u"/elsewhere/holiday.jpg", asset->getAssetFile()->getPath());
-    // An extension no codec knows: an asset without a file, its list as given.
-    list->set(Asset::kPropFilename, PropertyValue(u"notes.xyz"), false);
-    OwnedPtr<Asset> unknown = Asset::create(list);
-    EXPECT_FALSE(unknown->getAssetFile() || unknown->copyToClipboard());
-    EXPECT_EQ(u"notes.xyz", unknown->getProperties()->getValue(Asset::kPropFilename).asString());
 }
 
 TEST(Asset, DamagedPicturesAndVideosAreAssetsWithoutThumbnails) {
@@ -126,37 +116,4 @@ TEST(Asset, DamagedPicturesAndVideosAreAssetsWithoutThumbnails) {
         ASSERT_TRUE(asset->getAssetFile()) << name;
         EXPECT_FALSE(OwnedPtr<Image>(asset->getAssetFile()->createThumbnail(160, 160, true))) << name;
     }
-}
-
-TEST(Asset, TheClipboardGetsTheFileAsACopiedFileAndThePictureAsABmpFile) {
-    video();
-    if (!XvfbServer::available() || std::system("command -v xclip >/dev/null 2>&1") != 0)
-        GTEST_SKIP() << "Xvfb or xclip is missing";
-    TempDir dir;
-    // A 3 x 2 picture as a BMP file: rows bottom-up, each 9 bytes and 3 of padding.
-    std::string bmp("BM\x4E\0\0\0\0\0\0\0\x36\0\0\0", 14);
-    bmp += std::string("\x28\0\0\0\x03\0\0\0\x02\0\0\0\x01\0\x18\0", 16) + std::string(24, '\0');
-    bmp += std::string("\x01\x02\x03\x04\x05\x06\x07\x08\x09\0\0\0\x0A\x0B\x0C\x0D\x0E\x0F\x10\x11\x12\0\0\0",
-                       24);
-    writeFileBytes(dir.file("a b#\xC3\xA9.bmp"), bmp);
-    OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), dir.wide("a b#\xC3\xA9.bmp"), nullptr, nullptr);
-    // The clipboard is the X server's: another program pastes each form.
-    XvfbServer server(64, 64);
-    Platform::Display::instance().close();
-    setenv("DISPLAY", server.display().c_str(), 1);
-    unsetenv("WAYLAND_DISPLAY");
-    unsetenv("SDL_VIDEODRIVER");
-    ASSERT_TRUE(asset->copyToClipboard());
-    const auto paste = [&](const std::string& form) {
-        EXPECT_EQ(0,
-                  server.run("xclip -o -selection clipboard -t " + form + " > '" + dir.file("pasted") + "'"));
-        return readFileBytes(dir.file("pasted"));
-    };
-    const std::string uri = "file://" + dir.path() + "/a%20b%23%C3%A9.bmp";
-    EXPECT_EQ(uri + "\r\n", paste("text/uri-list"));
-    EXPECT_EQ("copy\n" + uri, paste("x-special/gnome-copied-files"));
-    EXPECT_EQ(bmp, paste("image/bmp"));
-    Platform::Display::instance().close();
-    unsetenv("DISPLAY");
-    UiHarness::useTestEnvironment();
 }

@@ -1,8 +1,8 @@
 // The clipboard as other programs see it. On a private X server, files put on the clipboard are
 // pasted by xclip in each form file managers use, with a picture as a BMP file that ImageMagick reads
 // (large enough to go in pieces), and the display library's own text reading sees them as text; text
-// set afterwards takes the clipboard back. Without a server, text stays in the process and files are
-// refused.
+// set afterwards takes the clipboard back; an asset's picture is its BMP file byte for byte. Without a
+// server, text stays in the process and files are refused.
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,9 @@
 #include <thread>
 #include <vector>
 
+#include "orvanta/assets/Asset.h"
+#include "orvanta/codecs/BmpCodec.h"
+#include "orvanta/codecs/CodecManager.h"
 #include "orvanta/platform/Clipboard.h"
 #include "orvanta/platform/Display.h"
 #include "orvanta/platform/SelectionOwner.h"
@@ -124,6 +127,21 @@ TEST_F(ClipboardOnXTest, FilesArePastedInEachFormAndTextTakesTheClipboardBack) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_FALSE(SelectionOwner::instance().owns());
     EXPECT_EQ(Clipboard::getText(), u"Plain");
+}
+
+// An asset gives its file and its picture, turned bottom-up, which becomes the BMP file it came from.
+TEST_F(ClipboardOnXTest, AnAssetGivesItsFileAndItsPictureAsABmpFileByteForByte) {
+    // A 3 x 2 picture: rows bottom-up, each 9 bytes and 3 of padding.
+    std::string bmp("BM\x4E\0\0\0\0\0\0\0\x36\0\0\0", 14);
+    bmp += std::string("\x28\0\0\0\x03\0\0\0\x02\0\0\0\x01\0\x18\0", 16) + std::string(24, '\0');
+    bmp += std::string("\x01\x02\x03\x04\x05\x06\x07\x08\x09\0\0\0\x0A\x0B\x0C\x0D\x0E\x0F\x10\x11\x12\0\0\0",
+                       24);
+    writeFileBytes(folder.file("a b#.bmp"), bmp);
+    CodecManager::registerCodec(BmpCodec::create());
+    OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), folder.wide("a b#.bmp"), nullptr, nullptr);
+    ASSERT_TRUE(asset->copyToClipboard());
+    EXPECT_EQ(paste("text/uri-list"), "file://" + folder.path() + "/a%20b%23.bmp\r\n");
+    EXPECT_EQ(paste("image/bmp"), bmp);
 }
 
 // A server that goes away ends the owner's connection only; the next server is served anew.
