@@ -58,6 +58,8 @@ public:
     virtual bool focusFirst();
     virtual bool focusLast();
 
+    // Where placeChild puts a child, without moving it.
+    static CRect placement(const Control* child, const CRect& bounds, bool clampX, bool clampY);
     static void placeChild(Control* child, const CRect& bounds, bool clampX, bool clampY);
     virtual void layoutChild(Control* child);
     virtual void layout();

@@ -121,9 +121,16 @@ void Control::setMinSize(int width, int height) {
 }
 
 CRect Control::getLayoutRect() const {
-    CRect r = mRect;
-    if (mFixedWidth > 0) r.right = r.left + mFixedWidth;
-    if (mFixedHeight > 0) r.bottom = r.top + mFixedHeight;
+    CRect r = getRect();
+    const CSize min = getMinSize();
+    if (mFixedWidth > 0)
+        r.right = r.left + mFixedWidth;
+    else if (r.width() < min.cx)
+        r.right = r.left + min.cx;
+    if (mFixedHeight > 0)
+        r.bottom = r.top + mFixedHeight;
+    else if (r.height() < min.cy)
+        r.bottom = r.top + min.cy;
     return r;
 }
 

@@ -100,15 +100,19 @@ public:
     virtual CSize getMinSize() const { return mMinSize; }
     bool hasOwnSize() const { return getMinSize() != CSize(1, 1); }
 
-    // The rectangle with the fixed width and height put in where they are set.
+    // The rectangle a layout works with: the present one, with the fixed width and height put in
+    // where they are set, and otherwise never smaller than the minimum size, so that a control that
+    // was never given a rectangle is laid out at the size it asks for.
     CRect getLayoutRect() const;
     int getWidth() const { return mRect.width(); }
     int getHeight() const { return mRect.height(); }
     CSize getSize() const { return mRect.size(); }
     void setWidth(int width) { setSize(width, getHeight()); }
     void setHeight(int height) { setSize(getWidth(), height); }
-    void setFixedWidth(int width) { mFixedWidth = width; }
-    void setFixedHeight(int height) { mFixedHeight = height; }
+    virtual void setFixedWidth(int width) { mFixedWidth = width; }
+    virtual void setFixedHeight(int height) { mFixedHeight = height; }
+    int getFixedWidth() const { return mFixedWidth; }
+    int getFixedHeight() const { return mFixedHeight; }
 
     CSize getAlignment() const { return mAlignment; }
     void setAlignment(int horizontal, int vertical) { mAlignment = CSize(horizontal, vertical); }
