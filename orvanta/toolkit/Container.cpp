@@ -253,6 +253,11 @@ void Container::setLayoutBusy(bool busy) {
     if (mLayoutBusy < 0) mLayoutBusy = 0;
 }
 
+void Container::setBorderWidth(int width, int sides) {
+    Control::setBorderWidth(width, sides);
+    layout();
+}
+
 void Container::onSize(CSize size) {
     layout();
 }

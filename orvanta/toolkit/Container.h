@@ -66,6 +66,8 @@ public:
     // The room the children need: the largest minimum size with margins, plus the borders.
     virtual CSize getContentSize() const;
     void setLayoutBusy(bool busy);
+    // Borders and gaps change the room the children have: the container lays out again.
+    void setBorderWidth(int width, int sides) override;
     // The tooltip window, null until first used.
     Tooltip* getTooltipWindow() const { return mTooltip.get(); }
     void showTooltip(const CString& text, CPoint screen);

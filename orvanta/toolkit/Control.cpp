@@ -134,6 +134,11 @@ CRect Control::getLayoutRect() const {
     return r;
 }
 
+CSize Control::getLayoutSize() const {
+    const CSize min = getMinSize();
+    return CSize(mFixedWidth > 0 ? mFixedWidth : min.cx, mFixedHeight > 0 ? mFixedHeight : min.cy);
+}
+
 COLORREF Control::getBkColor(bool inherit) const {
     if (!inherit || (mBkColor != kInheritColor && mBkColor != kInheritColor2)) return mBkColor;
     return mParent ? mParent->getBkColor(true) : Platform::getSysColor(COLOR_WINDOW);

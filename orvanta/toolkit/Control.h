@@ -90,7 +90,7 @@ public:
 
     Style& getStyle() { return mStyle; }
     const Style& getStyle() const { return mStyle; }
-    void setBorderWidth(int width, int sides);
+    virtual void setBorderWidth(int width, int sides);
     void setBorderColor(COLORREF color, int sides);
 
     void setMinSize(int width, int height);
@@ -104,6 +104,9 @@ public:
     // where they are set, and otherwise never smaller than the minimum size, so that a control that
     // was never given a rectangle is laid out at the size it asks for.
     CRect getLayoutRect() const;
+    // The size the control asks for in a layout: the fixed width and height where set, else its
+    // minimum size.
+    CSize getLayoutSize() const;
     int getWidth() const { return mRect.width(); }
     int getHeight() const { return mRect.height(); }
     CSize getSize() const { return mRect.size(); }
