@@ -13,10 +13,13 @@
 #include <thread>
 
 #include "orvanta/foundation/OrvantaSystem.h"
+#include "orvanta/platform/BackingStore.h"
 #include "orvanta/platform/Display.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/GridContainer.h"
 #include "orvanta/toolkit/Label.h"
+#include "orvanta/toolkit/MessageDialog.h"
 #include "orvanta/toolkit/TextButton.h"
 #include "tests/support/UiHarness.h"
 #include "tests/support/XvfbServer.h"
@@ -138,6 +141,55 @@ TEST_F(XvfbTest, TheLoopAsleepOnTheServerWakesForPostsAndInput) {
     EXPECT_EQ(waitFor({WM_MOUSEMOVE}), UINT(WM_MOUSEMOVE));
     mover.join();
     window->killTimer(kGuard);
+}
+
+// A real modal message box on the X server: what the screen shows of it is its backing store, and
+// its OK button pressed by xdotool ends the modal loop with IDOK.
+struct ModalDriver {
+    static inline XvfbServer* server = nullptr;
+    static inline MessageDialog* box = nullptr;
+    static inline std::thread clicker;
+    static inline int ticks = 0;
+    static inline int differing = -1;
+
+    static void tick(HWND, UINT, UINT_PTR, DWORD) {
+        if (++ticks == 15) {  // shown and presented by now
+            Container* window = box->getContainer();
+            const CRect d = window->getWindowRect();
+            std::vector<std::uint32_t> screen;
+            int width = 0, height = 0;
+            const auto* store = window->getHWND()->getBackingStore();
+            if (store && server->screenshot(screen, width, height)) {
+                differing = 0;
+                for (int y = std::max(d.top, 0); y < std::min(d.bottom, height); ++y) {
+                    const auto* row = reinterpret_cast<const std::uint32_t*>(
+                        store->getPixels() + static_cast<std::ptrdiff_t>(y - d.top) * store->getStride());
+                    for (int x = std::max(d.left, 0); x < std::min(d.right, width); ++x)
+                        differing += screen[y * width + x] != (row[x - d.left] & 0xFFFFFF);
+                }
+            }
+            auto* grid = static_cast<GridContainer*>(window->getChildAt(0));
+            const CRect ok =
+                static_cast<Container*>(grid->getChild(1, 0))->getChildById(IDOK)->getWindowRect();
+            const std::string command = "xdotool mousemove " + std::to_string((ok.left + ok.right) / 2) +
+                                        " " + std::to_string((ok.top + ok.bottom) / 2) + " click 1";
+            clicker = std::thread([command] { server->run(command); });
+        } else if (ticks == 500) {
+            Platform::postQuitMessage(0);  // the click never came: end the loop, fail below
+        }
+    }
+};
+
+TEST_F(XvfbTest, AModalMessageBoxShowsOnTheScreenAndAnswersARealClick) {
+    OwnedPtr<MessageDialog> box =
+        MessageDialog::create(u"Orvanta", u"Copy 12 photographs to the catalogue?", true);
+    ModalDriver::server = server.get();
+    ModalDriver::box = box;
+    const UINT_PTR timer = Platform::setTimer(20, &ModalDriver::tick);
+    EXPECT_EQ(box->showModal(ui->window()), IDOK);
+    Platform::killTimer(timer);
+    if (ModalDriver::clicker.joinable()) ModalDriver::clicker.join();
+    EXPECT_EQ(ModalDriver::differing, 0);
 }
 
 // The X server going away is a clean error: the display reports it lost and closed, windows can no
