@@ -195,7 +195,10 @@ void Control::paintBorders(HDC dc) {
             mStyle.getColor(Style::Bottom));
 }
 
+// A windowless control without a colour of its own lets its container's background, and whatever
+// was drawn before it there, show through.
 void Control::paintBackground(HDC dc) {
+    if (!getHWND() && (mBkColor == kInheritColor || mBkColor == kInheritColor2)) return;
     dc->fillRect(getContentRect(), getBkColor(true));
 }
 

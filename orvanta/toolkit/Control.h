@@ -11,7 +11,8 @@
 //    nearest windowed ancestor (its host), at its rectangle's origin there.
 //  - minSize (1, 1) means the control has no size of its own: its parent gives it the whole space.
 //  - A background colour of -1 or -2 means the parent's colour, and at the root the platform's
-//    window colour.
+//    window colour. A windowless control with such a colour paints no background: its container's
+//    shows through, with whatever the container drew before it (a picture under a caption).
 //  - paint runs paintBorders, paintBackground (the client area less the borders) and paintContent,
 //    inside save and restore of the canvas, with the canvas's origin at the control's top left.
 //  - Changes of visibility (code 1) and of minimum size or margins (code 3) are told to the

@@ -89,6 +89,8 @@ void PackedContainer::layout() {
             own = CRect(own.left, own.bottom - offset, own.left + across, own.bottom);
             break;
     }
+    // The size is also what the container asks for, so that a grid's fitting cell makes room for it.
+    setMinSize(own.size());
     setRect(own);
     setLayoutBusy(false);
 }

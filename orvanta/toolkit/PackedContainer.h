@@ -7,7 +7,8 @@
 // the axis, then moved past the ones before it (their sizes and the margins between them); a child
 // with no size of its own (minimum (1, 1)) fills the content rectangle instead and takes no room.
 // The container then becomes as long as the children along the axis and as thick as the thickest
-// across, keeping its edge on the pack direction's side (its left edge when packing to the left).
+// across, keeping its edge on the pack direction's side (its left edge when packing to the left), and
+// takes that size as its minimum, so that a grid's fitting cell makes room for it.
 
 #include "orvanta/toolkit/Container.h"
 

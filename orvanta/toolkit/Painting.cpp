@@ -192,11 +192,6 @@ void Painting::drawFrameInto(HDC dc, const Bitmaps& source, int frame, const CRe
     }
 }
 
-void Painting::paintBackground(HDC dc) {
-    if (getBkColor(false) != kInheritColor && getBkColor(false) != kInheritColor2)
-        Control::paintBackground(dc);
-}
-
 void Painting::paintContent(HDC dc) {
     if (mFrame < 0 || mFrame >= mFrameCount) return;
     if (mCache) {

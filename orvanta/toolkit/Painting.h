@@ -15,8 +15,7 @@
 //    its own size; the horizontal and vertical modes do the same along one axis and keep the frame's
 //    size across it. Natural modes draw the frame at its own size at the control's origin.
 //  - Pixels of the transparent colour are not drawn (kNoTransparentColor: none is transparent): what
-//    the container painted before shows through. A Painting paints no background of its own unless
-//    it was given a colour.
+//    the container painted before shows through.
 //  - setFrame stores the frame; a frame at or past the frame count draws nothing until the next
 //    change of size or source, which brings it back to 0. With no source the control draws nothing
 //    and reports 0 frames.
@@ -57,7 +56,6 @@ public:
     // The size of one frame of the source; (0, 0) without one.
     CSize getFrameSize() const;
 
-    void paintBackground(HDC dc) override;
     void paintContent(HDC dc) override;
 
 protected:
