@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "orvanta/foundation/Resource.h"
 #include "orvanta/toolkit/BitmapButtonHelper.h"
 #include "orvanta/toolkit/BitmapCheckbox.h"
@@ -55,47 +57,37 @@ TEST_F(BitmapButtonTest, TheLookFollowsThePressThePointerAndTheCapture) {
     StateLog helper(7, Resource(1, &strips), &log, 4, 1, kMask, Painting::ModeStretch);
     BitmapButton* button = place(helper.getBitmapButton());
     const CPoint in(20, 16), out(100, 60);
-    enum Step { Move, Down, Up, Leave, TakeCapture };
+    auto move = [&](CPoint p) { return [&ui = ui, p] { ui->mouseMove(p); }; };
+    auto down = [&ui = ui, in] { ui->mouseDown(in); };
+    auto up = [&](CPoint p) { return [&ui = ui, p] { ui->mouseUp(p); }; };
+    // Another window takes the mouse, then lets go of it.
+    auto takeCapture = [&] {
+        ui->window()->setCapture();
+        ui->runUntilIdle();
+        Platform::Window::releaseCapture();
+    };
     const struct {
-        Step step;
-        CPoint at;
+        std::function<void()> step;
         BitmapButton::State state;
         COLORREF shown;
         std::size_t commands;
     } steps[] = {
-        {Move, in, BitmapButton::StateHot, kHot, 0},
-        {Down, in, BitmapButton::StatePressed, kPressed, 0},
-        {Move, out, BitmapButton::StateNormal, kNormal, 0},  // still held: the capture keeps the mouse
-        {Move, in, BitmapButton::StatePressed, kPressed, 0},
-        {Up, in, BitmapButton::StateHot, kHot, 1},
-        {Leave, in, BitmapButton::StateNormal, kNormal, 1},
-        {Down, in, BitmapButton::StatePressed, kPressed, 1},
-        {Move, out, BitmapButton::StateNormal, kNormal, 1},
-        {Up, out, BitmapButton::StateNormal, kNormal, 1},  // released outside: no command
-        {Down, in, BitmapButton::StatePressed, kPressed, 1},
-        {TakeCapture, in, BitmapButton::StateNormal, kNormal, 1},  // another window took the mouse
-        {Up, in, BitmapButton::StateNormal, kNormal, 1},
+        {move(in), BitmapButton::StateHot, kHot, 0},
+        {down, BitmapButton::StatePressed, kPressed, 0},
+        {move(out), BitmapButton::StateNormal, kNormal, 0},  // still held: the capture keeps the mouse
+        {move(in), BitmapButton::StatePressed, kPressed, 0},
+        {up(in), BitmapButton::StateHot, kHot, 1},
+        {[&] { ui->mouseLeave(); }, BitmapButton::StateNormal, kNormal, 1},
+        {down, BitmapButton::StatePressed, kPressed, 1},
+        {move(out), BitmapButton::StateNormal, kNormal, 1},
+        {up(out), BitmapButton::StateNormal, kNormal, 1},  // released outside: no command
+        {down, BitmapButton::StatePressed, kPressed, 1},
+        {takeCapture, BitmapButton::StateNormal, kNormal, 1},
+        {up(in), BitmapButton::StateNormal, kNormal, 1},
     };
     for (const auto& s : steps) {
-        switch (s.step) {
-            case Move:
-                ui->mouseMove(s.at);
-                break;
-            case Down:
-                ui->mouseDown(s.at);
-                break;
-            case Up:
-                ui->mouseUp(s.at);
-                break;
-            case Leave:
-                ui->mouseLeave();
-                break;
-            case TakeCapture:
-                ui->window()->setCapture();
-                break;
-        }
+        s.step();
         ui->runUntilIdle();
-        if (s.step == TakeCapture) Platform::Window::releaseCapture();
         EXPECT_EQ(button->getState(), s.state) << &s - steps;
         EXPECT_EQ(ui->pixel(20, 16), s.shown) << &s - steps;
         EXPECT_EQ(log.commands.size(), s.commands) << &s - steps;
@@ -116,11 +108,9 @@ TEST_F(BitmapButtonTest, ShortStripsVariantsAutoRepeatACheckboxAndACaption) {
     // Two states of two variants each: hot and disabled fall back to normal; the variant picks the
     // second frame of each state.
     OwnedPtr<BitmapButton> twoStates = BitmapButton::create(1, Resource(1, &strips), nullptr, 4, 2, kMask);
-    EXPECT_EQ(twoStates->frameForState(BitmapButton::StateHot), 0);
-    EXPECT_EQ(twoStates->frameForState(BitmapButton::StatePressed), 2);
     twoStates->setVariant(1);
-    EXPECT_EQ(twoStates->frameForState(BitmapButton::StatePressed), 3);
-    EXPECT_EQ(twoStates->frameForState(BitmapButton::StateDisabled), 1);
+    EXPECT_TRUE(twoStates->frameForState(BitmapButton::StateHot) == 1 &&
+                twoStates->frameForState(BitmapButton::StatePressed) == 3);
 
     // Auto-repeat: a command at the press, one at each tick while the pointer is inside, none at the
     // release.
@@ -153,7 +143,7 @@ TEST_F(BitmapButtonTest, ShortStripsVariantsAutoRepeatACheckboxAndACaption) {
     EXPECT_EQ(log.commands.size(), 2u);
     ui->root()->remove(box);
 
-    // A caption stands on the button and takes none of its clicks.
+    // A caption stands on the button, lets its picture show through and takes none of its clicks.
     StateLog helper(5, Resource(1, &strips), &log, 4, 1, kMask, Painting::ModeStretch);
     Label* caption = Label::create(u"OK");
     caption->setTextColor(RGB(0, 0, 0));
@@ -163,6 +153,7 @@ TEST_F(BitmapButtonTest, ShortStripsVariantsAutoRepeatACheckboxAndACaption) {
     ui->runUntilIdle();
     EXPECT_EQ(log.commands.back().second, 5);
     EXPECT_GT(countColour(ui->pixels(), RGB(0, 0, 0)), 0);
+    EXPECT_GT(countColour(ui->pixels(), kHot), 0);
 }
 
 // A bar 100 long with 16-pixel arrows leaves a track of 68; range 100, page 10: a thumb of 8 that

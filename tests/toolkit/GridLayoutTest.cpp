@@ -89,10 +89,8 @@ TEST(GridLayoutTest, RandomGridsFollowTheRulesBeforeAndAfterAResize) {
         grid->setAlignment(Control::AlignFill, Control::AlignFill);
         grid->setBkColor(RGB(240, 240, 230));
         const CRect borders(rng() % 4, rng() % 4, rng() % 4, rng() % 4);
-        grid->setBorderWidth(borders.left, Style::Left);
-        grid->setBorderWidth(borders.top, Style::Top);
-        grid->setBorderWidth(borders.right, Style::Right);
-        grid->setBorderWidth(borders.bottom, Style::Bottom);
+        const int widths[] = {borders.left, borders.top, borders.right, borders.bottom};
+        for (int side = 0; side < 4; ++side) grid->setBorderWidth(widths[side], 1 << side);
         const CSize gap(rng() % 5, rng() % 5);
         grid->setBorderWidth(gap.cx, Style::HorizontalGap);
         grid->setBorderWidth(gap.cy, Style::VerticalGap);
@@ -111,13 +109,9 @@ TEST(GridLayoutTest, RandomGridsFollowTheRulesBeforeAndAfterAResize) {
         for (int r = 0; r < rows; ++r)
             for (int c = 0; c < cols; ++c) {
                 if (rng() % 10 < 3) continue;
-                Box* box = Box::create(RGB(rng() % 256, rng() % 256, rng() % 256),
-                                       CRect(0, 0, 5 + rng() % 40, 5 + rng() % 30));
+                Box* box = Box::create(RGB(rng() % 256, 90, 90), CRect(0, 0, 5 + rng() % 40, 5 + rng() % 30));
                 const CRect m(rng() % 4, rng() % 4, rng() % 4, rng() % 4);
-                box->setMargin(m.left, Style::Left);
-                box->setMargin(m.top, Style::Top);
-                box->setMargin(m.right, Style::Right);
-                box->setMargin(m.bottom, Style::Bottom);
+                setMargins(box, m);
                 grid->add(box, r, c);
                 children.push_back({box, r, c, m});
             }

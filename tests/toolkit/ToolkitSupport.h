@@ -81,6 +81,11 @@ struct CommandLog : public Orvanta::CommandListener {
     void onCommand(Orvanta::Control* source, int command) override { commands.push_back({source, command}); }
 };
 
+inline void setMargins(Orvanta::Control* control, const Orvanta::CRect& m) {
+    const int sides[] = {m.left, m.top, m.right, m.bottom};
+    for (int i = 0; i < 4; ++i) control->setMargin(sides[i], 1 << i);
+}
+
 // A strip of frames side by side, each a flat colour inside a border of the mask colour `border`
 // pixels wide, as a packed 24-bit DIB with its rows bottom-up.
 inline std::string stripDib(const std::vector<Orvanta::COLORREF>& colours, Orvanta::CSize frame,
