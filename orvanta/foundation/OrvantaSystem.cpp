@@ -151,7 +151,7 @@ bool processMessage(MSG* msg, RoutedContainer* topLevel) {
             const std::vector<PopupWindow*> popups(system->mPopups.begin(), system->mPopups.end());
             for (PopupWindow* popup : popups)
                 if (system->mPopups.count(popup) && popup->isWindow())
-                    popup->sendMessage(kClosePopupMessage, 0, 0);
+                    popup->sendMessage(kClosePopupMessage, msg->message, 0);
         } else if (topLevel) {
             return system->routeWheel(msg, topLevel);
         }

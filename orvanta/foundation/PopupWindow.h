@@ -3,8 +3,9 @@
 //
 // Contract: the pop-up registers itself with OrvantaSystem::registerPopup while it is open and
 // unregisters as it closes. For every mouse message but the wheel, processMessage sends
-// kClosePopupMessage to each registered pop-up whose window still exists; the pop-up decides what
-// closing means, and may unregister during the call.
+// kClosePopupMessage to each registered pop-up whose window still exists, with the mouse message's
+// number as wParam (its position is the message position); the pop-up decides what closing means (a
+// drop-down list closes on a press outside itself), and may unregister during the call.
 
 #include "orvanta/platform/Messages.h"
 

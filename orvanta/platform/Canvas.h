@@ -50,6 +50,8 @@ constexpr UINT DT_WORDBREAK = 0x0010;
 constexpr UINT DT_SINGLELINE = 0x0020;
 constexpr UINT DT_NOCLIP = 0x0100;
 constexpr UINT DT_CALCRECT = 0x0400;
+// '&' in the text is shown as it is, not taken as the mark of a mnemonic (the toolkit's captions).
+constexpr UINT DT_NOPREFIX = 0x0800;
 constexpr UINT DT_END_ELLIPSIS = 0x8000;
 
 }  // namespace Orvanta

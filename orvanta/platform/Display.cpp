@@ -134,6 +134,12 @@ bool Display::showWindow(Window* topLevel, bool visible) {
     return true;
 }
 
+void Display::setTextInputRect(const CRect& rect) {
+    if (!mOpen || !onOwnerThread()) return;
+    SDL_Rect area{rect.left, rect.top, rect.width(), rect.height()};
+    sdl().SetTextInputRect(&area);
+}
+
 void Display::moveWindow(Window* topLevel) {
     auto* native = static_cast<SDL_Window*>(topLevel->getDisplayWindow());
     if (!native) return;

@@ -66,6 +66,9 @@ public:
     // Sends the changed parts of each shown top-level window's backing store to the screen.
     void presentAll();
     const CString& getComposition() const { return mTranslator.getComposition(); }
+    // Where the text being typed is, in the client coordinates of the top-level window that has the
+    // keyboard: an input method puts its list of candidates beside it. Nothing while closed.
+    void setTextInputRect(const CRect& rect);
 
     void collect() override;
     bool nextPaint(MSG* msg) override;

@@ -18,7 +18,7 @@ namespace Orvanta::Platform {
     F(QuitSubSystem)                                                                                       \
     F(VideoInit)                                                                                           \
     F(VideoQuit) F(GetCurrentVideoDriver) F(SetHint) F(RegisterEvents) F(PumpEvents) F(PeepEvents)         \
-        F(WaitEventTimeout) F(PushEvent) F(StartTextInput) F(CreateWindow) F(DestroyWindow) F(ShowWindow)  \
+        F(WaitEventTimeout) F(PushEvent) F(StartTextInput) F(SetTextInputRect) F(CreateWindow) F(DestroyWindow) F(ShowWindow)  \
             F(HideWindow) F(GetWindowID) F(SetWindowTitle) F(GetWindowPosition) F(SetWindowPosition)       \
                 F(GetWindowSize) F(SetWindowSize) F(GetWindowSurface) F(UpdateWindowSurfaceRects)          \
                     F(CaptureMouse) F(GetModState) F(CreateRGBSurfaceWithFormatFrom) F(FreeSurface)        \

@@ -2,6 +2,8 @@
 
 #include <pango/pangocairo.h>
 
+#include <algorithm>
+
 namespace Orvanta::Platform {
 
 namespace {
@@ -37,7 +39,7 @@ PangoContext* TextLayout::threadContext() {
 }
 
 TextLayout::TextLayout(const CString& text, const FontDescription& font)
-    : mLayout(pango_layout_new(threadContext())) {
+    : mLayout(pango_layout_new(threadContext())), mText(text) {
     const std::string utf8 = text.toUtf8();
     pango_layout_set_text(mLayout, utf8.data(), static_cast<int>(utf8.size()));
     pango_layout_set_font_description(mLayout, font.pangoDescription());
@@ -81,6 +83,142 @@ CSize TextLayout::getSize() const {
 
 int TextLayout::getBaseline() const {
     return PANGO_PIXELS(pango_layout_get_baseline(mLayout));
+}
+
+void TextLayout::setSingleParagraph() {
+    pango_layout_set_single_paragraph_mode(mLayout, TRUE);
+}
+
+void TextLayout::underline(int from, int to) {
+    if (from >= to) return;
+    PangoAttrList* old = pango_layout_get_attributes(mLayout);
+    PangoAttrList* attributes = old ? pango_attr_list_copy(old) : pango_attr_list_new();
+    PangoAttribute* line = pango_attr_underline_new(PANGO_UNDERLINE_SINGLE);
+    line->start_index = static_cast<guint>(byteOf(from));
+    line->end_index = static_cast<guint>(byteOf(to));
+    pango_attr_list_insert(attributes, line);
+    pango_layout_set_attributes(mLayout, attributes);
+    pango_attr_list_unref(attributes);
+}
+
+bool TextLayout::isRightToLeft() const {
+    PangoLayoutLine* line = pango_layout_get_line_readonly(mLayout, 0);
+    return line && line->resolved_dir == PANGO_DIRECTION_RTL;
+}
+
+// The byte offsets follow CString::toUtf8, which the layout's text was made with: a surrogate pair is
+// four bytes, a surrogate without its partner becomes U+FFFD.
+void TextLayout::buildIndex() const {
+    if (!mUnitOfChar.empty()) return;
+    const std::u16string& t = mText.str();
+    const int n = static_cast<int>(t.size());
+    int byte = 0;
+    for (int i = 0; i < n;) {
+        mUnitOfChar.push_back(i);
+        mByteOfChar.push_back(byte);
+        const char16_t c = t[i];
+        if (c >= 0xD800 && c < 0xDC00 && i + 1 < n && t[i + 1] >= 0xDC00 && t[i + 1] < 0xE000) {
+            i += 2;
+            byte += 4;
+            continue;
+        }
+        const bool lone = c >= 0xD800 && c < 0xE000;
+        byte += c < 0x80 ? 1 : (c < 0x800 && !lone ? 2 : 3);
+        ++i;
+    }
+    mUnitOfChar.push_back(n);
+    mByteOfChar.push_back(byte);
+}
+
+int TextLayout::charOf(int position) const {
+    buildIndex();
+    position = std::clamp(position, 0, getLength());
+    return static_cast<int>(std::upper_bound(mUnitOfChar.begin(), mUnitOfChar.end(), position) -
+                            mUnitOfChar.begin()) -
+           1;
+}
+
+int TextLayout::byteOf(int position) const {
+    return mByteOfChar[charOf(position)];
+}
+
+int TextLayout::positionOfByte(int byte, int trailing) const {
+    buildIndex();
+    int c = static_cast<int>(std::upper_bound(mByteOfChar.begin(), mByteOfChar.end(), byte) -
+                             mByteOfChar.begin()) -
+            1;
+    c = std::clamp(c + trailing, 0, static_cast<int>(mUnitOfChar.size()) - 1);
+    return mUnitOfChar[c];
+}
+
+CRect TextLayout::getCaretRect(int position) const {
+    PangoRectangle strong;
+    pango_layout_get_cursor_pos(mLayout, byteOf(position), &strong, nullptr);
+    const int x = PANGO_PIXELS(strong.x);
+    const int y = PANGO_PIXELS(strong.y);
+    return CRect(x, y, x + 1, y + PANGO_PIXELS(strong.height));
+}
+
+int TextLayout::positionAt(CPoint point) const {
+    int index = 0;
+    int trailing = 0;
+    pango_layout_xy_to_index(mLayout, point.x * PANGO_SCALE, point.y * PANGO_SCALE, &index, &trailing);
+    return positionOfByte(index, trailing);
+}
+
+int TextLayout::moveVisually(int position, int direction) const {
+    int index = 0;
+    int trailing = 0;
+    pango_layout_move_cursor_visually(mLayout, TRUE, byteOf(position), 0, direction < 0 ? -1 : 1, &index,
+                                      &trailing);
+    if (index < 0 || index == G_MAXINT) return position;
+    return positionOfByte(index, trailing);
+}
+
+int TextLayout::nextCursorPosition(int position, bool forward) const {
+    int count = 0;
+    const PangoLogAttr* attrs = pango_layout_get_log_attrs_readonly(mLayout, &count);
+    int c = charOf(position);
+    const int last = static_cast<int>(mUnitOfChar.size()) - 1;
+    do {
+        c += forward ? 1 : -1;
+    } while (c > 0 && c < last && c < count && !attrs[c].is_cursor_position);
+    return mUnitOfChar[std::clamp(c, 0, last)];
+}
+
+int TextLayout::nextWordStart(int position, bool forward) const {
+    int count = 0;
+    const PangoLogAttr* attrs = pango_layout_get_log_attrs_readonly(mLayout, &count);
+    int c = charOf(position);
+    const int last = static_cast<int>(mUnitOfChar.size()) - 1;
+    do {
+        c += forward ? 1 : -1;
+    } while (c > 0 && c < last && c < count && !attrs[c].is_word_start);
+    return mUnitOfChar[std::clamp(c, 0, last)];
+}
+
+int TextLayout::backspaceStart(int position) const {
+    int count = 0;
+    const PangoLogAttr* attrs = pango_layout_get_log_attrs_readonly(mLayout, &count);
+    const int c = charOf(position);
+    if (c == 0) return 0;
+    if (c < count && attrs[c].backspace_deletes_character) return mUnitOfChar[c - 1];
+    return nextCursorPosition(position, false);
+}
+
+std::vector<std::pair<int, int>> TextLayout::rangeExtents(int from, int to) const {
+    std::vector<std::pair<int, int>> pieces;
+    if (from > to) std::swap(from, to);
+    PangoLayoutLine* line = pango_layout_get_line_readonly(mLayout, 0);
+    if (!line || from == to) return pieces;
+    int* ranges = nullptr;
+    int count = 0;
+    pango_layout_line_get_x_ranges(line, byteOf(from), byteOf(to), &ranges, &count);
+    for (int i = 0; i < count; ++i)
+        pieces.emplace_back(PANGO_PIXELS(ranges[2 * i]), PANGO_PIXELS(ranges[2 * i + 1]));
+    g_free(ranges);
+    std::sort(pieces.begin(), pieces.end());
+    return pieces;
 }
 
 }  // namespace Orvanta::Platform

@@ -100,15 +100,33 @@ Control* Container::getChildById(int id) const {
 Control* Container::childForPoint(int x, int y) const {
     for (auto it = mChildren.rbegin(); it != mChildren.rend(); ++it) {
         Control* child = it->get();
-        if (!child->getHWND() && !child->isHidden() && child->getRect().contains(CPoint(x, y))) return child;
+        if (!child->getHWND() && !child->isHidden() && child->isEnabled() &&
+            child->getRect().contains(CPoint(x, y)))
+            return child;
     }
     return nullptr;
 }
 
+bool Container::canTakeFocus(const Control* stop) {
+    return stop->getHWND() && !stop->isHidden() && stop->isEnabled();
+}
+
+void Container::collectTabStops(std::vector<WindowedControl*>& stops) const {
+    for (Control* stop : mTabStops) {
+        if (!canTakeFocus(stop)) continue;
+        const std::size_t before = stops.size();
+        if (auto* container = dynamic_cast<Container*>(stop)) container->collectTabStops(stops);
+        if (stops.size() == before) stops.push_back(static_cast<WindowedControl*>(stop));
+    }
+}
+
+// Tab walks the window's whole tree of tab stops, not only this container's, so that the focus leaves
+// a nested grid for the controls after it.
 bool Container::moveFocus(bool forward) {
-    std::vector<Control*> stops;
-    for (Control* stop : mTabStops)
-        if (stop->getHWND() && !stop->isHidden() && stop->getHWND()->isEnabled()) stops.push_back(stop);
+    const Container* scope = this;
+    while (auto* parent = dynamic_cast<const Container*>(scope->getParent())) scope = parent;
+    std::vector<WindowedControl*> stops;
+    scope->collectTabStops(stops);
     if (stops.empty()) return false;
     const int count = static_cast<int>(stops.size());
     HWND focus = Platform::Window::getFocus();
@@ -116,10 +134,7 @@ bool Container::moveFocus(bool forward) {
     for (int i = 0; i < count; ++i)
         if (focus && stops[i]->getHWND()->contains(focus)) current = i;
     const int next = current < 0 ? (forward ? 0 : count - 1) : (current + (forward ? 1 : count - 1)) % count;
-    Control* target = stops[next];
-    if (auto* container = dynamic_cast<Container*>(target))
-        if (forward ? container->focusFirst() : container->focusLast()) return true;
-    static_cast<WindowedControl*>(target)->setFocus();
+    stops[next]->setFocus();
     return true;
 }
 
@@ -132,26 +147,19 @@ void Container::focusPrevious() {
 }
 
 bool Container::focusFirst() {
-    for (Control* stop : mTabStops) {
-        if (!stop->getHWND() || stop->isHidden()) continue;
-        if (auto* container = dynamic_cast<Container*>(stop); container && container->focusFirst())
-            return true;
-        static_cast<WindowedControl*>(stop)->setFocus();
-        return true;
-    }
-    return false;
+    std::vector<WindowedControl*> stops;
+    collectTabStops(stops);
+    if (stops.empty()) return false;
+    stops.front()->setFocus();
+    return true;
 }
 
 bool Container::focusLast() {
-    for (auto it = mTabStops.rbegin(); it != mTabStops.rend(); ++it) {
-        Control* stop = *it;
-        if (!stop->getHWND() || stop->isHidden()) continue;
-        if (auto* container = dynamic_cast<Container*>(stop); container && container->focusLast())
-            return true;
-        static_cast<WindowedControl*>(stop)->setFocus();
-        return true;
-    }
-    return false;
+    std::vector<WindowedControl*> stops;
+    collectTabStops(stops);
+    if (stops.empty()) return false;
+    stops.back()->setFocus();
+    return true;
 }
 
 CRect Container::placement(const Control* child, const CRect& bounds, bool clampX, bool clampY) {

@@ -20,8 +20,9 @@
 //  - When the pointer rests on a windowless child with tooltip text (or on the container, with its
 //    own), the tooltip window shows that text by the pointer; moving to another child, pressing a
 //    button or leaving takes it away.
-//  - Tab moves the focus along tabStops (windowed, shown children); into a container, it goes to
-//    the container's first (or last) tab stop.
+//  - Tab moves the focus along the tab stops (windowed, shown, enabled children) of the whole tree
+//    of containers the container stands in: a tab stop that is a container with tab stops of its own
+//    stands for them, in their order, so the focus goes into a nested container and out of it again.
 
 #include <memory>
 #include <vector>
@@ -92,6 +93,9 @@ protected:
 
 private:
     bool isChild(const Control* control) const;
+    static bool canTakeFocus(const Control* stop);
+    // The controls Tab reaches inside this container, in order.
+    void collectTabStops(std::vector<WindowedControl*>& stops) const;
     bool moveFocus(bool forward);
     void forwardMouse(Control* child, UINT message, WPARAM wParam, CPoint point);
     void setHoverChild(Control* child);

@@ -9,6 +9,7 @@
 #include "orvanta/platform/Window.h"
 #include "orvanta/toolkit/CommandListener.h"
 #include "orvanta/toolkit/Font.h"
+#include "orvanta/toolkit/Mnemonic.h"
 
 namespace Orvanta {
 
@@ -147,6 +148,19 @@ COLORREF Control::getBkColor(bool inherit) const {
 void Control::setBkColor(COLORREF color) {
     mBkColor = color;
     invalidate(true, nullptr, true);
+}
+
+void Control::setEnabled(bool enabled) {
+    if (mEnabled == enabled) return;
+    mEnabled = enabled;
+    invalidate(true, nullptr, true);
+}
+
+bool Control::preTranslateMessage(MSG* msg) {
+    if (msg->message != WM_SYSKEYDOWN) return false;
+    const auto key = static_cast<char16_t>(msg->wParam);
+    if (!((key >= u'A' && key <= u'Z') || (key >= u'0' && key <= u'9'))) return false;
+    return Mnemonic::dispatch(this, key);
 }
 
 void Control::setCursorId(int id) {

@@ -19,6 +19,11 @@
 //    listeners' onNotification; what the user does is told to their onCommand.
 //  - handleMessage is the message map, the same for windowless controls (called by their container
 //    with positions in their own coordinates) and windowed ones (called by their window).
+//  - A disabled control takes no input (its container passes it no mouse, Tab passes it by) and
+//    draws itself greyed.
+//  - Alt with a letter or digit, pressed while a control of the window has the focus, goes to the
+//    first control after it in the window's tree (in add order, depth first, wrapping round) whose
+//    onMnemonic takes it: a control whose text marks that letter with '&' ("&Print").
 
 #include <vector>
 
@@ -121,6 +126,9 @@ public:
     CSize getAlignment() const { return mAlignment; }
     void setAlignment(int horizontal, int vertical) { mAlignment = CSize(horizontal, vertical); }
 
+    virtual bool isEnabled() const { return mEnabled; }
+    virtual void setEnabled(bool enabled);
+
     virtual bool isTabStop() const { return mTabStop; }
     void setTabStop(bool tabStop) { mTabStop = tabStop; }
     int getId() const { return mId; }
@@ -148,6 +156,10 @@ public:
     const CString& getTooltip() const { return mTooltip; }
     void setTooltip(const CString& text) { mTooltip = text; }
 
+    // Alt and `key` (an upper-case letter or a digit) were pressed: true when this control takes it
+    // and has acted (a button pressed, the focus moved to what a label names).
+    virtual bool onMnemonic(char16_t key) { return false; }
+
     // The message map; *handled tells whether the control took the message.
     virtual LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam, bool* handled);
 
@@ -165,7 +177,8 @@ public:
     RoutedContainer* getRoutingParent() override;
     bool takesWheelMessages() override { return false; }
     void onWheelMessage(const MSG& msg) override {}
-    bool preTranslateMessage(MSG* msg) override { return false; }
+    // The mnemonic keys (Alt with a letter or digit) of the control's window.
+    bool preTranslateMessage(MSG* msg) override;
 
 protected:
     Control();
@@ -198,6 +211,7 @@ private:
     int mFixedWidth = 0;
     int mFixedHeight = 0;
     bool mTabStop = false;
+    bool mEnabled = true;
     int mId = 0;
     CString mTooltip;
     std::vector<CommandListener*> mListeners;

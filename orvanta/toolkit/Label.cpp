@@ -1,7 +1,9 @@
 #include "orvanta/toolkit/Label.h"
 
 #include "orvanta/platform/SystemColors.h"
+#include "orvanta/toolkit/Container.h"
 #include "orvanta/toolkit/Font.h"
+#include "orvanta/toolkit/Mnemonic.h"
 
 namespace Orvanta {
 
@@ -39,7 +41,13 @@ void Label::setTextColor(COLORREF color) {
 }
 
 COLORREF Label::getTextColor() const {
+    if (!isEnabled()) return Platform::getSysColor(COLOR_GRAYTEXT);
     return mTextColor == kInheritColor ? Platform::getSysColor(COLOR_WINDOWTEXT) : mTextColor;
+}
+
+CString Label::shownText(int* marked) const {
+    *marked = -1;
+    return (mFormat & DT_NOPREFIX) ? mText : Mnemonic::strip(mText, marked);
 }
 
 void Label::setFormat(UINT format) {
@@ -51,7 +59,8 @@ void Label::setFormat(UINT format) {
 // The minimum size is the text on one line (or as wrapped at the fixed width) plus the borders.
 void Label::refit() {
     mLayout.reset();
-    Platform::TextLayout natural(mText, getFont()->getDescription());
+    int marked = -1;
+    Platform::TextLayout natural(shownText(&marked), getFont()->getDescription());
     const CRect borders = getStyle().getBorders();
     const int wrapWidth = getFixedWidth() - borders.left - borders.right;
     if ((mFormat & DT_WORDBREAK) && !(mFormat & DT_SINGLELINE) && getFixedWidth() > 0 && wrapWidth > 0)
@@ -64,7 +73,9 @@ const Platform::TextLayout& Label::layoutFor(int width) {
     const bool limited = (mFormat & (DT_WORDBREAK | DT_END_ELLIPSIS)) != 0;
     const int wanted = limited ? width : -1;
     if (!mLayout || wanted != mLayoutWidth) {
-        mLayout = std::make_unique<Platform::TextLayout>(mText, getFont()->getDescription());
+        int marked = -1;
+        mLayout = std::make_unique<Platform::TextLayout>(shownText(&marked), getFont()->getDescription());
+        if (marked >= 0) mLayout->underline(marked, mLayout->nextCursorPosition(marked, true));
         if (limited)
             mLayout->setWidth(width, (mFormat & DT_WORDBREAK) && !(mFormat & DT_SINGLELINE)
                                          ? Platform::TextLayout::Overflow::Wrap
@@ -91,6 +102,25 @@ void Label::paintContent(HDC dc) {
     dc->intersectClipRect(content);
     dc->setTextColor(getTextColor());
     dc->drawLayout(layout, CPoint(x, y));
+}
+
+bool Label::onMnemonic(char16_t key) {
+    if ((mFormat & DT_NOPREFIX) || !Mnemonic::matches(mText, key)) return false;
+    auto* parent = dynamic_cast<Container*>(getParent());
+    if (!parent) return false;
+    bool after = false;
+    for (int i = 0; i < parent->getChildCount(); ++i) {
+        Control* sibling = parent->getChildAt(i);
+        if (sibling == this) {
+            after = true;
+            continue;
+        }
+        if (!after || !sibling->getHWND() || sibling->isHidden() || !sibling->isEnabled()) continue;
+        auto* container = dynamic_cast<Container*>(sibling);
+        if (!container || !container->focusFirst()) static_cast<WindowedControl*>(sibling)->setFocus();
+        return true;
+    }
+    return false;
 }
 
 }  // namespace Orvanta

@@ -7,6 +7,10 @@
 // room for it; a word-wrapping label with a fixed width measures its text wrapped at that width. A
 // change of text, font, format or fixed width changes it (code 3 to the listeners). The text is shaped
 // once per change, not at every paint. A text colour of kInheritColor is the platform's window text.
+// A '&' in the text marks the mnemonic letter, shown underlined ("&&" is a '&'), unless the format
+// has DT_NOPREFIX, which labels showing the user's own text (file names) take; Alt and that letter
+// give the focus to the control the label names: the next one after it in its container that can
+// take the focus. A disabled label is grey.
 
 #include <memory>
 
@@ -30,12 +34,15 @@ public:
     UINT getFormat() const { return mFormat; }
 
     void paintContent(HDC dc) override;
+    bool onMnemonic(char16_t key) override;
 
 protected:
     Label(const CString& text, UINT format);
 
 private:
     void refit();
+    // The text as shown, with the mnemonic letter's index there (or -1).
+    CString shownText(int* marked) const;
     const Platform::TextLayout& layoutFor(int width);
 
     UINT mFormat;

@@ -32,7 +32,7 @@ void MessageDialog::populateDialog() {
     grid->setMargin(kMargin, Style::kBorders);
     grid->setAlignment(Control::AlignFill, Control::AlignFill);
     grid->setBorderWidth(kMargin, Style::VerticalGap);
-    Label* label = Label::create(mText, DT_LEFT | DT_WORDBREAK);
+    Label* label = Label::create(mText, DT_LEFT | DT_WORDBREAK | DT_NOPREFIX);
     label->setFixedWidth(kTextWidth);
     label->setAlignment(Control::AlignCenter, Control::AlignCenter);
     grid->add(label, 0, 0);

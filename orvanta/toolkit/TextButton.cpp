@@ -6,15 +6,10 @@
 #include "orvanta/platform/TextLayout.h"
 #include "orvanta/toolkit/CommandListener.h"
 #include "orvanta/toolkit/Font.h"
+#include "orvanta/toolkit/Mnemonic.h"
+#include "orvanta/toolkit/WidgetLook.h"
 
 namespace Orvanta {
-
-namespace {
-
-// A shade lighter than the button face, for a button under the pointer.
-constexpr COLORREF kHotFace = RGB(228, 226, 220);
-
-}  // namespace
 
 TextButton::TextButton(int id, const CString& text) {
     setId(id);
@@ -36,7 +31,7 @@ void TextButton::setText(const CString& text) {
 }
 
 void TextButton::refit() {
-    const CSize text = Platform::TextLayout(mText, getFont()->getDescription()).getSize();
+    const CSize text = WidgetLook::measureCaption(mText, getFont()->getDescription());
     setMinSize(text.cx + 2 * kPaddingX, text.cy + 2 * kPaddingY);
 }
 
@@ -101,27 +96,26 @@ void TextButton::onFocus(bool) {
 }
 
 void TextButton::paintBackground(HDC dc) {
-    const CRect client = getClientRect();
-    COLORREF face = Platform::getSysColor(COLOR_BTNFACE);
-    if (isPressed())
-        face = Platform::getSysColor(COLOR_BTNSHADOW);
-    else if (mHot)
-        face = kHotFace;
-    dc->fillRect(client, face);
-    dc->frameRect(client, Platform::getSysColor(isPressed() ? COLOR_3DDKSHADOW : COLOR_BTNSHADOW));
+    WidgetLook::drawButtonFace(dc, getClientRect(), isPressed(), mHot && isEnabled());
 }
 
 void TextButton::paintContent(HDC dc) {
     CRect text = getClientRect();
     if (isPressed()) text = CRect(text.left + 1, text.top + 1, text.right + 1, text.bottom + 1);
-    dc->setTextColor(Platform::getSysColor(COLOR_BTNTEXT));
-    dc->drawText(mText, &text, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+    WidgetLook::drawCaption(dc, mText, text, DT_CENTER | DT_VCENTER,
+                            WidgetLook::textColor(isEnabled(), COLOR_BTNTEXT));
     if (hasFocus()) {
         const CRect client = getClientRect();
-        dc->setPen(Platform::getSysColor(COLOR_BTNTEXT), 1, Platform::Canvas::PenStyle::Dot);
-        dc->setNullBrush();
-        dc->rectangle(CRect(client.left + 3, client.top + 3, client.right - 3, client.bottom - 3));
+        WidgetLook::drawFocusRect(
+            dc, CRect(client.left + 3, client.top + 3, client.right - 3, client.bottom - 3));
     }
+}
+
+bool TextButton::onMnemonic(char16_t key) {
+    if (!Mnemonic::matches(mText, key)) return false;
+    setFocus();
+    click();
+    return true;
 }
 
 }  // namespace Orvanta

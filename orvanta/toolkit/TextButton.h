@@ -6,6 +6,8 @@
 // button is held down over it the button has the mouse (capture), looks pressed while the pointer is
 // over it, and fires only if released there. It looks hot while the pointer is over it, and learns
 // that the pointer left through mouse-leave tracking. Its minimum size fits its text with padding.
+// A '&' in the text marks its mnemonic (underlined): Alt and that letter press the button. A disabled
+// button is greyed and takes neither the mouse nor the focus.
 
 #include "orvanta/toolkit/WindowedControl.h"
 
@@ -19,10 +21,11 @@ public:
     bool isPressed() const { return mPressed && mPointerInside; }
     bool isHot() const { return mHot; }
     // Fires the button's command, as a click does.
-    void click();
+    virtual void click();
 
     void paintBackground(HDC dc) override;
     void paintContent(HDC dc) override;
+    bool onMnemonic(char16_t key) override;
 
     static constexpr int kPaddingX = 12;
     static constexpr int kPaddingY = 5;
@@ -35,9 +38,10 @@ protected:
     bool onKeyDown(int virtualKey, LPARAM lParam) override;
     void onFocus(bool gained) override;
 
-private:
-    void refit();
+    // Sets the minimum size from the text; a derived button with another look fits its own way.
+    virtual void refit();
 
+private:
     bool mHot = false;
     bool mPressed = false;
     bool mPointerInside = false;

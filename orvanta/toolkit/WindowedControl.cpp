@@ -1,5 +1,6 @@
 #include "orvanta/toolkit/WindowedControl.h"
 
+#include "orvanta/foundation/RoutedContainer.h"
 #include "orvanta/platform/Canvas.h"
 #include "orvanta/toolkit/CommandListener.h"
 
@@ -68,6 +69,22 @@ void WindowedControl::setParent(Control* parent) {
     if (!mWindow || !mOwnsWindow) return;
     HWND host = parent ? parent->getHostWindow() : nullptr;
     mWindow->setParent(host ? host : Platform::Window::parkingWindow());
+}
+
+bool WindowedControl::isEnabled() const {
+    return mWindow ? mWindow->isEnabled() : Control::isEnabled();
+}
+
+void WindowedControl::setEnabled(bool enabled) {
+    if (isEnabled() == enabled) return;
+    Control::setEnabled(enabled);
+    if (!mWindow) return;
+    mWindow->setStyle(enabled ? mWindow->getStyle() & ~WS_DISABLED : mWindow->getStyle() | WS_DISABLED);
+    if (!enabled && hasFocus()) {
+        if (auto* parent = dynamic_cast<RoutedContainer*>(getParent())) parent->focusNext();
+        if (hasFocus()) Platform::Window::clearFocus();
+    }
+    invalidate(true, nullptr, true);
 }
 
 void WindowedControl::setId(int id) {

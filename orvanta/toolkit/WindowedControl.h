@@ -8,6 +8,8 @@
 // the control stays usable. The control is its window's handler: WM_PAINT paints it, WM_SETFOCUS
 // and WM_KILLFOCUS keep the process-wide focused control, the rest goes to the message map. A control
 // wrapping a window it did not make (Container::create(HWND)) leaves that window alive at the end.
+// Disabling the control disables its window (WS_DISABLED), which then takes no mouse input; if it
+// had the focus, the focus moves on along the Tab order.
 
 #include "orvanta/platform/Window.h"
 #include "orvanta/toolkit/Control.h"
@@ -31,6 +33,8 @@ public:
     void invalidate(bool erase = true, const CRect* rect = nullptr, bool children = false) override;
     void validate(const CRect* rect = nullptr) override;
     void setParent(Control* parent) override;
+    bool isEnabled() const override;
+    void setEnabled(bool enabled) override;
     void setText(const CString& text) override;
     // The window carries the identifier too, so that a dialog finds its items by it.
     void setId(int id) override;

@@ -111,12 +111,14 @@ void UiHarness::pushKey(int sdlKey, bool down, int modifiers) {
     SDL_PushEvent(&event);
 }
 
-void UiHarness::pressKey(int sdlKey, bool shift, bool control) {
-    const int mods = (shift ? KMOD_LSHIFT : 0) | (control ? KMOD_LCTRL : 0);
+void UiHarness::pressKey(int sdlKey, bool shift, bool control, bool alt) {
+    const int mods = (shift ? KMOD_LSHIFT : 0) | (control ? KMOD_LCTRL : 0) | (alt ? KMOD_LALT : 0);
     if (shift) pushKey(SDLK_LSHIFT, true, mods);
     if (control) pushKey(SDLK_LCTRL, true, mods);
+    if (alt) pushKey(SDLK_LALT, true, mods);
     pushKey(sdlKey, true, mods);
     pushKey(sdlKey, false, mods);
+    if (alt) pushKey(SDLK_LALT, false, 0);
     if (control) pushKey(SDLK_LCTRL, false, 0);
     if (shift) pushKey(SDLK_LSHIFT, false, 0);
 }

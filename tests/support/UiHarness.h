@@ -44,8 +44,8 @@ public:
     void mouseLeave();
     // The wheel turned by notches (positive: away from the user) where the pointer last was.
     void wheel(int notches);
-    // An SDL key code pressed and released; with shift or control held when asked.
-    void pressKey(int sdlKey, bool shift = false, bool control = false);
+    // An SDL key code pressed and released; with shift, control or alt held when asked.
+    void pressKey(int sdlKey, bool shift = false, bool control = false, bool alt = false);
     void typeText(const char* utf8);
     // An input method's text being composed, not yet typed, with the cursor at `cursor`.
     void compose(const char* utf8, int cursor);

@@ -108,7 +108,7 @@ int main(int argc, char** argv) {
     Label* caption = Label::create(
         photo ? CString::fromUtf8(std::strrchr(photo, '/') ? std::strrchr(photo, '/') + 1 : photo)
               : CString(u"(no photograph given)"),
-        DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS);
+        DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
     caption->setRect(CRect(10, 264, 370, 290));
     panel->add(caption);
 
