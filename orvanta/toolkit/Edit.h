@@ -6,8 +6,9 @@
 // Contract:
 //  - Positions are UTF-16 indices into the text. The caret and both ends of the selection stand only
 //    where Pango allows a caret (between grapheme clusters), so a letter with its combining marks, or
-//    a character outside the basic plane, is passed over and deleted whole; Backspace after a letter
-//    written as base and accent removes the accent alone, as the platform does.
+//    a character outside the basic plane, is passed over and deleted whole; Backspace does the same
+//    after a Latin, Greek or Cyrillic letter, and in other scripts (a Hebrew letter with its vowel
+//    points) removes the last mark alone, as Pango advises.
 //  - Keys: Left and Right move one grapheme on the screen (in right-to-left text Left goes forward),
 //    with Control a word (to the previous or next word start, in the text's order), Home and End to
 //    the ends; with Shift each extends the selection. A selection collapses to its start (Left) or end
