@@ -3,6 +3,7 @@
 #include <unicode/ucol.h>
 #include <unicode/uloc.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -42,6 +43,31 @@ int compareUnits(const char16_t* a, const char16_t* b) {
 }
 
 }  // namespace
+
+std::string textSortKey(const char16_t* text) {
+    if (!text) text = u"";
+    UCollator* collator = threadCollator();
+    if (!collator) {
+        // Code units, high byte first, so that bytes order as the units do.
+        std::string key;
+        for (const char16_t* c = text; *c; ++c) {
+            key += static_cast<char>(*c >> 8);
+            key += static_cast<char>(*c & 0xFF);
+        }
+        return key;
+    }
+    const auto* units = reinterpret_cast<const UChar*>(text);
+    std::string key(64, '\0');
+    int32_t length = ucol_getSortKey(collator, units, -1, reinterpret_cast<uint8_t*>(key.data()),
+                                     static_cast<int32_t>(key.size()));
+    if (length > static_cast<int32_t>(key.size())) {
+        key.resize(static_cast<std::size_t>(length));
+        length = ucol_getSortKey(collator, units, -1, reinterpret_cast<uint8_t*>(key.data()), length);
+    }
+    // The key ends with a zero byte, which adds nothing to the order.
+    key.resize(static_cast<std::size_t>(std::max(length - 1, 0)));
+    return key;
+}
 
 int compareText(const char16_t* a, const char16_t* b) {
     if (!a) a = u"";

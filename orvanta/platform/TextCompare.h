@@ -6,9 +6,15 @@
 // case. Negative, zero or positive like strcmp. A null pointer counts as the empty text. Safe to call
 // from any thread. Property names and string values of the record store compare with this.
 
+#include <string>
+
 namespace Orvanta::Platform {
 
 int compareText(const char16_t* a, const char16_t* b);
+// The text's key in that order: two keys compare as bytes (memcmp, then length) as compareText
+// compares their texts, so that sorting many texts makes one key each rather than a comparison's work
+// at every step. Same thread rule as compareText.
+std::string textSortKey(const char16_t* text);
 
 // An ordering for containers keyed by text in this order.
 struct TextOrder {

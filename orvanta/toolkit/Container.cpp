@@ -345,8 +345,11 @@ LRESULT Container::handleMessage(UINT message, WPARAM wParam, LPARAM lParam, boo
             if (handled) *handled = true;
             return 0;
         }
+        // A pop-up is never active: a press in it leaves the focus where it is.
         if (message == WM_LBUTTONDOWN)
-            if (HWND active = Platform::Window::getActiveWindow()) active->setFocus();
+            if (HWND active = Platform::Window::getActiveWindow();
+                active && mWindow && active->contains(mWindow))
+                active->setFocus();
     } else if (message == WM_MOUSELEAVE) {
         setHoverChild(nullptr);
         hideTooltip();

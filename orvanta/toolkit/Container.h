@@ -14,9 +14,9 @@
 //  - Mouse messages go to the windowless child under the point (childForPoint), in its coordinates.
 //    The child that takes a button press keeps the mouse until the last button is released (the
 //    container holds the capture meanwhile); a child the pointer leaves gets WM_MOUSELEAVE. A left
-//    press where no child is gives the focus to the active window. A child's commands 1 and 5 reach
-//    the container's listeners as commands 1 and 2 with that child as source; other commands pass
-//    through unchanged.
+//    press where no child is gives the focus to the active window, if the container is in it. A child's
+//    commands 1 and 5 reach the container's listeners as commands 1 and 2 with that child as source; other
+//    commands pass through unchanged.
 //  - When the pointer rests on a windowless child with tooltip text (or on the container, with its
 //    own), the tooltip window shows that text by the pointer; moving to another child, pressing a
 //    button or leaving takes it away.
