@@ -98,4 +98,8 @@ echo "== A wizard of three pages of skinned controls, shown through the forced-m
 "$(dirname "$orvanta")/orvanta-window-demo" --wizard "$out"
 
 echo
+echo "== A dialog holding one of each standard widget, drawn by the toolkit, with its calendar and drop-down list open"
+"$(dirname "$orvanta")/orvanta-window-demo" --widgets "$out"
+
+echo
 echo "Pictures written to $out/"

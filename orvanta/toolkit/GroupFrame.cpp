@@ -32,6 +32,16 @@ CSize GroupFrame::getContentSize() const {
                  inner.cy + client.height() - content.height());
 }
 
+void GroupFrame::add(Control* child, bool tabStop) {
+    FrameContainer::add(child, tabStop);
+    setMinSize(getContentSize());
+}
+
+void GroupFrame::layout() {
+    FrameContainer::layout();
+    setMinSize(getContentSize());
+}
+
 void GroupFrame::setEnabled(bool enabled) {
     FrameContainer::setEnabled(enabled);
     for (int i = 0; i < getChildCount(); ++i) getChildAt(i)->setEnabled(enabled);

@@ -4,9 +4,10 @@
 // the line before the children start.
 //
 // Contract: a FrameContainer with the group box's look: its children are laid out inside the frame,
-// kPadding pixels in from the line. The caption takes a mnemonic ('&'): Alt and that letter give the
-// focus to the group's first control. A disabled group greys its caption and disables the controls
-// in it; enabling it again enables them.
+// kPadding pixels in from the line, and its minimum size is what they, the caption and the padding
+// need (getContentSize), so that a fit row or column of a grid makes room for the group. The caption takes a
+// mnemonic ('&'): Alt and that letter give the focus to the group's first control. A disabled group greys its
+// caption and disables the controls in it; enabling it again enables them.
 
 #include "orvanta/toolkit/FrameContainer.h"
 
@@ -18,6 +19,8 @@ public:
 
     CRect getContentRect() const override;
     CSize getContentSize() const override;
+    void layout() override;
+    void add(Control* child, bool tabStop = false) override;
     void setEnabled(bool enabled) override;
 
     static constexpr int kPadding = 8;

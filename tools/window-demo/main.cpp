@@ -1,10 +1,12 @@
 // orvanta-window-demo: a small window of the toolkit's controls, drawn on SDL's offscreen display
 // (or a real one when asked), with a photograph drawn through the canvas and a button with the
 // keyboard focus; its pixels are written to a PNG. With --wizard, a wizard of three pages of skinned
-// controls is driven without a person instead, and each page is written to a PNG in DIR.
+// controls is driven without a person instead, and each page is written to a PNG in DIR; with
+// --widgets, a dialog holding one of each standard widget, and its open pop-ups.
 //
 // Usage: orvanta-window-demo OUTPUT.png [PHOTO] [--show SECONDS]
 //        orvanta-window-demo --wizard DIR
+//        orvanta-window-demo --widgets DIR
 // With --show the window also stays on the screen for that long (needs a display server).
 
 #include <chrono>
@@ -27,6 +29,7 @@
 #include "orvanta/toolkit/Label.h"
 #include "orvanta/toolkit/TextButton.h"
 #include "tools/window-demo/DemoSupport.h"
+#include "tools/window-demo/WidgetsDemo.h"
 #include "tools/window-demo/WizardDemo.h"
 
 using namespace Orvanta;
@@ -64,9 +67,15 @@ int main(int argc, char** argv) {
         setenv("SDL_VIDEODRIVER", "offscreen", 0);
         return OrvantaDemo::runWizardDemo(argv[2]);
     }
+    if (argc == 3 && std::strcmp(argv[1], "--widgets") == 0) {
+        setenv("SDL_VIDEODRIVER", "offscreen", 0);
+        return OrvantaDemo::runWidgetsDemo(argv[2]);
+    }
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s OUTPUT.png [PHOTO] [--show SECONDS]\n       %s --wizard DIR\n",
-                     argv[0], argv[0]);
+        std::fprintf(stderr,
+                     "usage: %s OUTPUT.png [PHOTO] [--show SECONDS]\n       %s --wizard DIR\n       %s "
+                     "--widgets DIR\n",
+                     argv[0], argv[0], argv[0]);
         return 2;
     }
     const char* output = argv[1];
