@@ -109,7 +109,15 @@ bool Display::onOwnerThread() const {
 
 bool Display::showWindow(Window* topLevel, bool visible) {
     if (!visible) {
-        if (auto* native = static_cast<SDL_Window*>(topLevel->getDisplayWindow())) sdl().HideWindow(native);
+        auto* native = static_cast<SDL_Window*>(topLevel->getDisplayWindow());
+        if (!native) return true;
+        sdl().HideWindow(native);
+        // Without a window manager SDL hands the keyboard to every window it shows, pop-ups included;
+        // it goes back to the active window when the pop-up goes.
+        if (topLevel->getStyle() & WS_POPUP)
+            if (Window* active = Window::getActiveWindow())
+                if (auto* activeNative = static_cast<SDL_Window*>(active->getDisplayWindow()))
+                    sdl().SetWindowInputFocus(activeNative);
         return true;
     }
     if (!open() || !onOwnerThread()) return false;

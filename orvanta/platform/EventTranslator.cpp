@@ -81,6 +81,12 @@ WPARAM buttonBit(Uint8 button) {
     return 0;
 }
 
+bool popupShown() {
+    for (Window* window : Window::topLevelWindows())
+        if ((window->getStyle() & WS_POPUP) && window->isShown()) return true;
+    return false;
+}
+
 }  // namespace
 
 void EventTranslator::post(Window* window, UINT message, WPARAM wParam, LPARAM lParam, CPoint screen) {
@@ -233,11 +239,14 @@ void EventTranslator::translateWindowEvent(const SDL_Event& event) {
         case SDL_WINDOWEVENT_EXPOSED:
             top->getBackingStore()->markChanged(top->getClientRect());
             break;
+        // A pop-up is never the active window: the window it belongs to keeps the keyboard while it
+        // is shown, even where the display server hands the keyboard to the pop-up (a server without
+        // a window manager, where SDL focuses every window it shows).
         case SDL_WINDOWEVENT_FOCUS_GAINED:
-            Window::setActiveWindow(top);
+            if (!(top->getStyle() & WS_POPUP)) Window::setActiveWindow(top);
             break;
         case SDL_WINDOWEVENT_FOCUS_LOST:
-            if (Window::getActiveWindow() == top) Window::setActiveWindow(nullptr);
+            if (Window::getActiveWindow() == top && !popupShown()) Window::setActiveWindow(nullptr);
             break;
         case SDL_WINDOWEVENT_LEAVE:
             if (!Window::getCapture()) MouseTracker::instance().onPointer(nullptr, mLastScreen);

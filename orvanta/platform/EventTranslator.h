@@ -10,7 +10,9 @@
 // UTF-16 unit, and Enter, Backspace, Tab, Escape and Ctrl+letter give their control characters as the
 // platform's TranslateMessage does. Input-method composition is kept as getComposition() and
 // announced by WM_IME_COMPOSITION. Window events become geometry changes, WM_CLOSE, activation, and
-// mouse-leave tracking. Events for windows that no longer exist are dropped.
+// mouse-leave tracking; a pop-up (WS_POPUP) is never activated, and while one is shown no window is
+// deactivated, so that the window a drop-down list belongs to keeps the keyboard. Events for windows that no
+// longer exist are dropped.
 
 #include "orvanta/platform/CString.h"
 #include "orvanta/platform/Messages.h"

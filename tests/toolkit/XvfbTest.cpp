@@ -17,6 +17,8 @@
 #include "orvanta/platform/Display.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/DropDown.h"
+#include "orvanta/toolkit/Edit.h"
 #include "orvanta/toolkit/GridContainer.h"
 #include "orvanta/toolkit/Label.h"
 #include "orvanta/toolkit/MessageDialog.h"
@@ -147,6 +149,57 @@ TEST_F(XvfbTest, TheLoopAsleepOnTheServerWakesForPostsAndInput) {
     EXPECT_EQ(waitFor({WM_MOUSEMOVE}), UINT(WM_MOUSEMOVE));
     mover.join();
     window->killTimer(kGuard);
+}
+
+// Typing with real keys (Control held for a whole selection, Backspace) reaches an edit field, and a
+// drop-down's list opens as a pop-up window of the X server, shows its backing store and takes a real
+// click.
+TEST_F(XvfbTest, RealKeysEditAFieldAndTheDropDownListIsAWindowOfTheServer) {
+    Edit::setCaretBlinkTime(0);
+    Edit* field = Edit::create(1);
+    field->setRect(CRect(10, 10, 230, 36));
+    ui->root()->add(field, true);
+    DropDown* sizes = DropDown::create(2);
+    sizes->setRect(CRect(10, 50, 160, 76));
+    for (const char16_t* size : {u"A4", u"A5", u"Letter", u"Legal"}) sizes->addString(size);
+    sizes->setCurSel(0);
+    ui->root()->add(sizes, true);
+    settle();
+    field->setFocus();
+    ASSERT_EQ(
+        server->run(
+            "xdotool mousemove 100 45 && xdotool search --name 'Orvanta test window' windowfocus --sync && "
+            "xdotool type --delay 20 'Print 12' && xdotool key --delay 20 ctrl+a BackSpace && "
+            "xdotool type --delay 20 'Rotate'"),
+        0);
+    settle();
+    EXPECT_EQ(field->getText().str(), u"Rotate");
+
+    const CRect box = sizes->getWindowRect();
+    ASSERT_EQ(server->run("xdotool mousemove " + std::to_string(box.left + 20) + " " +
+                          std::to_string(box.top + 10) + " click 1"),
+              0);
+    settle();
+    ASSERT_TRUE(sizes->isOpen());
+    const CRect popup = sizes->getPopup()->getWindowRect();
+    EXPECT_EQ(popup.topLeft(), CPoint(box.left, box.bottom));
+    std::vector<std::uint32_t> screen;
+    int width = 0, height = 0;
+    ASSERT_TRUE(server->screenshot(screen, width, height));
+    EXPECT_EQ(differingPixels(screen, width, height, sizes->getPopup()->getHWND()->getBackingStore(), popup),
+              0);
+    const CRect third = sizes->getList()->getRowRect(2);
+    ASSERT_EQ(server->run("xdotool mousemove " + std::to_string(popup.left + 20) + " " +
+                          std::to_string(popup.top + (third.top + third.bottom) / 2) + " click 1"),
+              0);
+    settle();
+    EXPECT_FALSE(sizes->isOpen());
+    EXPECT_EQ(sizes->getCurSel(), 2);
+    // The keyboard is the window's again once the list has gone.
+    ASSERT_EQ(server->run("xdotool key --delay 20 Down"), 0);
+    settle();
+    EXPECT_EQ(sizes->getCurSel(), 3);
+    Edit::setCaretBlinkTime(Edit::kCaretBlinkTime);
 }
 
 // A real modal message box on the X server: what the screen shows of it is its backing store, and
