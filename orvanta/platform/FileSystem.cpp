@@ -131,6 +131,20 @@ int FileSystem::listDirectory(const char* path, std::vector<std::string>* names)
     ::closedir(dir);
     return 0;
 }
+int FileSystem::readDirectory(const char* path, std::vector<DirectoryEntry>* entries) {
+    DIR* dir = ::opendir(path);
+    if (!dir) return -1;
+    entries->clear();
+    const int fd = ::dirfd(dir);
+    while (const dirent* entry = ::readdir(dir)) {
+        DirectoryEntry read;
+        read.name = entry->d_name;
+        if (read.name == "." || read.name == "..") continue;
+        if (::fstatat(fd, entry->d_name, &read.info, 0) == 0) entries->push_back(std::move(read));
+    }
+    ::closedir(dir);
+    return 0;
+}
 int FileSystem::makeTemporary(char* pattern, int suffixLength) {
     return retryOnInterrupt([&] { return ::mkostemps(pattern, suffixLength, O_CLOEXEC); });
 }

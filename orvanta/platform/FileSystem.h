@@ -50,6 +50,14 @@ public:
     virtual int realPath(const char* path, std::string* resolved);
     // The names in a folder, "." and ".." left out (opendir and readdir).
     virtual int listDirectory(const char* path, std::vector<std::string>* names);
+    // The same with what stat says of each entry (symbolic links followed), read relative to the
+    // open folder (fstatat) so that no path is walked again per name; an entry stat cannot read is
+    // left out.
+    struct DirectoryEntry {
+        std::string name;
+        struct stat info;
+    };
+    virtual int readDirectory(const char* path, std::vector<DirectoryEntry>* entries);
     // mkstemps: replaces the six X before the last suffixLength characters of pattern with a unique
     // text, creates that file and opens it.
     virtual int makeTemporary(char* pattern, int suffixLength);

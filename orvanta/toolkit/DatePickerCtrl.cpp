@@ -121,7 +121,7 @@ bool DatePickerCtrl::preTranslateMessage(MSG* msg) {
 
 bool DatePickerCtrl::onKeyDown(int virtualKey, LPARAM) {
     if (!isEnabled()) return false;
-    if (virtualKey == VK_F4) {
+    if (virtualKey == VK_F4 || (virtualKey == VK_SPACE && !isOpen())) {
         if (isOpen())
             close(true);
         else

@@ -6,7 +6,7 @@
 //  - The field shows the date in the user's locale's short form (Platform::formatShortDate); the
 //    calendar is the user's locale's (MonthCalendar). Dates are SYSTEMTIME date fields.
 //  - Closed: Up and Down move the date a day, Page Up and Page Down a month (the same day, or the
-//    month's last); Alt+Down or F4, or a press on the field, open the calendar.
+//    month's last); Alt+Down, F4 or Space, or a press on the field, open the calendar.
 //  - Open: the calendar's cursor starts on the date; Left and Right move it a day, Up and Down a week,
 //    Page Up and Page Down a month; Enter (or a click on a day) takes it and closes, Escape closes
 //    without it (the dialog around does not see that Escape), as does a press anywhere else.

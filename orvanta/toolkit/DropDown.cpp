@@ -170,7 +170,7 @@ bool DropDown::preTranslateMessage(MSG* msg) {
 
 bool DropDown::onKeyDown(int virtualKey, LPARAM lParam) {
     if (!isEnabled()) return false;
-    if (virtualKey == VK_F4) {
+    if (virtualKey == VK_F4 || (virtualKey == VK_SPACE && !isOpen())) {
         if (isOpen())
             close(true);
         else

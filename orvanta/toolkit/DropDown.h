@@ -4,8 +4,8 @@
 //
 // Contract:
 //  - The items live in a ListBox, shown in a Popup while open. A press on the field or its button
-//    opens the list, a second press closes it; so do Alt+Down, Alt+Up and F4. While open, the item
-//    under the pointer is highlighted, and a click takes it and closes the list; Up, Down, Page Up,
+//    opens the list, a second press closes it; so do Alt+Down, Alt+Up and F4, and Space opens it. While open,
+//    the item under the pointer is highlighted, and a click takes it and closes the list; Up, Down, Page Up,
 //    Page Down, Home and End move the highlight, Enter (or Tab, or the focus going elsewhere) takes it,
 //    and Escape closes the list without taking anything (the dialog around does not see that Escape).
 //    A press anywhere else closes it too.

@@ -71,29 +71,26 @@ void FolderTree::refresh() {
     rowsReset();
 }
 
-// One stat per name tells the folders from the files; the names sort by one collation key each.
+// One stat per name, relative to the open folder, tells the folders from the files; the names sort
+// by one collation key each.
 void FolderTree::load(Node* node) {
     node->loaded = true;
     node->folders.clear();
-    Platform::FileSystem& files = Platform::FileSystem::current();
-    std::vector<std::string> names;
-    if (files.listDirectory(node->path.c_str(), &names) != 0) names.clear();
+    std::vector<Platform::FileSystem::DirectoryEntry> found;
+    if (Platform::FileSystem::current().readDirectory(node->path.c_str(), &found) != 0) found.clear();
     struct Entry {
         std::string key;
         std::unique_ptr<Node> node;
     };
     std::vector<Entry> entries;
-    for (const std::string& name : names) {
-        if (name.empty() || name[0] == '.') continue;
-        const std::string path = childPath(node->path, name);
-        struct stat info;
-        if (files.stat(path.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) continue;
+    for (const Platform::FileSystem::DirectoryEntry& entry : found) {
+        if (entry.name[0] == '.' || !S_ISDIR(entry.info.st_mode)) continue;
         auto child = std::make_unique<Node>();
-        child->title = CString::fromUtf8(name);
-        child->path = path;
+        child->title = CString::fromUtf8(entry.name);
+        child->path = childPath(node->path, entry.name);
         child->depth = node->depth + 1;
         child->parent = node;
-        child->children = mayHoldFolders(info) ? Node::Children::Unknown : Node::Children::None;
+        child->children = mayHoldFolders(entry.info) ? Node::Children::Unknown : Node::Children::None;
         entries.push_back({Platform::textSortKey(child->title), std::move(child)});
     }
     std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.key < b.key; });

@@ -283,7 +283,9 @@ void ListControl::paintContent(HDC dc) {
         const bool selected = isSelected(row);
         dc->fillRect(rect, rowBackground(selected));
         paintRow(dc, row, rect, selected, row == mFocusRow);
-        if (row == mFocusRow && hasFocus()) WidgetLook::drawFocusRect(dc, rect);
+        // With no focus row yet, the top row shows where the keys will start.
+        const int focusRow = mFocusRow < 0 ? mTopRow : mFocusRow;
+        if (row == focusRow && hasFocus() && !mHotTracking) WidgetLook::drawFocusRect(dc, rect);
     }
     dc->restore(level);
     Container::paintContent(dc);
@@ -420,7 +422,7 @@ bool ListControl::onChar(char16_t c) {
 }
 
 void ListControl::onFocus(bool) {
-    if (mFocusRow >= 0) invalidateRow(mFocusRow);
+    invalidateRow(mFocusRow < 0 ? mTopRow : mFocusRow);
     for (int row : getSelectedRows()) invalidateRow(row);
 }
 

@@ -138,10 +138,10 @@ struct TestRoots : FolderTreeRoots {
 struct CountingFileSystem : Platform::FileSystem {
     CountingFileSystem() { install(this); }
     ~CountingFileSystem() override { install(nullptr); }
-    int listDirectory(const char* path, std::vector<std::string>* names) override {
+    int readDirectory(const char* path, std::vector<DirectoryEntry>* entries) override {
         listed.push_back(path);
         if (refused == path) return -1;
-        return FileSystem::listDirectory(path, names);
+        return FileSystem::readDirectory(path, entries);
     }
     std::vector<std::string> listed;
     std::string refused;
