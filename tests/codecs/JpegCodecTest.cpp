@@ -206,6 +206,31 @@ TEST(JpegMarkerMap, SegmentsComeInFileOrderWithTheRestAsOnePseudoSegment) {
     EXPECT_EQ(nullptr, JpegMarkerMap(noOrder.data(), static_cast<int>(noOrder.size())).getExifBlock());
 }
 
+// A map of the segments alone reads the file's beginning, and on to the scan when the segments run
+// past it: the same segments and EXIF block as the whole file's map, wherever the scan starts.
+TEST(JpegMarkerMap, SegmentsAloneAreTheWholeFilesSegments) {
+    TempDir dir;
+    const std::string exif = segment(0xE1, std::string("Exif\0\0II\x2A\x00\x08\x00\x00\x00", 14) + "block");
+    const std::string icc = segment(0xE2, std::string(65000, 'i'));
+    const std::string scan(300000, '\x55');
+    for (const std::string& head : {exif, exif + icc, icc + icc + exif, icc + icc + icc + exif + icc}) {
+        writeFileBytes(dir.file("p.jpg"), jpegOf(head, scan));
+        const JpegMarkerMap whole(dir.wide("p.jpg")), segments(dir.wide("p.jpg"), JpegMarkerMap::kSegments);
+        ASSERT_EQ(whole.getSegments().size(), segments.getSegments().size());
+        for (std::size_t i = 0; i + 1 < whole.getSegments().size(); ++i)
+            EXPECT_EQ(bytesOf(whole, whole.getSegments()[i], true),
+                      bytesOf(segments, segments.getSegments()[i], true));
+        EXPECT_EQ(
+            std::string(reinterpret_cast<const char*>(whole.getExifBlock()), whole.getExifBlockSize()),
+            std::string(reinterpret_cast<const char*>(segments.getExifBlock()), segments.getExifBlockSize()));
+        EXPECT_EQ(head.size() > 200000, segments.getSize() == whole.getSize())
+            << "the scan is read only when the segments run on";
+    }
+    // Segments that run past the end of the file throw as the whole file's map does.
+    writeFileBytes(dir.file("cut.jpg"), std::string("\xFF\xD8", 2) + icc + icc + icc);
+    EXPECT_THROW(JpegMarkerMap(dir.wide("cut.jpg"), JpegMarkerMap::kSegments), std::domain_error);
+}
+
 TEST(JpegMarkerMap, ShortOrForeignInputIsEmptyAndSegmentsPastTheEndThrow) {
     const std::string small = jpegOf("", "").substr(0, 30), png = "\x89PNG" + std::string(100, 'x');
     EXPECT_TRUE(JpegMarkerMap(small.data(), static_cast<int>(small.size())).isEmpty());
