@@ -608,9 +608,10 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
     FileContents source;
     if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
     keepTimes(out);
-    std::vector<unsigned char> rotated;
-    return rotateJpeg(source.data(), static_cast<std::size_t>(source.size()), angle, &rotated) &&
-           out.write(rotated.data(), rotated.size()) && out.commit();
+    const JpegWriter write = [&out](const unsigned char* bytes, std::size_t count) {
+        return out.write(bytes, count);
+    };
+    return rotateJpeg(source.data(), static_cast<std::size_t>(source.size()), angle, write) && out.commit();
 }
 
 }  // namespace Orvanta

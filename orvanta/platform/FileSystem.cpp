@@ -52,6 +52,10 @@ int FileSystem::truncate(int fd, off_t size) {
 int FileSystem::sync(int fd) {
     return retryOnInterrupt([&] { return ::fsync(fd); });
 }
+
+int FileSystem::startWriteback(int fd, off_t offset, off_t length) {
+    return retryOnInterrupt([&] { return ::sync_file_range(fd, offset, length, SYNC_FILE_RANGE_WRITE); });
+}
 int FileSystem::stat(int fd, struct stat* info) {
     return ::fstat(fd, info);
 }

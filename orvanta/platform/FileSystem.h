@@ -27,6 +27,9 @@ public:
     virtual off_t seek(int fd, off_t offset, int whence);
     virtual int truncate(int fd, off_t size);
     virtual int sync(int fd);
+    // sync_file_range(SYNC_FILE_RANGE_WRITE): starts writing a range's dirty pages to the device
+    // without waiting, so that a later sync has less to wait for. A hint: it guarantees nothing.
+    virtual int startWriteback(int fd, off_t offset, off_t length);
     virtual int stat(int fd, struct stat* info);
     virtual int stat(const char* path, struct stat* info);
     virtual int lock(int fd, int operation);

@@ -1,8 +1,8 @@
 #pragma once
 // LazyLibrary: a shared library of the system loaded on the first call into it rather than with
-// the library. Loading the system libraries the engine uses (ICU, GIO, libtiff, libjpeg, ...) and
+// the library. Loading the system libraries the engine uses (ICU, GIO, libtiff, pixman, ...) and
 // the dozen more they bring costs a process several milliseconds before main; a command that
-// needs none of them (a help text) or one of them (a JPEG header) now pays only for what it uses.
+// needs none of them (a help text) or one of them (an EXIF thumbnail) pays only for what it uses.
 //
 // Contract: each such library has one source file (Lazy<Name>.cpp) that defines, for every
 // function the engine calls, a function of the same name and signature that forwards to the real

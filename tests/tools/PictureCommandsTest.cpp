@@ -153,8 +153,9 @@ TEST_F(PictureCommands, TheEmbeddedThumbnailIsCopiedWhenItFitsTheBox) {
     EXPECT_EQ(CSize(64, 48), fitted->getSize());
 }
 
-// The host loads a system library on the first call into it: a help text loads none, a JPEG's
-// header libjpeg alone, its thumbnail libexif too; the rest (ICU, GIO, libtiff, pixman) wait.
+// The host loads a system library on the first call into it: a help text, a JPEG's header or its
+// turn load none beyond the linked libjpeg, its thumbnail libexif; the rest (ICU, GIO, libtiff,
+// pixman) wait.
 TEST_F(PictureCommands, ACommandLoadsOnlyTheSystemLibrariesItUses) {
     const struct {
         std::string arguments;
@@ -162,9 +163,9 @@ TEST_F(PictureCommands, ACommandLoadsOnlyTheSystemLibrariesItUses) {
     } cases[] = {
         {"--help", ""},
         {"help thumb", ""},
-        {"info '" + photo + "'", "libjpeg "},
-        {"thumb '" + photo + "' '" + out + ".jpg'", "libexif libjpeg "},
-        {"rotate '" + copyOf("jpeg/canon-ixus-640x480.jpg", "turn.jpg") + "' 90", "libjpeg "},
+        {"info '" + photo + "'", ""},
+        {"thumb '" + photo + "' '" + out + ".jpg'", "libexif "},
+        {"rotate '" + copyOf("jpeg/canon-ixus-640x480.jpg", "turn.jpg") + "' 90", ""},
     };
     for (const auto& c : cases) {
         const ToolRun r = runShell("LD_DEBUG=files {tool} " + c.arguments + " 2>&1 >/dev/null");
