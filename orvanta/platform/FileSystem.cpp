@@ -71,6 +71,12 @@ void* FileSystem::map(std::size_t size, int protection, int flags, int fd, off_t
 int FileSystem::unmap(void* address, std::size_t size) {
     return ::munmap(address, size);
 }
+int FileSystem::preferHugePages(void* address, std::size_t size) {
+    return ::madvise(address, size, MADV_HUGEPAGE);
+}
+int FileSystem::mapAllPages(void* address, std::size_t size) {
+    return ::madvise(address, size, MADV_POPULATE_READ);
+}
 int FileSystem::setTimes(int fd, const struct timespec times[2]) {
     return ::futimens(fd, times);
 }
