@@ -12,6 +12,8 @@ namespace {
     F(pixman_bool_t, pixman_f_transform_translate,                                                           \
       (struct pixman_f_transform * forward, struct pixman_f_transform * reverse, double tx, double ty),      \
       (forward, reverse, tx, ty))                                                                            \
+    F(pixman_bool_t, pixman_transform_point_3d, (const struct pixman_transform* t, struct pixman_vector* v), \
+      (t, v))                                                                                                \
     F(pixman_bool_t, pixman_transform_from_pixman_f_transform,                                               \
       (struct pixman_transform * t, const struct pixman_f_transform* ft), (t, ft))                           \
     F(pixman_fixed_t*, pixman_filter_create_separable_convolution,                                           \
