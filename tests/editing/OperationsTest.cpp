@@ -17,6 +17,7 @@
 #include "orvanta/editing/DownsizeOp.h"
 #include "orvanta/editing/EditableDib.h"
 #include "orvanta/editing/MirrorOp.h"
+#include "orvanta/editing/PicFixOp.h"
 #include "orvanta/editing/RedeyeOp.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/editing/SepiaOp.h"
@@ -107,9 +108,9 @@ TEST(Moves, RotationDirectionMirrorAndCropPixels) {
     }
 }
 
-// The moves and the red-eye removal write every byte of their result into a block taken as it was
-// left (a picture's block is reused without clearing): the same bytes, row padding included,
-// whatever the block held before.
+// The moves, the red-eye removal and the picture fix write every byte of their result into a block taken as
+// it was left (a picture's block is reused without clearing): the same bytes, row padding included, whatever
+// the block held before.
 TEST(Moves, EveryByteOfAResultIsWrittenWhateverTheBlockHeld) {
     // Odd sides, so that rows carry padding both ways round, and photograph-sized, so that blocks
     // are kept for reuse; a pupil in one corner for the red-eye click.
@@ -124,6 +125,7 @@ TEST(Moves, EveryByteOfAResultIsWrittenWhateverTheBlockHeld) {
     std::vector<std::function<EditingOp*()>> makers;
     for (int move = 0; move < kMoves; ++move) makers.push_back([move, size] { return makeMove(move, size); });
     makers.push_back([size] { return RedeyeOp::create(DibPoint(6.5 / size.cx, 6.5 / size.cy), 6); });
+    makers.push_back([] { return PicFixOp::create(); });
     for (std::size_t i = 0; i < makers.size(); ++i) {
         std::vector<std::string> results;
         for (const unsigned char fill : {0x00, 0xFF}) {
