@@ -35,6 +35,37 @@ cp "$first" "$out/turned.jpg"
 "$orvanta" rotate "$out/turned.jpg" 90
 "$orvanta" thumb "$out/turned.jpg" "$out/turned-thumb.jpg" --box 160x160
 
+# A camera photograph (EXIF with a maker) with sides in whole 8-pixel blocks, for the turn in place.
+camera=
+for jpeg in "${jpegs[@]}"; do
+  IFS=$'\t' read -r _ _ width height _ < <("$orvanta" info "$jpeg")
+  (( width % 8 == 0 && height % 8 == 0 )) || continue
+  if ! command -v exiftool > /dev/null || [ -n "$(exiftool -q -s3 -Make "$jpeg")" ]; then
+    camera=$jpeg; break
+  fi
+done
+if [ -n "$camera" ]; then
+  echo
+  echo "== A copy of $(basename "$camera") turned in place (orvanta edit FILE FILE rotate=90): done in the file, no re-encoding"
+  cp "$camera" "$out/in-place.jpg"
+  chmod u+w "$out/in-place.jpg"
+  "$orvanta" edit "$out/in-place.jpg" "$out/in-place.jpg" rotate=90
+  if command -v jpegtran > /dev/null && command -v djpeg > /dev/null; then
+    jpegtran -rotate 90 -trim -copy all -outfile "$out/jpegtran-90.jpg" "$camera"
+    if cmp -s <(djpeg -pnm "$out/in-place.jpg") <(djpeg -pnm "$out/jpegtran-90.jpg"); then
+      echo "pixels: equal to jpegtran -rotate 90 -trim -copy all"
+    else
+      echo "pixels: DIFFERENT from jpegtran -rotate 90" >&2; exit 1
+    fi
+    if command -v exiftool > /dev/null; then
+      tags() { exiftool -G1 -s -a -n -x File:all -x System:all -x Composite:all -x ExifTool:all "$1" | grep -v -e Thumbnail -e '^\[IFD1\]'; }
+      echo "EXIF: $(tags "$out/in-place.jpg" | wc -l) tags, those that differ from the photograph's (the thumbnail aside):"
+      diff <(tags "$camera") <(tags "$out/in-place.jpg") && echo "  none" || true
+      exiftool -s -Make -Model -DateTimeOriginal -ImageSize -ThumbnailImage "$out/in-place.jpg"
+    fi
+  fi
+fi
+
 echo
 echo "== Edits with undo on the first photograph (orvanta edit)"
 "$orvanta" edit "$first" "$out/edited.jpg" downsize=1600x1600 rotate=90 crop=0.1,0.1,0.9,0.9 picfix sepia undo redo
@@ -46,11 +77,21 @@ rm -rf "$out/thumbnails"
 "$orvanta" batch-convert "$(dirname "$first")" "$out/thumbnails" --max 160x160
 
 echo
-echo "== A catalogue of the photographs and the pictures made above (orvanta db)"
+echo "== A video is catalogued, never opened: its thumbnail is the host's film frame (orvanta thumb)"
+: > "$out/clip.mov"
+"$orvanta" thumb "$out/clip.mov" "$out/clip-thumb.jpg"
+
+echo
+echo "== A catalogue of the photographs, the pictures made above and the video (orvanta db)"
 rm -f "$out/catalogue.db"
-"$orvanta" db add "$out/catalogue.db" "${jpegs[@]}" "$out/first.tif" "$out/first.bmp" "$out/edited.jpg" > /dev/null
+"$orvanta" db add "$out/catalogue.db" "${jpegs[@]}" "$out/first.tif" "$out/first.bmp" "$out/edited.jpg" \
+  "$out/clip.mov" > /dev/null
 "$orvanta" db stats "$out/catalogue.db" | grep -E '^(records|block size|payload bytes)'
 "$orvanta" db dump "$out/catalogue.db" | head -n 14
+
+echo
+echo "== A window of the toolkit's controls, drawn offscreen with the first photograph (orvanta-window-demo)"
+"$(dirname "$orvanta")/orvanta-window-demo" "$out/window.png" "$first"
 
 echo
 echo "Pictures written to $out/"

@@ -23,8 +23,6 @@ packages=(
   # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)
   uuid-dev
   libglib2.0-dev
-  # locale sources, so the date tests can build en_US and de_DE locales with localedef
-  locales
   # picture scaling by the platform (pixman compositing)
   libpixman-1-dev
   # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, the coefficients of lossless turns),
@@ -32,6 +30,22 @@ packages=(
   libjpeg62-turbo-dev
   libexif-dev
   libtiff-dev
+  # windows and drawing: SDL2 (display connection, input), Cairo (canvases, PDF), Pango (text); the
+  # fonts the tests pin; Xvfb, xdotool and xwd for the tests on a real X server; pdfimages to check
+  # that a PDF page holds a JPEG untouched
+  libsdl2-dev
+  libcairo2-dev
+  libpango1.0-dev
+  fonts-dejavu-core
+  xvfb
+  xdotool
+  x11-apps
+  poppler-utils
+  # Xlib, to notice that the X server went away; XCB, to own the X clipboard for file lists and
+  # pictures; xclip, for the tests to paste them as another program would
+  libx11-dev
+  libxcb1-dev
+  xclip
   # reference tools the tests compare against: decoders (ImageMagick, GraphicsMagick, djpeg),
   # jpegtran's rotation, exiftool's tag reading, tiffinfo
   imagemagick

@@ -30,4 +30,26 @@ constexpr unsigned char kExifHeader[6] = {'E', 'x', 'i', 'f', 0, 0};
 constexpr int kExifHeaderSize = 6;
 constexpr int kMinimumExifSegment = 14;
 
+// The TIFF structure of an EXIF block, as far as the thumbnail needs it. Offsets count from the
+// TIFF header, which begins "II" (little-endian) or "MM" (big-endian), then 42, then the offset of
+// the first directory (IFD0). A directory is a 16-bit entry count, entries of 12 bytes (tag, type,
+// count, a 4-byte value or offset), and the 32-bit offset of the next directory (0: none). IFD1, the
+// second, describes the thumbnail.
+constexpr int kTiffHeaderSize = 8;
+constexpr int kTiffMagic = 42;
+constexpr int kIfdEntrySize = 12;
+constexpr int kTagCompression = 0x0103;
+constexpr int kTagXResolution = 0x011A;
+constexpr int kTagYResolution = 0x011B;
+constexpr int kTagResolutionUnit = 0x0128;
+constexpr int kTagThumbnailOffset = 0x0201;  // JPEGInterchangeFormat
+constexpr int kTagThumbnailLength = 0x0202;  // JPEGInterchangeFormatLength
+constexpr int kTypeShort = 3;
+constexpr int kTypeLong = 4;
+constexpr int kTypeRational = 5;  // two LONGs, numerator and denominator
+constexpr int kCompressionJpeg = 6;
+// What a new thumbnail directory says of its picture: 72 pixels per inch.
+constexpr int kThumbnailResolution = 72;
+constexpr int kResolutionUnitInch = 2;
+
 }  // namespace Orvanta::JpegFormat

@@ -76,10 +76,13 @@ void Notifier::forgetInWalks(NotifierListener* listener) {
 }
 
 void Notifier::notify(int code) {
+    notify(Notification(code));
+}
+
+void Notifier::notify(const Notification& notification) {
     if (!mEnabled) return;
     // The sender is the whole object, not this sub-object: Notifier is a secondary base.
     void* sender = dynamic_cast<void*>(this);
-    const Notification notification(code);
     Walk walk{{}, mWalk};
     if (mMap) {
         walk.pending.reserve(mMap->size());

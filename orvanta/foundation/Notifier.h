@@ -3,11 +3,13 @@
 //
 // Contract: a listener added n times stays until removed n times. notify(code) calls every listener
 // once, in priority order, with the object that contains this Notifier as sender; nothing happens
-// while suspended. During notify a listener may remove itself or any other listener: a removed
-// listener that has not been called yet is not called. Listeners added during notify may or may not
-// be called by that walk. notify may nest (a listener may notify again). A listener may also destroy
-// the object that sends (a view letting go of the last reference to its list): the walk, and every
-// walk it is nested in, then ends without calling anyone else and without touching the sender.
+// while suspended. notify(notification) hands the given notification itself to every listener, so a
+// sender may pass a derived form that carries more than the code. During notify a listener may remove itself
+// or any other listener: a removed listener that has not been called yet is not called. Listeners added
+// during notify may or may not be called by that walk. notify may nest (a listener may notify again). A
+// listener may also destroy the object that sends (a view letting go of the last reference to its list): the
+// walk, and every walk it is nested in, then ends without calling anyone else and without touching the
+// sender.
 
 #include <map>
 #include <vector>
@@ -28,6 +30,7 @@ public:
     virtual int getListenerCount();
     virtual void setSuspended(bool suspended);
     virtual void notify(int code);
+    void notify(const Notification& notification);
 
     bool isSuspended() const { return !mEnabled; }
 

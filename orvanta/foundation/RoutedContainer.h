@@ -12,7 +12,7 @@
 
 namespace Orvanta {
 
-class RoutedContainer : public RoutedControl {
+class RoutedContainer : public virtual RoutedControl {
 public:
     virtual CPoint screenToClient(CPoint screen) = 0;
     virtual RoutedControl* getDeepestControlAt(CPoint client) = 0;

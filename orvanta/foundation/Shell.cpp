@@ -1,9 +1,11 @@
 #include "orvanta/foundation/Shell.h"
 
+#include "orvanta/platform/Canvas.h"
 #include "orvanta/platform/Launcher.h"
 #include "orvanta/platform/Process.h"
 #include "orvanta/platform/Screen.h"
 #include "orvanta/platform/Trash.h"
+#include "orvanta/platform/Window.h"
 
 namespace Orvanta {
 
@@ -54,6 +56,28 @@ bool isWinMe() {
 }
 bool isWindowsXPOrGreater() {
     return true;
+}
+
+int getWindowText(HWND window, CString& text) {
+    text = Platform::Window::isWindow(window) ? window->getText() : CString();
+    return static_cast<int>(text.length());
+}
+
+int getDlgItemText(HWND dialog, int id, CString& text) {
+    HWND item = nullptr;
+    if (Platform::Window::isWindow(dialog))
+        for (HWND child : dialog->getChildren())
+            if (child->getId() == id) {
+                item = child;
+                break;
+            }
+    return getWindowText(item, text);
+}
+
+bool canDrawJpegDirect(Platform::Canvas* dc, void* data, int size) {
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    return dc && dc->getKind() == Platform::Canvas::Kind::Pdf && bytes && size > 2 && bytes[0] == 0xFF &&
+           bytes[1] == 0xD8;
 }
 
 }  // namespace Orvanta

@@ -7,6 +7,10 @@
 #include "orvanta/platform/CString.h"
 #include "orvanta/platform/Messages.h"
 
+namespace Orvanta::Platform {
+class Canvas;
+}  // namespace Orvanta::Platform
+
 namespace Orvanta {
 
 // Sends one file or folder to the desktop's trash, from where the file manager can restore it.
@@ -27,6 +31,14 @@ Size getScreenResolution();
 // A file's property sheet belongs to the Windows shell; the Linux desktops offer nothing a program
 // can open for one, so the answer is always false.
 bool showWindowsExplorerProperties(HWND window, const char16_t* path, const char16_t* pageName);
+
+// A window's text, and the text of the child window with an identifier; each fills `text` and
+// returns its length (0 and an empty text for a window that does not exist).
+int getWindowText(HWND window, CString& text);
+int getDlgItemText(HWND dialog, int id, CString& text);
+// Whether the canvas takes a JPEG block as it is: true exactly for a PDF canvas, given bytes that
+// start as a JPEG does.
+bool canDrawJpegDirect(Platform::Canvas* dc, void* data, int size);
 // The library's answers to the questions about the Windows version that callers still ask: this is
 // not one of the old Windows 9x line, and it has everything Windows XP brought.
 bool isWin9x();

@@ -103,6 +103,17 @@ int FileSystem::birthTime(int fd, struct timespec* time) {
     time->tv_nsec = t.tv_nsec;
     return 0;
 }
+int FileSystem::birthTime(const char* path, struct timespec* time) {
+    struct statx info;
+    if (::statx(AT_FDCWD, path, AT_STATX_SYNC_AS_STAT, STATX_BTIME, &info) != 0) return -1;
+    if (!(info.stx_mask & STATX_BTIME)) {
+        errno = ENODATA;
+        return -1;
+    }
+    time->tv_sec = info.stx_btime.tv_sec;
+    time->tv_nsec = info.stx_btime.tv_nsec;
+    return 0;
+}
 int FileSystem::unlink(const char* path) {
     return ::unlink(path);
 }

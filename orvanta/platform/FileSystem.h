@@ -48,6 +48,9 @@ public:
     virtual int renameNoReplace(const char* from, const char* to);
     // The creation time where the file system records one (statx birth time), else the change time.
     virtual int birthTime(int fd, struct timespec* time);
+    // The creation time of the file at path, without opening it (statx); −1 with ENODATA where the
+    // file system records none.
+    virtual int birthTime(const char* path, struct timespec* time);
     virtual int unlink(const char* path);
     // stat of the link itself, not of what it points at.
     virtual int linkStat(const char* path, struct stat* info);

@@ -306,6 +306,15 @@ void writeInto(Turn* t) {
     t->target.dest = &t->destination;
 }
 
+// A file that begins with its EXIF segment, as a camera writes it, must go on beginning with it:
+// the encoder's own JFIF segment would come first.
+void keepExifFirst(Turn* t) {
+    const jpeg_saved_marker_ptr first = t->source.marker_list;
+    if (first && first->marker == JPEG_APP0 + 1 && first->data_length >= 6 &&
+        std::memcmp(first->data, "Exif\0", 6) == 0)
+        t->target.write_JFIF_header = FALSE;
+}
+
 // The segments the source carried, after those the encoder wrote itself: a JFIF or Adobe segment
 // would otherwise come twice.
 void copySegments(Turn* t) {
@@ -360,6 +369,7 @@ bool rotateJpeg(const unsigned char* data, std::size_t size, int angle, const Jp
     t->target.client_data = t;
     writeInto(t);
     setUpTarget(t, width, height);
+    keepExifFirst(t);
     prepareTurned(t, source);
     jpeg_write_coefficients(&t->target, t->turnedHandles);
     copySegments(t);

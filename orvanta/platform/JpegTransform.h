@@ -6,7 +6,8 @@
 // so its pixels lose nothing. A picture whose side is not a whole number of block groups (MCUs)
 // where the turn needs one loses that partial group at the edge, as jpegtran's -trim does: the
 // bottom edge for 90, the right edge for 270, both for 180. Every APPn and COM segment is carried
-// over, except a JFIF or Adobe segment that the new file writes itself. Any sampling and any number
+// over, except a JFIF or Adobe segment that the new file writes itself; a file that begins with its
+// EXIF segment gets no JFIF segment, so it still begins with it. Any sampling and any number
 // of components libjpeg reads turn, progressive and arithmetic-coded files too (the new file is
 // sequential, Huffman-coded), and so do files libjpeg only warns about (stray bytes between
 // segments). Refused, with the reason as the last error: data that is cut short or cannot be read

@@ -35,7 +35,45 @@ namespace {
       (pixman_op_t op, pixman_image_t * source, pixman_image_t * mask, pixman_image_t * dest,                \
        int32_t sourceX, int32_t sourceY, int32_t maskX, int32_t maskY, int32_t destX, int32_t destY,         \
        int32_t width, int32_t height),                                                                       \
-      (op, source, mask, dest, sourceX, sourceY, maskX, maskY, destX, destY, width, height))
+      (op, source, mask, dest, sourceX, sourceY, maskX, maskY, destX, destY, width, height))                 \
+    F(pixman_bool_t, pixman_image_set_clip_region32, (pixman_image_t * image, pixman_region32_t * region),   \
+      (image, region))                                                                                       \
+    F(void, pixman_region32_init, (pixman_region32_t * region), (region))                                    \
+    F(void, pixman_region32_init_rect,                                                                       \
+      (pixman_region32_t * region, int x, int y, unsigned int width, unsigned int height),                   \
+      (region, x, y, width, height))                                                                         \
+    F(void, pixman_region32_fini, (pixman_region32_t * region), (region))                                    \
+    F(void, pixman_region32_clear, (pixman_region32_t * region), (region))                                   \
+    F(void, pixman_region32_translate, (pixman_region32_t * region, int x, int y), (region, x, y))           \
+    F(pixman_bool_t, pixman_region32_copy, (pixman_region32_t * dest, const pixman_region32_t* source),      \
+      (dest, source))                                                                                        \
+    F(pixman_bool_t, pixman_region32_intersect,                                                              \
+      (pixman_region32_t * result, const pixman_region32_t* first, const pixman_region32_t* second),         \
+      (result, first, second))                                                                               \
+    F(pixman_bool_t, pixman_region32_union,                                                                  \
+      (pixman_region32_t * result, const pixman_region32_t* first, const pixman_region32_t* second),         \
+      (result, first, second))                                                                               \
+    F(pixman_bool_t, pixman_region32_subtract,                                                               \
+      (pixman_region32_t * result, const pixman_region32_t* from, const pixman_region32_t* taken),           \
+      (result, from, taken))                                                                                 \
+    F(pixman_bool_t, pixman_region32_intersect_rect,                                                         \
+      (pixman_region32_t * dest, const pixman_region32_t* source, int x, int y, unsigned int width,          \
+       unsigned int height),                                                                                 \
+      (dest, source, x, y, width, height))                                                                   \
+    F(pixman_bool_t, pixman_region32_union_rect,                                                             \
+      (pixman_region32_t * dest, const pixman_region32_t* source, int x, int y, unsigned int width,          \
+       unsigned int height),                                                                                 \
+      (dest, source, x, y, width, height))                                                                   \
+    F(pixman_bool_t, pixman_region32_contains_point,                                                         \
+      (const pixman_region32_t* region, int x, int y, pixman_box32_t* box), (region, x, y, box))             \
+    F(pixman_region_overlap_t, pixman_region32_contains_rectangle,                                           \
+      (const pixman_region32_t* region, const pixman_box32_t* box), (region, box))                           \
+    F(pixman_bool_t, pixman_region32_not_empty, (const pixman_region32_t* region), (region))                 \
+    F(pixman_box32_t*, pixman_region32_extents, (const pixman_region32_t* region), (region))                 \
+    F(pixman_bool_t, pixman_region32_equal,                                                                  \
+      (const pixman_region32_t* first, const pixman_region32_t* second), (first, second))                    \
+    F(pixman_box32_t*, pixman_region32_rectangles, (const pixman_region32_t* region, int* count),            \
+      (region, count))
 
 ORVANTA_LAZY_TABLE(ORVANTA_PIXMAN_SONAME, ORVANTA_PIXMAN_FUNCTIONS)
 

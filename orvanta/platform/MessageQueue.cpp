@@ -55,9 +55,19 @@ public:
         std::lock_guard<std::mutex> guard(lock);
         posted.push_back(msg);
         wake.notify_all();
+        wakeDisplayLocked();
     }
 
-    // Finds the next message the filter accepts; with `remove` it leaves the queue. Caller holds lock.
+    // A thread asleep in its display server is woken once per wait, however many posts arrive.
+    void wakeDisplayLocked() {
+        if (waitingInDisplay && !wakeSent) {
+            wakeSent = true;
+            input->wake();
+        }
+    }
+
+    // Finds the next posted message or quit request the filter accepts; with `remove` it leaves the
+    // queue. Caller holds lock.
     bool takeLocked(MSG* out, const Filter& filter, bool remove, Clock::time_point now) {
         for (auto it = posted.begin(); it != posted.end(); ++it) {
             if (!filter.accepts(it->message) || (filter.threadOnly && it->hwnd)) continue;
@@ -70,13 +80,22 @@ public:
             if (remove) quitPending = false;
             return true;
         }
+        return false;
+    }
+
+    // The next due timer the filter accepts. Caller holds lock.
+    bool takeTimerLocked(MSG* out, const Filter& filter, bool remove, Clock::time_point now) {
         if (filter.accepts(WM_TIMER)) {
             Timer* due = nullptr;
             for (auto& [id, timer] : timers)
                 if (timer.due <= now && (!due || timer.due < due->due)) due = &timer;
+            if (due && filter.threadOnly && due->window) due = nullptr;
             if (due) {
-                *out = MSG{nullptr,          WM_TIMER,    due->id, reinterpret_cast<LPARAM>(due->callback),
-                           tickCountAt(now), lastPosition};
+                *out =
+                    due->window
+                        ? MSG{due->window, WM_TIMER, due->windowTimerId, 0, tickCountAt(now), lastPosition}
+                        : MSG{nullptr,          WM_TIMER,    due->id, reinterpret_cast<LPARAM>(due->callback),
+                              tickCountAt(now), lastPosition};
                 if (remove) due->due = now + due->interval;
                 return true;
             }
@@ -107,11 +126,14 @@ public:
         if ((down || up) && msg.wParam < keysDown.size()) keysDown[msg.wParam] = down;
     }
 
+    // A thread timer carries its callback; a window timer its window and the window's own id for it.
     struct Timer {
         UINT_PTR id;
         Clock::duration interval;
         TIMERPROC callback;
         Clock::time_point due;
+        HWND window = nullptr;
+        UINT_PTR windowTimerId = 0;
     };
 
     const DWORD threadId;
@@ -121,6 +143,9 @@ public:
     bool quitPending = false;
     int quitCode = 0;
     std::map<UINT_PTR, Timer> timers;
+    QueueInput* input = nullptr;
+    bool waitingInDisplay = false;
+    bool wakeSent = false;
 
     CPoint lastPosition;
     std::array<bool, 256> keysDown{};
@@ -172,17 +197,80 @@ std::shared_ptr<MessageQueue> queueOf(DWORD threadId) {
     return it == r.queues.end() ? nullptr : it->second;
 }
 
+QueueInput* inputOf(MessageQueue& queue) {
+    std::lock_guard<std::mutex> guard(queue.lock);
+    return queue.input;
+}
+
+// Display input is taken only when nothing posted is waiting, as the platform takes input after
+// posted messages: so each input message is routed (to the capture, the focus) as things stand when
+// the messages before it have been handled.
+void collectInput(MessageQueue& queue, QueueInput* input) {
+    if (!input) return;
+    {
+        std::lock_guard<std::mutex> guard(queue.lock);
+        if (!queue.posted.empty()) return;
+    }
+    input->collect();
+}
+
+// One look at the queue in its order: posted messages and quit, display input (collected only when
+// nothing posted waits), paint, timers. A posted message, the common case, costs one lock.
+bool takeNext(MessageQueue& queue, MSG* found, const MessageQueue::Filter& filter, bool remove) {
+    QueueInput* input = nullptr;
+    {
+        std::lock_guard<std::mutex> guard(queue.lock);
+        if (queue.takeLocked(found, filter, remove, Clock::now())) return true;
+        input = queue.input;
+        if (!queue.posted.empty()) input = nullptr;  // input waits behind what is posted
+    }
+    if (input) {
+        input->collect();
+        {
+            std::lock_guard<std::mutex> guard(queue.lock);
+            if (queue.takeLocked(found, filter, remove, Clock::now())) return true;
+        }
+        if (!filter.threadOnly && filter.accepts(WM_PAINT) && input->nextPaint(found)) return true;
+    }
+    std::lock_guard<std::mutex> guard(queue.lock);
+    return queue.takeTimerLocked(found, filter, remove, Clock::now());
+}
+
 bool peek(MSG* msg, const MessageQueue::Filter& filter, UINT remove) {
     MessageQueue& queue = currentQueue();
     MSG found;
-    {
-        std::lock_guard<std::mutex> guard(queue.lock);
-        if (!queue.takeLocked(&found, filter, (remove & PM_REMOVE) != 0, Clock::now())) return false;
-    }
+    if (!takeNext(queue, &found, filter, (remove & PM_REMOVE) != 0)) return false;
     queue.noteTaken(found);
     if (msg) *msg = found;
     return true;
 }
+
+// Sleeps until input may have arrived: on the queue's condition variable, or inside the display
+// server when the thread has one that can block. Caller holds the lock through `guard`.
+void sleepLocked(MessageQueue& queue, std::unique_lock<std::mutex>& guard,
+                 std::optional<Clock::time_point> wakeAt) {
+    QueueInput* input = queue.input;
+    if (!input || !input->waitsInDisplay()) {
+        if (wakeAt)
+            queue.wake.wait_until(guard, *wakeAt);
+        else
+            queue.wake.wait(guard);
+        return;
+    }
+    DWORD milliseconds = INFINITE;
+    if (wakeAt) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*wakeAt - Clock::now()).count();
+        milliseconds = static_cast<DWORD>(std::max<long long>(left, 0));
+    }
+    queue.waitingInDisplay = true;
+    queue.wakeSent = false;
+    guard.unlock();
+    input->waitForInput(milliseconds);
+    guard.lock();
+    queue.waitingInDisplay = false;
+}
+
+WindowDispatcher gWindowDispatcher = nullptr;
 
 // ASCII case folding is all registered names need: they are identifiers.
 std::u16string foldedName(const char16_t* name) {
@@ -263,14 +351,11 @@ bool peekThreadMessage(MSG* msg, UINT first, UINT last, UINT remove) {
 bool getMessage(MSG* msg) {
     MessageQueue& queue = currentQueue();
     MSG found;
-    {
+    for (;;) {
+        if (takeNext(queue, &found, MessageQueue::Filter{}, true)) break;
         std::unique_lock<std::mutex> guard(queue.lock);
-        while (!queue.takeLocked(&found, MessageQueue::Filter{}, true, Clock::now())) {
-            if (auto next = queue.nextTimerLocked())
-                queue.wake.wait_until(guard, *next);
-            else
-                queue.wake.wait(guard);
-        }
+        if (queue.hasInputLocked(Clock::now())) continue;
+        sleepLocked(queue, guard, queue.nextTimerLocked());
     }
     queue.noteTaken(found);
     *msg = found;
@@ -286,10 +371,22 @@ void postQuitMessage(int exitCode) {
 }
 
 LRESULT dispatchMessage(const MSG* msg) {
-    if (msg && !msg->hwnd && msg->message == WM_TIMER && msg->lParam) {
+    if (!msg) return 0;
+    if (msg->hwnd) return gWindowDispatcher ? gWindowDispatcher(msg) : 0;
+    if (msg->message == WM_TIMER && msg->lParam) {
         reinterpret_cast<TIMERPROC>(msg->lParam)(nullptr, WM_TIMER, msg->wParam, getTickCount());
     }
     return 0;
+}
+
+void setWindowDispatcher(WindowDispatcher dispatcher) {
+    gWindowDispatcher = dispatcher;
+}
+
+void setQueueInput(QueueInput* input) {
+    MessageQueue& queue = currentQueue();
+    std::lock_guard<std::mutex> guard(queue.lock);
+    queue.input = input;
 }
 
 UINT_PTR setTimer(UINT milliseconds, TIMERPROC callback) {
@@ -306,6 +403,37 @@ bool killTimer(UINT_PTR id) {
     MessageQueue& queue = currentQueue();
     std::lock_guard<std::mutex> guard(queue.lock);
     return queue.timers.erase(id) > 0;
+}
+
+void setWindowTimer(HWND window, UINT_PTR id, UINT milliseconds) {
+    MessageQueue& queue = currentQueue();
+    const auto interval = std::chrono::milliseconds(std::max(milliseconds, kMinimumTimerInterval));
+    std::lock_guard<std::mutex> guard(queue.lock);
+    for (auto& [key, timer] : queue.timers) {
+        if (timer.window == window && timer.windowTimerId == id) {
+            timer.interval = interval;
+            timer.due = Clock::now() + interval;
+            return;
+        }
+    }
+    const UINT_PTR key = gNextTimerId.fetch_add(1);
+    queue.timers[key] = MessageQueue::Timer{key, interval, nullptr, Clock::now() + interval, window, id};
+    queue.wake.notify_all();
+}
+
+bool killWindowTimer(HWND window, UINT_PTR id) {
+    MessageQueue& queue = currentQueue();
+    std::lock_guard<std::mutex> guard(queue.lock);
+    return std::erase_if(queue.timers, [&](const auto& entry) {
+               return entry.second.window == window && entry.second.windowTimerId == id;
+           }) > 0;
+}
+
+void forgetWindow(HWND window) {
+    MessageQueue& queue = currentQueue();
+    std::lock_guard<std::mutex> guard(queue.lock);
+    std::erase_if(queue.timers, [&](const auto& entry) { return entry.second.window == window; });
+    std::erase_if(queue.posted, [&](const MSG& msg) { return msg.hwnd == window; });
 }
 
 CPoint getMessagePos() {
@@ -328,6 +456,7 @@ DWORD msgWaitForMultipleObjects(DWORD count, Thread* const* threads, DWORD milli
     std::condition_variable ownWake;
     MessageQueue* queue = wakeMask ? &currentQueue() : nullptr;
     Thread::Waiter waiter{queue ? &queue->lock : &ownLock, queue ? &queue->wake : &ownWake};
+    QueueInput* input = queue ? inputOf(*queue) : nullptr;
     for (DWORD i = 0; i < count; ++i) threads[i]->addWaiter(&waiter);
 
     std::optional<Clock::time_point> deadline;
@@ -341,6 +470,18 @@ DWORD msgWaitForMultipleObjects(DWORD count, Thread* const* threads, DWORD milli
                 result = WAIT_OBJECT_0 + static_cast<DWORD>(ended - threads);
                 break;
             }
+            if (input) {
+                // Display input and paint count as input too; both are found without the lock.
+                guard.unlock();
+                collectInput(*queue, input);
+                MSG paint;
+                const bool needsPaint = input->nextPaint(&paint);
+                guard.lock();
+                if (needsPaint) {
+                    result = WAIT_OBJECT_0 + count;
+                    break;
+                }
+            }
             const auto now = Clock::now();
             if (queue && queue->hasInputLocked(now)) {
                 result = WAIT_OBJECT_0 + count;
@@ -351,10 +492,16 @@ DWORD msgWaitForMultipleObjects(DWORD count, Thread* const* threads, DWORD milli
             if (queue)
                 if (auto timer = queue->nextTimerLocked(); timer && (!wakeAt || *timer < *wakeAt))
                     wakeAt = timer;
-            if (wakeAt)
+            if (input && input->waitsInDisplay()) {
+                // A thread's end signals the condition variable, not the display: look again often.
+                const auto slice = now + std::chrono::milliseconds(5);
+                if (!wakeAt || slice < *wakeAt) wakeAt = slice;
+                sleepLocked(*queue, guard, wakeAt);
+            } else if (wakeAt) {
                 waiter.wake->wait_until(guard, *wakeAt);
-            else
+            } else {
                 waiter.wake->wait(guard);
+            }
         }
     }
     for (DWORD i = 0; i < count; ++i) threads[i]->removeWaiter(&waiter);

@@ -5,8 +5,9 @@
 // Contract: every thread has at most one queue, made the first time the thread calls one of these
 // functions (or ensureMessageQueue) and gone when the thread ends. Anyone may post to a thread that
 // has a queue; everything else acts on the calling thread's own queue. Messages come out in the
-// order they were posted; a quit request comes after all posted messages, and timer messages after
-// that, one per due timer, so a busy queue delays its timers rather than piling them up.
+// order they were posted; a quit request comes after all posted messages, then a made-up WM_PAINT for
+// a window that needs painting, and timer messages after that, one per due timer, so a busy queue
+// delays its paints and timers rather than piling them up.
 // A message that leaves the queue sets the thread's message position and, for key messages, its
 // key state, both as of that message.
 
@@ -29,6 +30,29 @@ DWORD getTickCount();
 // case. 0 for an empty name or when the numbers are used up.
 UINT registerWindowMessage(const char16_t* name);
 
+// What a thread's display adds to its queue: input collected from the display server, made-up paint
+// messages, and a wait that the display server can end. Everything but wake() runs on the owning
+// thread with no queue lock held.
+class QueueInput {
+public:
+    virtual ~QueueInput() = default;
+    // Called when nothing posted is waiting: posts the display's next input message(s), so that each
+    // is routed as things stand after the ones before it were handled.
+    virtual void collect() = 0;
+    // A WM_PAINT for a window that needs painting; false when none does.
+    virtual bool nextPaint(MSG* msg) = 0;
+    // Whether the thread waits inside the display server (then wake() must end that wait).
+    virtual bool waitsInDisplay() const = 0;
+    // Waits for display input or wake(), at most `milliseconds` (INFINITE: no limit).
+    virtual void waitForInput(DWORD milliseconds) = 0;
+    // Any thread, under the queue's lock: ends a waitForInput in progress, or the next one.
+    virtual void wake() = 0;
+};
+
+// Joins a display to the calling thread's queue (null: none). The input must outlive the thread's
+// use of it.
+void setQueueInput(QueueInput* input);
+
 // Makes the calling thread's queue, so that other threads can post to it before it first pumps.
 void ensureMessageQueue();
 
@@ -49,12 +73,23 @@ bool getMessage(MSG* msg);
 void postQuitMessage(int exitCode);
 // Delivers a message taken from the queue. A thread message has no window to go to: a timer message
 // runs the callback it carries; other thread messages are for the loop itself and do nothing here.
+// A window message goes to the window's handler through the dispatcher the window layer installs,
+// which drops messages for windows that no longer exist.
 LRESULT dispatchMessage(const MSG* msg);
+using WindowDispatcher = LRESULT (*)(const MSG* msg);
+void setWindowDispatcher(WindowDispatcher dispatcher);
 
 // A timer of the calling thread: WM_TIMER with the id as wParam and the callback as lParam, every
 // `milliseconds` (at least 10). Ids are unique in the process and never 0.
 UINT_PTR setTimer(UINT milliseconds, TIMERPROC callback);
 bool killTimer(UINT_PTR id);
+// A window's timer on the calling thread: WM_TIMER for that window with the caller's id as wParam.
+// Setting an id the window already has restarts it with the new interval.
+void setWindowTimer(HWND window, UINT_PTR id, UINT milliseconds);
+bool killWindowTimer(HWND window, UINT_PTR id);
+// Stops every timer of the window and takes every message posted for it out of the calling thread's
+// queue: a destroyed window is sent nothing more.
+void forgetWindow(HWND window);
 
 // Where the pointer was for the last message taken from the calling thread's queue.
 CPoint getMessagePos();

@@ -99,6 +99,46 @@ SeparableFilter::Pixels pixelsOf(const BITMAPINFOHEADER& header, const void* bit
 
 }  // namespace
 
+bool isDrawableRowFormat(const BITMAPINFOHEADER& header) {
+    return formatFor(header) != 0 && header.biWidth > 0 && header.biHeight != 0;
+}
+
+int stretchRowsOnto(pixman_image* target, const pixman_region32* clip, int xDest, int yDest, int destWidth,
+                    int destHeight, int xSrc, int ySrc, int srcWidth, int srcHeight, const void* bits,
+                    const BITMAPINFO& info, bool filter) {
+    const BITMAPINFOHEADER& from = info.bmiHeader;
+    if (!target || !bits || !isDrawableRowFormat(from) || destWidth <= 0 || destHeight <= 0) return 0;
+    const int fromHeight = std::abs(from.biHeight);
+    if (!inside(xSrc, srcWidth, from.biWidth) || !inside(ySrc, srcHeight, fromHeight)) return 0;
+    pixman_image_t* source = imageOver(from, bits);
+    if (!source) return 0;
+    const double scaleX = static_cast<double>(srcWidth) / destWidth;
+    const double scaleY = static_cast<double>(srcHeight) / destHeight;
+    const int topSrc = fromHeight - ySrc - srcHeight;
+    pixman_f_transform ft;
+    pixman_f_transform_init_scale(&ft, scaleX, scaleY);
+    pixman_f_transform_translate(&ft, nullptr, xSrc, topSrc);
+    pixman_transform transform;
+    pixman_transform_from_pixman_f_transform(&transform, &ft);
+    pixman_image_set_transform(source, &transform);
+    pixman_fixed_t* separable = nullptr;
+    if (filter) {
+        int count = 0;
+        separable = separableFilter(scaleX, scaleY, &count);
+        setGoodFilter(source, scaleX, scaleY, separable, count);
+    } else {
+        pixman_image_set_filter(source, PIXMAN_FILTER_NEAREST, nullptr, 0);
+    }
+    pixman_image_set_repeat(source, PIXMAN_REPEAT_PAD);
+    pixman_image_set_clip_region32(target, const_cast<pixman_region32_t*>(clip));
+    pixman_image_composite32(PIXMAN_OP_SRC, source, nullptr, target, 0, 0, 0, 0, xDest, yDest, destWidth,
+                             destHeight);
+    pixman_image_set_clip_region32(target, nullptr);
+    std::free(separable);
+    pixman_image_unref(source);
+    return srcHeight;
+}
+
 int stretchDIBits(Bitmap* dest, int xDest, int yDest, int destWidth, int destHeight, int xSrc, int ySrc,
                   int srcWidth, int srcHeight, const void* bits, const BITMAPINFO& info) {
     if (!dest || !dest->isDibSection() || !dest->bits() || !bits) return 0;

@@ -206,6 +206,26 @@ const unsigned char* journalView(File& file, int* size) {
     return view && std::memcmp(view, kJournalMagic, sizeof kJournalMagic) == 0 ? view : nullptr;
 }
 
+// True for what a process killed while making a journal leaves: an empty file, or one page holding
+// a fresh header written in part (every byte either the header's or still zero). Such a file was never
+// armed and protects nothing, so it is taken as an idle journal of ours.
+bool isUnfinishedJournal(File& file) {
+    const int size = file.getSize();
+    if (size == 0) return true;
+    if (size < 0 || size > kJournalPage) return false;
+    JournalHeader fresh{};
+    std::memcpy(fresh.magic, kJournalMagic, sizeof fresh.magic);
+    fresh.version = kJournalVersion;
+    const auto* expected = reinterpret_cast<const unsigned char*>(&fresh);
+    const auto* view = static_cast<const unsigned char*>(file.map());
+    if (!view) return false;
+    bool unfinished = true;
+    for (int i = 0; i < size && unfinished; ++i)
+        unfinished = view[i] == 0 || (i < kJournalHeaderSize && view[i] == expected[i]);
+    file.unmap();
+    return unfinished;
+}
+
 // Renames the journal at path to a new name beside it (or, where that name would be too long, a
 // short one in the same folder). Nothing is ever deleted.
 bool setAside(const std::string& path) {
@@ -288,6 +308,10 @@ bool DatabaseJournal::recover(const Blocks& blocks, CString* why) {
     if (!S_ISREG(info.st_mode)) return refuse(why, mPath, u" is not a file this program wrote");
     OwnedPtr<File> file = File::create(mPath);
     if (!file || !file->open(false)) return refuse(why, mPath, u" cannot be opened for writing");
+    if (isUnfinishedJournal(*file)) {
+        fs.unlink(path.c_str());
+        return true;
+    }
     int size = 0;
     const unsigned char* view = journalView(*file, &size);
     if (!view) return refuse(why, mPath, u" is not a file this program wrote");
@@ -330,16 +354,18 @@ bool DatabaseJournal::ensureOpen(std::int64_t imageSize) {
         OwnedPtr<File> file = File::create(mPath);
         if (!file) return false;
         if (!file->create(false)) {
-            // A journal of ours left idle (one that could not be removed) is taken over; anything
-            // else in its place is left alone.
+            // A journal of ours left idle (one that could not be removed) or unfinished is taken over;
+            // anything else in its place is left alone.
             struct stat info;
             int size = 0;
             if (FileSystem::current().linkStat(mPath.toUtf8().c_str(), &info) != 0 ||
                 !S_ISREG(info.st_mode) || !file->open(false))
                 return false;
-            const unsigned char* view = journalView(*file, &size);
-            if (!view || loadWord(view + offsetof(JournalHeader, state)) != kJournalIdle) return false;
-            file->unmap();
+            if (!isUnfinishedJournal(*file)) {
+                const unsigned char* view = journalView(*file, &size);
+                if (!view || loadWord(view + offsetof(JournalHeader, state)) != kJournalIdle) return false;
+                file->unmap();
+            }
         }
         if (!file->allocate(kJournalPage) || !(mView = file->map())) {
             file->close();

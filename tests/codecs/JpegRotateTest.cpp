@@ -85,6 +85,8 @@ TEST_F(JpegRotate, RefusalsAndPixelsAgreeWithJpegtran) {
                 for (int marker : {0xE1, 0xE2, 0xED, 0xFE})
                     EXPECT_EQ(jpegSegments(bytes, marker), jpegSegments(after, marker))
                         << file << " " << marker;
+                EXPECT_EQ(readFileBytes(dir.file("reference.jpg")).substr(0, 4), after.substr(0, 4))
+                    << file << ": the first segment is not jpegtran's";
                 struct stat info;
                 stat(path.c_str(), &info);
                 EXPECT_EQ(1200000000, info.st_mtim.tv_sec) << "the times are kept";
@@ -155,7 +157,7 @@ TEST_F(JpegRotate, AProcessKilledMidwayLeavesTheOriginal) {
         EXPECT_EXIT(
             {
                 FaultyFileSystem dying;
-                atWrite ? dying.dieAtWrite() : dying.dieAtRename();
+                atWrite ? dying.dieAfterWriting(0) : dying.dieAtRename(1);
                 rotate(path, 90);
             },
             ::testing::ExitedWithCode(9), "");

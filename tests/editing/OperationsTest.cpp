@@ -1,8 +1,7 @@
 // The geometric and tone operations: what each does to the pixels, on a small picture always and on
-// real photographs once each, with undo and redo giving back the exact bytes; downsizing; records.
+// real photographs once each, with undo and redo giving back the exact bytes; downsizing.
 
 #include <gtest/gtest.h>
-#include <math.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -31,12 +30,15 @@
 using namespace Orvanta;
 using OrvantaTest::makePatternDib;
 using OrvantaTest::packedPixels;
+using OrvantaTest::pixelAt;
+using OrvantaTest::Rgb;
 
 namespace {
 
-void copyPixels(Dib* to, Dib* from) {
-    DibWalker source(from);
-    DibWalker(to).copyFrom(&source, false);
+// A copy of the picture's colours in pixels of that many bytes.
+OwnedPtr<Dib> copyOf(Dib* from, int channels) {
+    return OrvantaTest::makeDib(
+        from->getSize().cx, from->getSize().cy, [=](int x, int y) { return pixelAt(from, x, y); }, channels);
 }
 
 // The geometric edits, and where each pixel of the result comes from in a w x h picture.
@@ -76,27 +78,6 @@ void checkMoves(Dib* picture, const std::string& name) {
         EXPECT_EQ(packedPixels(*OwnedPtr<Dib>(record->doOp(result, nullptr))), packedPixels(*picture))
             << name << move;
     }
-}
-
-struct Photographs : ::testing::Test {
-    void SetUp() override {
-        ORVANTA_REQUIRE_TESTDATA();
-        if (OrvantaTest::decodedPhotographs().empty()) GTEST_SKIP() << "no photograph could be decoded";
-    }
-};
-
-// One edit of every kind; the crop is made for the size the picture has when it runs.
-std::vector<OwnedPtr<EditingOp>> everyEdit(CSize size) {
-    std::vector<OwnedPtr<EditingOp>> ops;
-    ops.emplace_back(RotateOp::create(90));
-    ops.emplace_back(MirrorOp::create(false));
-    ops.emplace_back(ColorizeOp::create(0.9, 0.9, 0.92, 8));
-    ops.emplace_back(CropOp::create(DibMask(0, 0, CSize(size.cy, size.cx), DibRect(0.1, 0.2, 0.85, 0.9), 0)));
-    ops.emplace_back(BWOp::create(0.5, 0.5, 0.5));
-    ops.emplace_back(RotateOp::create(180));
-    ops.emplace_back(MirrorOp::create(true));
-    ops.emplace_back(SepiaOp::create(0.65, 0.5, 0.35));
-    return ops;
 }
 
 }  // namespace
@@ -147,21 +128,33 @@ TEST(Moves, EveryByteOfAResultIsWrittenWhateverTheBlockHeld) {
     }
 }
 
-TEST_F(Photographs, MovesAndTheWholeHistoryGiveExactPixels) {
+TEST(Photographs, MovesAndTheWholeHistoryGiveExactPixels) {
+    ORVANTA_REQUIRE_TESTDATA();
+    if (OrvantaTest::decodedPhotographs().empty()) GTEST_SKIP() << "no photograph could be decoded";
     for (auto& [name, photo] : OrvantaTest::decodedPhotographs()) {
         checkMoves(photo, name);
-        const std::vector<OwnedPtr<EditingOp>> ops = everyEdit(photo->getSize());
+        // One edit of every kind; the crop is made for the size the picture has when it runs.
+        const OwnedPtr<EditingOp> ops[] = {
+            RotateOp::create(90),
+            MirrorOp::create(false),
+            ColorizeOp::create(0.9, 0.9, 0.92, 8),
+            CropOp::create(DibMask(0, 0, CSize(photo->getSize().cy, photo->getSize().cx),
+                                   DibRect(0.1, 0.2, 0.85, 0.9), 0)),
+            BWOp::create(0.5, 0.5, 0.5),
+            RotateOp::create(180),
+            MirrorOp::create(true),
+            SepiaOp::create(0.65, 0.5, 0.35)};
         OwnedPtr<EditableDib> picture(new EditableDib(photo));
         std::vector<std::string> states{packedPixels(*photo)};
         for (const auto& op : ops) {
             ASSERT_TRUE(picture->doOp(op));
             states.push_back(packedPixels(*picture));
         }
-        for (std::size_t i = ops.size(); i-- > 0;) {
+        for (std::size_t i = std::size(ops); i-- > 0;) {
             ASSERT_TRUE(picture->undo(true));
             ASSERT_EQ(packedPixels(*picture), states[i]) << name << " undo of edit " << i;
         }
-        for (std::size_t i = 0; i < ops.size(); ++i) {
+        for (std::size_t i = 0; i < std::size(ops); ++i) {
             ASSERT_TRUE(picture->redo());
             ASSERT_EQ(packedPixels(*picture), states[i + 1]) << name << " redo of edit " << i;
         }
@@ -169,45 +162,14 @@ TEST_F(Photographs, MovesAndTheWholeHistoryGiveExactPixels) {
     }
 }
 
-TEST(ToneKernel, TableFollowsTheGammaCurvesAndTheGreyIndexWeighsGreenThenBlueThenRed) {
-    unsigned char table[2041][3];
-    ColorizeOp::buildToneTable(0.9f, 0.9f, 0.92f, table);
-    const double levels[3] = {0.92f, 0.9f, 0.9f};  // blue, green, red
-    for (int i : {0, 1, 255, 510, 1020, 2039, 2040})
-        for (int c = 0; c < 3; ++c) {
-            const float t = static_cast<float>(i) * (1.0f / 2040.0f);
-            EXPECT_EQ(
-                table[i][c],
-                static_cast<int>(::pow(static_cast<double>(t), -::log10(levels[c]) / ::log10(2.0)) * 255.9));
-        }
-    // Exponent 1: each byte is trunc(t · 255.9) for t = (5 green + 2 blue + red) / 2040.
-    const unsigned long colours[5] = {RGB(255, 255, 255), RGB(0, 0, 0), RGB(0, 0, 255), RGB(255, 0, 0),
-                                      RGB(0, 255, 0)};
-    const int index[5] = {2040, 0, 510, 255, 1275};
-    OwnedPtr<Dib> dib(DibSection::create(5, 1, 3));
-    DibWalker w(dib.get());
-    for (int x = 0; x < 5; ++x) w.setPixel(colours[x], x, 0);
-    OwnedPtr<EditingOp> bw(BWOp::create(0.5, 0.5, 0.5));
-    OwnedPtr<Dib> grey(bw->doOp(dib, nullptr));
-    for (int x = 0; x < 5; ++x) {
-        const unsigned long v = static_cast<unsigned long>(
-            static_cast<double>(static_cast<float>(index[x]) * (1.0f / 2040.0f)) * 255.9);
-        EXPECT_EQ(DibWalker(grey.get()).getPixel(x, 0), v | (v << 8) | (v << 16)) << x;
-    }
-}
-
-TEST(ToneKernel, LayoutsViewsAndInPlaceAgree) {
+TEST(ToneKernel, LayoutsViewsAndInPlaceAgreeAndMidGreyLandsOnTheLevel) {
     OwnedPtr<Dib> photo(makePatternDib(37, 23, 3, 5));
     const CSize size = photo->getSize();
     OwnedPtr<ColorizeOp> sepia(SepiaOp::create(0.65, 0.5, 0.35));
     OwnedPtr<Dib> result(sepia->doOp(photo, nullptr));
     // The same colours in 4-byte pixels take the other fixed-stride loop.
-    OwnedPtr<Dib> wide(DibSection::create(size.cx, size.cy, 4)),
-        narrowed(DibSection::create(size.cx, size.cy, 3));
-    copyPixels(wide, photo);
-    OwnedPtr<Dib> wideResult(sepia->doOp(wide, nullptr));
-    copyPixels(narrowed, wideResult);
-    EXPECT_EQ(packedPixels(*narrowed), packedPixels(*result));
+    OwnedPtr<Dib> wideResult(sepia->doOp(copyOf(photo, 4), nullptr));
+    EXPECT_EQ(packedPixels(*copyOf(wideResult, 3)), packedPixels(*result));
     // A turned view goes through the general loop; turned back it is the same picture.
     unsigned char table[2041][3];
     ColorizeOp::buildToneTable(0.65f, 0.5f, 0.35f, table);
@@ -218,14 +180,28 @@ TEST(ToneKernel, LayoutsViewsAndInPlaceAgree) {
     OwnedPtr<EditingOp> back(RotateOp::create(270));
     EXPECT_EQ(packedPixels(*OwnedPtr<Dib>(back->doOp(general, nullptr))), packedPixels(*result));
     // In place.
-    OwnedPtr<Dib> copy(DibSection::create(size.cx, size.cy, 3));
-    copyPixels(copy, photo);
+    OwnedPtr<Dib> copy = copyOf(photo, 3);
     sepia->doOpInPlace(copy, nullptr);
     EXPECT_EQ(packedPixels(*copy), packedPixels(*result));
+    ColorizeOp::buildToneTable(0.9f, 0.9f, 0.92f, table);  // blue, green, red in each row
+    EXPECT_TRUE(table[0][0] == 0 && table[2040][1] == 255 && table[1020][0] == 235 && table[1020][2] == 230)
+        << "trunc(0.92 · 255.9) and trunc(0.9 · 255.9)";
+    // Level 0.5 is the straight line: each byte is trunc(t · 255.9), t = (5 green + 2 blue + red) / 2040.
+    OwnedPtr<Dib> dib(OrvantaTest::makeDib(4, 1, [](int x, int) {
+        return std::vector<OrvantaTest::Rgb>{{255, 255, 255}, {0, 0, 255}, {255, 0, 0}, {0, 255, 0}}[x];
+    }));
+    OwnedPtr<EditingOp> bw(BWOp::create(0.5, 0.5, 0.5));
+    OwnedPtr<Dib> grey(bw->doOp(dib, nullptr));
+    const int expected[] = {255, 63, 31, 159};
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(pixelAt(grey, x, 0), (Rgb{expected[x], expected[x], expected[x]})) << x;
 }
 
-TEST(Downsize, SizesFollowTheScaleRuleAndNoRecordIsMade) {
-    OwnedPtr<Dib> dib(makePatternDib(40, 30, 3)), thin(makePatternDib(400, 2, 3));
+TEST(Downsize, SizesFollowTheScaleRuleNoRecordIsMadeAndThePictureStaysUpright) {
+    // White above black: a stretch read from the wrong end would turn it over.
+    OwnedPtr<Dib> thin(makePatternDib(400, 2, 3)), dib(OrvantaTest::makeDib(40, 30, [](int, int y) {
+        return y < 15 ? Rgb{255, 255, 255} : Rgb{0, 0, 0};
+    }));
     const struct {
         Dib* dib;
         int method;
@@ -246,32 +222,13 @@ TEST(Downsize, SizesFollowTheScaleRuleAndNoRecordIsMade) {
         OwnedPtr<Dib> result(op->doOp(c.dib, &record));
         EXPECT_EQ(record, nullptr);
         EXPECT_EQ(result->getSize(), c.size);
-        if (c.method == 3) EXPECT_EQ(packedPixels(*result), std::string(20 * 15 * 3, '\0'));
+        EXPECT_TRUE(c.method != 3 || packedPixels(*result) == std::string(20 * 15 * 3, '\0')) << "blank";
     }
-}
-
-TEST(Downsize, EveryMethodKeepsThePictureUpright) {
-    // White above black: a stretch read from the wrong end would turn it over.
-    OwnedPtr<Dib> dib(OrvantaTest::makeDib(40, 30, [](int, int y) {
-        return y < 15 ? OrvantaTest::Rgb{255, 255, 255} : OrvantaTest::Rgb{0, 0, 0};
-    }));
     for (auto method : {DownsizeOp::DownsizeMethodResample, DownsizeOp::DownsizeMethodStretch,
                         DownsizeOp::DownsizeMethodStretchIfWorking}) {
         OwnedPtr<EditingOp> op(DownsizeOp::create(method, CSize(8, 8), false, false));
         OwnedPtr<Dib> small(op->doOp(dib, nullptr));
-        EXPECT_EQ(OrvantaTest::pixelAt(small, 4, 0), (OrvantaTest::Rgb{255, 255, 255})) << method;
-        EXPECT_EQ(OrvantaTest::pixelAt(small, 4, 5), (OrvantaTest::Rgb{0, 0, 0})) << method;
+        EXPECT_TRUE(pixelAt(small, 4, 0) == (Rgb{255, 255, 255}) && pixelAt(small, 4, 5) == (Rgb{0, 0, 0}))
+            << method;
     }
-}
-
-TEST(UndoRecords, SavedBitmapComesBackWithARedoOfThePresent) {
-    OwnedPtr<Dib> before(makePatternDib(30, 20, 3, 1)), after(makePatternDib(30, 20, 3, 2));
-    OwnedPtr<EditingOp> op(RotateOp::create(90));
-    OwnedPtr<UndoOp> saved(UndoOp::create(op, before, false));
-    UndoOp* redo = nullptr;
-    OwnedPtr<Dib> result(saved->doOp(after, &redo));
-    OwnedPtr<UndoOp> redoRecord(redo);
-    EXPECT_EQ(result.get(), before.get());
-    EXPECT_EQ(redoRecord->getSaved(), after.get());
-    EXPECT_TRUE(redoRecord->supportsInPlaceOp());
 }

@@ -7,16 +7,6 @@
 
 namespace OrvantaTest {
 
-std::vector<std::string> editingPhotographs() {
-    return {
-        "bmp/rgb24-photo-119x96-pad3.bmp",    // odd width: rows carry padding
-        "bmp/rle8-photo-hopper-128x128.bmp",  // read through the palette path
-        "jpeg/fujifilm-finepix40i-600x450.jpg",
-        "jpeg/sony-dsc-hx5v-730x547.jpg",         // odd height
-        "jpeg/canon-eos7d-photoshop-allsegs.jpg"  // portrait
-    };
-}
-
 Orvanta::Dib* loadPhotograph(const std::string& relative) {
     orvantaIUInit();
     const Orvanta::CString path = Orvanta::CString::fromUtf8(testDataPath(relative));
@@ -29,7 +19,9 @@ Orvanta::Dib* loadPhotograph(const std::string& relative) {
 const std::vector<std::pair<std::string, Orvanta::OwnedPtr<Orvanta::Dib>>>& decodedPhotographs() {
     static const auto photos = [] {
         std::vector<std::pair<std::string, Orvanta::OwnedPtr<Orvanta::Dib>>> loaded;
-        for (const auto& name : editingPhotographs())
+        for (const char* name : {"bmp/rgb24-photo-119x96-pad3.bmp", "bmp/rle8-photo-hopper-128x128.bmp",
+                                 "jpeg/fujifilm-finepix40i-600x450.jpg", "jpeg/sony-dsc-hx5v-730x547.jpg",
+                                 "jpeg/canon-eos7d-photoshop-allsegs.jpg"})
             if (Orvanta::Dib* dib = loadPhotograph(name))
                 loaded.emplace_back(name, Orvanta::OwnedPtr<Orvanta::Dib>(dib));
         return loaded;

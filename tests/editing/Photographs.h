@@ -10,11 +10,11 @@
 
 namespace OrvantaTest {
 
-// Test data paths (relative) of the photographs the editing tests run on.
-std::vector<std::string> editingPhotographs();
-// The photograph as a new top-down Dib at owner count 0, or null when it cannot be decoded.
+// The photograph (a test data path) as a new top-down Dib at owner count 0, or null when it cannot
+// be decoded.
 Orvanta::Dib* loadPhotograph(const std::string& relative);
-// The editing photographs that decode, each decoded once for the whole test program.
+// The editing photographs that decode, each decoded once for the whole test program: odd widths
+// whose rows carry padding, a palette picture, an odd height and a portrait.
 const std::vector<std::pair<std::string, Orvanta::OwnedPtr<Orvanta::Dib>>>& decodedPhotographs();
 
 }  // namespace OrvantaTest

@@ -1,22 +1,20 @@
-// Red-eye removal: the seed, the reconstruction against a plain fixed-point rule,
-// the threshold and correction with hand-computed pixels, the operation, and real photographs.
+// Red-eye removal: the seed, the reconstruction against a plain fixed-point rule, the threshold and
+// correction with hand-computed pixels, and the operation.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "orvanta/editing/EditableDib.h"
 #include "orvanta/editing/RedeyeDetector.h"
 #include "orvanta/editing/RedeyeOp.h"
 #include "orvanta/editing/UndoOp.h"
-#include "orvanta/pixels/DibSection.h"
+#include "orvanta/pixels/ByteDib.h"
 #include "orvanta/pixels/DibWalker.h"
-#include "tests/editing/Photographs.h"
-#include "tests/support/TestData.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
@@ -26,26 +24,18 @@ using OrvantaTest::Rgb;
 
 namespace {
 
-// Blue-first pixels (channels 3) or a mask plane (channels 1) in plain memory, with the view the
-// detector takes.
-struct Plane {
-    Plane(int w, int h, int channels = 1, int value = 0)
-        : width(w), height(h), channels(channels), bytes(static_cast<std::size_t>(w) * h * channels, value) {}
-    Plane(int w, int h, const std::function<Rgb(int, int)>& f) : Plane(w, h, 3) {
-        for (int y = 0; y < h; ++y)
-            for (int x = 0; x < w; ++x) set(x, y, f(x, y));
-    }
-    CGrNav nav() { return CGrNav(bytes.data(), width * channels, channels, width, height); }
-    unsigned char* at(int x, int y) { return &bytes[(static_cast<std::size_t>(y) * width + x) * channels]; }
-    Rgb get(int x, int y) { return {at(x, y)[2], at(x, y)[1], at(x, y)[0]}; }
-    void set(int x, int y, Rgb c) {
-        at(x, y)[0] = static_cast<unsigned char>(c.b);
-        at(x, y)[1] = static_cast<unsigned char>(c.g);
-        at(x, y)[2] = static_cast<unsigned char>(c.r);
-    }
-    int width, height, channels;
-    std::vector<unsigned char> bytes;
-};
+// A mask plane of the size, every byte the value.
+OwnedPtr<Dib> mask(int width, int height, int value = 0) {
+    OwnedPtr<Dib> plane(ByteDib::create(width, height));
+    std::memset(plane->getBits(), value, plane->getBitsSize());
+    return plane;
+}
+unsigned char& at(Dib* plane, int x, int y) {
+    return plane->getBits()[y * plane->getStride() + x];
+}
+CGrNav nav(Dib* dib) {
+    return DibWalker(dib).getGrNav();
+}
 
 constexpr Rgb kGrey{60, 60, 60};
 constexpr Rgb kPupil{200, 40, 30};  // redness 227 - 71 = 156
@@ -60,14 +50,11 @@ std::function<Rgb(int, int)> pupilAt(int cx, int cy) {
 }
 
 // Runs the detector on a copy of the picture: the rectangle, and the copy it wrote into.
-CRect detect(Plane& in, int x, int y, Plane* out, bool showMask = false) {
-    *out = in;
-    Plane m1(in.width, in.height), m2(in.width, in.height);
-    return RedeyeDetector::detect(in.nav(), out->nav(), x, y, m1.nav(), m2.nav(), true, showMask);
-}
-
-int redness(Rgb c) {
-    return c.r - std::max(c.g, c.b);
+CRect detect(Dib* in, int x, int y, OwnedPtr<Dib>* out) {
+    const CSize size = in->getSize();
+    *out = OrvantaTest::makeDib(size.cx, size.cy, [&](int px, int py) { return pixelAt(in, px, py); });
+    return RedeyeDetector::detect(nav(in), nav(*out), x, y, nav(mask(size.cx, size.cy)),
+                                  nav(mask(size.cx, size.cy)), true, false);
 }
 
 }  // namespace
@@ -90,10 +77,10 @@ TEST(RedeyeDetector, SeedClimbsToTheReddestPointNearbyAtAQuarterOfTheSquaredDist
         {20, 8, 15, 3, {{{3, 7}, 255}}, {15, 3}}  // rows 12..18 lie outside: skipped, not clamped
     };
     for (const auto& c : cases) {
-        Plane m(c.w, c.h);
-        *m.at(c.x, c.y) = 10;
-        for (const auto& [point, value] : c.hot) *m.at(point.x, point.y) = static_cast<unsigned char>(value);
-        EXPECT_EQ(RedeyeDetector::refineSeed(m.nav(), c.x, c.y), c.seed)
+        OwnedPtr<Dib> m = mask(c.w, c.h);
+        at(m, c.x, c.y) = 10;
+        for (const auto& [point, value] : c.hot) at(m, point.x, point.y) = static_cast<unsigned char>(value);
+        EXPECT_EQ(RedeyeDetector::refineSeed(nav(m), c.x, c.y), c.seed)
             << c.hot[0].first.x << "," << c.hot[0].first.y;
     }
 }
@@ -104,18 +91,18 @@ TEST(RedeyeDetector, ReconstructionReachesTheFixedPointOfTheLowestLevelOnTheWay)
     std::srand(12345);
     for (int round = 0; round < 6; ++round) {
         const int w = 17 + round * 5, h = 13 + round * 3;
-        Plane m1(w, h), m2(w, h, 1, 77);
+        OwnedPtr<Dib> m1 = mask(w, h), m2 = mask(w, h, 77);
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x)
-                *m1.at(x, y) = static_cast<unsigned char>(y % 4 == 0  ? 120 + round
+                at(m1, x, y) = static_cast<unsigned char>(y % 4 == 0  ? 120 + round
                                                           : round % 2 ? std::rand() % 256
                                                                       : (std::rand() % 4 ? 0 : 255));
-        for (int y = 1; y < h; y += 2) *m1.at((y / 2) % 2 ? 0 : w - 1, y) = 140;
+        for (int y = 1; y < h; y += 2) at(m1, (y / 2) % 2 ? 0 : w - 1, y) = 140;
         const CPoint seed(w / 2, h / 2);
-        *m1.at(seed.x, seed.y) = round == 5 ? 0 : 250;
-        RedeyeDetector::reconstruct(m1.nav(), m2.nav(), seed, *m1.at(seed.x, seed.y));
+        at(m1, seed.x, seed.y) = round == 5 ? 0 : 250;
+        RedeyeDetector::reconstruct(nav(m1), nav(m2), seed, at(m1, seed.x, seed.y));
         std::vector<int> want(static_cast<std::size_t>(w) * h, 0);
-        want[seed.y * w + seed.x] = *m1.at(seed.x, seed.y);
+        want[seed.y * w + seed.x] = at(m1, seed.x, seed.y);
         for (bool changed = true; changed;) {
             changed = false;
             for (int y = 0; y < h; ++y)
@@ -123,13 +110,13 @@ TEST(RedeyeDetector, ReconstructionReachesTheFixedPointOfTheLowestLevelOnTheWay)
                     for (const CPoint q :
                          {CPoint(x + 1, y), CPoint(x - 1, y), CPoint(x, y + 1), CPoint(x, y - 1)}) {
                         if (q.x < 0 || q.x >= w || q.y < 0 || q.y >= h) continue;
-                        const int level = std::min<int>(*m1.at(x, y), want[q.y * w + q.x]);
+                        const int level = std::min<int>(at(m1, x, y), want[q.y * w + q.x]);
                         if (level > want[y * w + x]) want[y * w + x] = level, changed = true;
                     }
         }
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x)
-                ASSERT_EQ(*m2.at(x, y), want[y * w + x]) << round << ": " << x << "," << y;
+                ASSERT_EQ(at(m2, x, y), want[y * w + x]) << round << ": " << x << "," << y;
     }
 }
 
@@ -138,37 +125,22 @@ TEST(RedeyeDetector, PupilsAreFoundAndCorrectedToTheirReconstructedLevel) {
     // corrected. Pupil: k = 160 · 256 / 156 = 262, a = 155 · 262 · 2 >> 8 = 317: red down to green,
     // and the 10 between green and blue taken from red and green. A second pupil joined by one rim
     // pixel is reached only at 94: a = 93 · 262 · 2 >> 8 = 190, red to 40, then 7 off red and green.
-    Plane one(21, 21, pupilAt(10, 10)), out(0, 0);
+    OwnedPtr<Dib> one = OrvantaTest::makeDib(21, 21, pupilAt(10, 10)), out;
     EXPECT_EQ(detect(one, 10, 10, &out), CRect(8, 8, 13, 13));
     for (int y = 0; y < 21; ++y)
         for (int x = 0; x < 21; ++x) {
             const int ring = std::max(std::abs(x - 10), std::abs(y - 10));
-            ASSERT_EQ(out.get(x, y), (ring <= 1   ? Rgb{30, 30, 30}
-                                      : ring == 2 ? Rgb{46, 46, 40}
-                                                  : kGrey))
+            ASSERT_EQ(pixelAt(out, x, y), (ring <= 1   ? Rgb{30, 30, 30}
+                                           : ring == 2 ? Rgb{46, 46, 40}
+                                                       : kGrey))
                 << x << "," << y;
         }
-    Plane two(21, 21, [](int x, int y) {
+    OwnedPtr<Dib> two = OrvantaTest::makeDib(21, 21, [](int x, int y) {
         if (y >= 9 && y <= 11 && ((x >= 9 && x <= 11) || (x >= 13 && x <= 15))) return kPupil;
         return x == 12 && y == 10 ? kRim : kGrey;
     });
     EXPECT_EQ(detect(two, 10, 10, &out), CRect(9, 9, 16, 12));
-    EXPECT_EQ(out.get(14, 10), (Rgb{33, 33, 30}));
-    EXPECT_EQ(detect(one, 10, 10, &out, true), CRect(8, 8, 13, 13)) << "showing the mask";
-    EXPECT_TRUE(out.get(10, 10) == (Rgb{156, 156, 156}) && out.get(8, 10) == (Rgb{94, 94, 94}) &&
-                out.get(7, 10) == kGrey);
-}
-
-TEST(RedeyeDetector, PupilInSkinStopsAtTheSkin) {
-    // Skin of redness 33 all round: the region jumps into it below level 34, so the skin keeps its colour.
-    const Rgb skin{200, 150, 130};
-    auto inPupil = [](int x, int y) { return (x - 15) * (x - 15) + (y - 15) * (y - 15) <= 16; };
-    Plane p(31, 31, [&](int x, int y) { return inPupil(x, y) ? kPupil : skin; }), out(0, 0);
-    EXPECT_EQ(detect(p, 15, 15, &out), CRect(11, 11, 20, 20));
-    for (int y = 0; y < 31; ++y)
-        for (int x = 0; x < 31; ++x)
-            ASSERT_TRUE(inPupil(x, y) ? redness(out.get(x, y)) <= 10 : out.get(x, y) == skin)
-                << x << "," << y;
+    EXPECT_EQ(pixelAt(out, 14, 10), (Rgb{33, 33, 30}));
 }
 
 TEST(RedeyeDetector, NothingNeutralOutsideOrFillingTheBoxIsDrawn) {
@@ -180,7 +152,6 @@ TEST(RedeyeDetector, NothingNeutralOutsideOrFillingTheBoxIsDrawn) {
         CRect found;
     } cases[] = {{21, 21, 10, 10, [](int, int) { return kGrey; }, CRect()},
                  {5, 5, 5, 2, [](int, int) { return kPupil; }, CRect()},
-                 {5, 5, -1, 2, [](int, int) { return kPupil; }, CRect()},
                  {25, 20, 12, 10, [](int, int) { return kPupil; }, CRect(0, 0, 25, 20)},
                  {25, 20, 12, 10, [](int, int) { return kRim; }, CRect()},
                  {25, 20, 12, 10,
@@ -189,13 +160,13 @@ TEST(RedeyeDetector, NothingNeutralOutsideOrFillingTheBoxIsDrawn) {
                   },
                   CRect(0, 0, 25, 25)}};
     for (const auto& c : cases) {
-        Plane p(c.w, c.h, c.colour), out(0, 0);
+        OwnedPtr<Dib> p = OrvantaTest::makeDib(c.w, c.h, c.colour), out;
         EXPECT_EQ(detect(p, c.x, c.y, &out), c.found) << c.w << " " << c.x;
-        EXPECT_EQ(out.bytes, p.bytes);
+        EXPECT_EQ(packedPixels(*out), packedPixels(*p));
     }
 }
 
-TEST(RedeyeOp, ClickCorrectsThePupilAndKeepsThePatchOfTheClippedBox) {
+TEST(RedeyeOp, ClickCorrectsThePupilAndKeepsThePatchOfTheClippedBoxAndAClickOnNothingDoesNothing) {
     EXPECT_EQ(RedeyeOp::create(DibPoint(0.5, 0.5), -1), nullptr);
     const struct {
         int cx, cy, radius, channels;
@@ -204,9 +175,7 @@ TEST(RedeyeOp, ClickCorrectsThePupilAndKeepsThePatchOfTheClippedBox) {
                  {20, 15, 10, 4, {21, 21}},
                  {4, 3, 10, 3, {15, 14}}};  // (-6, -7, 15, 14) clipped
     for (const auto& c : cases) {
-        Plane p(40, 30, pupilAt(c.cx, c.cy));
-        OwnedPtr<Dib> dib = OrvantaTest::makeDib(
-            40, 30, [&](int x, int y) { return p.get(x, y); }, c.channels);
+        OwnedPtr<Dib> dib = OrvantaTest::makeDib(40, 30, pupilAt(c.cx, c.cy), c.channels);
         OwnedPtr<RedeyeOp> op = RedeyeOp::create(DibPoint((c.cx + 0.5) / 40, (c.cy + 0.5) / 30), c.radius);
         UndoOp* raw = nullptr;
         OwnedPtr<Dib> out = op->doOp(dib, &raw);
@@ -217,63 +186,12 @@ TEST(RedeyeOp, ClickCorrectsThePupilAndKeepsThePatchOfTheClippedBox) {
         EXPECT_EQ(record->getSaved()->getSize(), c.patch);
         EXPECT_EQ(packedPixels(*OwnedPtr<Dib>(record->doOp(out, nullptr))), packedPixels(*dib));
     }
-}
-
-TEST(RedeyeOp, ClickOnNothingLeavesNoHistory) {
-    Plane p(40, 30, pupilAt(30, 15));
-    OwnedPtr<Dib> dib = OrvantaTest::makeDib(40, 30, [&](int x, int y) { return p.get(x, y); });
-    OwnedPtr<EditableDib> editable = new EditableDib(dib);
-    ASSERT_TRUE(editable->doOp(OwnedPtr<EditingOp>(RedeyeOp::create(DibPoint(30.5 / 40, 15.5 / 30), 5))));
-    ASSERT_TRUE(editable->undo(true));
+    OwnedPtr<Dib> dib = OrvantaTest::makeDib(40, 30, pupilAt(30, 15));
     for (DibPoint click :
          {DibPoint(5.5 / 40, 15.5 / 30), DibPoint(1.0, 0.5), DibPoint(-0.2, 0.5), DibPoint(1e12, -1e12)}) {
-        OwnedPtr<RedeyeOp> op = RedeyeOp::create(click, 8);
         UndoOp* raw = reinterpret_cast<UndoOp*>(&raw);
-        EXPECT_EQ(op->doOp(dib, &raw), nullptr);
+        EXPECT_EQ(OwnedPtr<RedeyeOp>(RedeyeOp::create(click, 8))->doOp(dib, &raw), nullptr)
+            << "nothing to do";
         EXPECT_EQ(raw, nullptr);
-        EXPECT_FALSE(editable->doOp(op));
-    }
-    EXPECT_EQ(editable->getUndoCount(), 0);
-    EXPECT_EQ(editable->getRedoCount(), 1);
-}
-
-TEST(RedeyeOp, RealPhotographsLoseTheRedOfEachPupilAndUndoExactly) {
-    ORVANTA_REQUIRE_TESTDATA();
-    const struct {
-        const char* name;
-        std::vector<CPoint> eyes;
-        int radius;
-    } photos[] = {{"redeye/redeye-boldredeye-576x433.bmp", {{160, 193}, {432, 193}}, 30},
-                  {"redeye/redeye-boldredeye-nikon-d40-300x226.jpg", {{83, 101}, {225, 101}}, 16}};
-    for (const auto& photo : photos) {
-        OwnedPtr<Dib> picture = OrvantaTest::loadPhotograph(photo.name);
-        if (!picture) continue;  // no JPEG decoder here (neither the library's nor ImageMagick)
-        const CSize size = picture->getSize();
-        auto redPixels = [&](Dib* dib, CPoint eye) {  // strongly red pixels of the square about the eye
-            int n = 0;
-            for (int y = eye.y - photo.radius / 2; y <= eye.y + photo.radius / 2; ++y)
-                for (int x = eye.x - photo.radius / 2; x <= eye.x + photo.radius / 2; ++x)
-                    n += redness(pixelAt(dib, x, y)) > 80;
-            return n;
-        };
-        for (const CPoint eye : photo.eyes) {
-            ASSERT_GT(redPixels(picture, eye), 50) << photo.name;
-            // Clicks on the pupil and beside it give the same correction.
-            for (const CPoint offset : {CPoint(0, 0), CPoint(6, 0), CPoint(-5, 4), CPoint(0, -7)}) {
-                OwnedPtr<EditableDib> editable = new EditableDib(picture);
-                const DibPoint click((eye.x + offset.x + 0.5) / size.cx, (eye.y + offset.y + 0.5) / size.cy);
-                ASSERT_TRUE(editable->doOp(OwnedPtr<EditingOp>(RedeyeOp::create(click, photo.radius))));
-                EXPECT_LE(redPixels(editable, eye), 5)
-                    << photo.name << " click off by " << offset.x << "," << offset.y;
-                const CRect box(eye.x + offset.x - photo.radius, eye.y + offset.y - photo.radius,
-                                eye.x + offset.x + photo.radius + 1, eye.y + offset.y + photo.radius + 1);
-                for (int y = 0; y < size.cy; ++y)
-                    for (int x = 0; x < size.cx; ++x)
-                        if (!box.contains(CPoint(x, y)))
-                            ASSERT_EQ(pixelAt(editable, x, y), pixelAt(picture, x, y)) << x << "," << y;
-                ASSERT_TRUE(editable->undo(true));
-                EXPECT_EQ(packedPixels(*editable), packedPixels(*picture));
-            }
-        }
     }
 }

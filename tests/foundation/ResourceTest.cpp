@@ -1,17 +1,15 @@
-// Resource, StringOrResource and the resource module: strings of any length, the module override
-// while a string is read, bitmaps from BMP files and packed DIBs (against a reference decoder),
-// cursors, string table files, and the refusal of malformed input.
+// Resource and the resource module: strings of any length from the right module,
+// bitmaps from BMP files (against a reference decoder) and packed DIBs, cursors, string table files,
+// and the refusal of malformed input.
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "orvanta/foundation/Resource.h"
-#include "orvanta/foundation/StringOrResource.h"
 #include "orvanta/platform/ResourceModule.h"
 #include "tests/foundation/TestEnvironment.h"
 #include "tests/support/TempDir.h"
@@ -27,16 +25,12 @@ namespace {
 // A packed DIB: header, colour table, rows padded to 4 bytes.
 std::string packedDib(int width, int height, int bitCount, const std::vector<Orvanta::RGBQUAD>& palette,
                       const std::string& rows) {
-    Orvanta::BITMAPINFOHEADER h{};
-    h.biSize = sizeof h;
-    h.biWidth = width;
-    h.biHeight = height;
-    h.biPlanes = 1;
-    h.biBitCount = static_cast<Orvanta::WORD>(bitCount);
+    Orvanta::BITMAPINFOHEADER h = OrvantaTest::bitmapHeader(width, height, bitCount).bmiHeader;
     h.biClrUsed = static_cast<Orvanta::DWORD>(palette.size());
-    std::string out(reinterpret_cast<const char*>(&h), sizeof h);
-    out.append(reinterpret_cast<const char*>(palette.data()), palette.size() * sizeof(Orvanta::RGBQUAD));
-    return out + rows;
+    return std::string(reinterpret_cast<const char*>(&h), sizeof h) +
+           std::string(reinterpret_cast<const char*>(palette.data()),
+                       palette.size() * sizeof(Orvanta::RGBQUAD)) +
+           rows;
 }
 
 // The rows of a bitmap top-down, without padding, as blue-green-red.
@@ -56,23 +50,7 @@ std::string topDownBgr(Bitmap* bitmap) {
 
 }  // namespace
 
-TEST(ResourceString, ReadsFromTheCurrentModuleOrItsOwn) {
-    ResourceModule host, other;
-    host.addString(100, u"from the host");
-    other.addString(100, u"from the other module");
-    other.addString(5, u"five");
-    OrvantaTest::ScopedResourceModule current(&host);
-    EXPECT_EQ(Resource(100).getString(), CString(u"from the host"));
-    EXPECT_EQ(Resource(100, &other).getString(), CString(u"from the other module"));
-    EXPECT_EQ(Resource(101).getString(), CString());
-    Resource resource(4, &other);
-    resource = 5;
-    EXPECT_EQ(resource.getString(), CString(u"five")) << "assigning an id keeps the module";
-    ResourceModule::setCurrent(nullptr);
-    EXPECT_EQ(Resource(100).getString(), CString()) << "null puts the process's own module back";
-}
-
-TEST(ResourceString, ReadingAnotherModuleLeavesTheCurrentOneToOtherThreads) {
+TEST(ResourceString, ReadsItsOwnModuleWithoutChangingTheCurrentOneAndComesBackWhole) {
     ResourceModule host, other;
     host.addString(1, u"host");
     other.addString(1, u"other");
@@ -87,49 +65,18 @@ TEST(ResourceString, ReadingAnotherModuleLeavesTheCurrentOneToOtherThreads) {
     reader.join();
     EXPECT_EQ(0, wrong);
     EXPECT_EQ(ResourceModule::current(), &host);
-}
-
-TEST(ResourceString, TextsOfAnyLengthComeBackWhole) {
-    ResourceModule module;
     // Around the steps of the reading buffer: 255 fits the first 256 with a character to spare.
-    for (std::size_t length : {0u, 1u, 254u, 255u, 256u, 257u, 511u, 512u, 1000u}) {
+    for (std::size_t length : {0u, 1u, 255u, 256u, 257u, 511u, 512u, 1000u}) {
         std::u16string text;
         for (std::size_t i = 0; i < length; ++i) text += static_cast<char16_t>(u'a' + i % 26);
-        module.addString(1, CString(text));
-        EXPECT_EQ(Resource(1, &module).getString().str(), text) << length;
+        other.addString(2, CString(text));
+        EXPECT_EQ(Resource(2, &other).getString().str(), text) << length;
     }
-    char16_t buffer[4] = {u'x', u'x', u'x', u'x'};
-    EXPECT_EQ(module.loadString(1, buffer, 4), 3);
-    EXPECT_EQ(std::u16string(buffer), u"abc");
-    EXPECT_EQ(module.loadString(2, buffer, 4), 0);
-    EXPECT_EQ(buffer[0], u'\0');
+    ResourceModule::setCurrent(nullptr);
+    EXPECT_EQ(Resource(1).getString(), CString()) << "null puts the process's own module back";
 }
 
-TEST(StringOrResourceText, OwnsItsTextAndReadsResourcesAtEachUse) {
-    for (const StringOrResource& empty :
-         {StringOrResource(), StringOrResource(static_cast<const char16_t*>(nullptr)),
-          StringOrResource(CString()), StringOrResource(u"")})
-        EXPECT_EQ(empty.getString(), CString());
-    char16_t source[] = u"title";
-    StringOrResource text(source);
-    source[0] = u'T';
-    StringOrResource copy(text);
-    text = StringOrResource(u"changed");
-    EXPECT_EQ(copy.getString(), CString(u"title"));
-    ResourceModule module;
-    OrvantaTest::ScopedResourceModule current(&module);
-    module.addString(30, u"first");
-    const StringOrResource byId(30, nullptr);
-    EXPECT_EQ(byId.getString(), CString(u"first"));
-    module.addString(30, u"second");
-    EXPECT_EQ(byId.getString(), CString(u"second"));
-    ResourceModule other;
-    other.addString(30, u"other");
-    copy = StringOrResource(Resource(30, &other));
-    EXPECT_EQ(copy.getString(), CString(u"other"));
-}
-
-TEST(ResourceBitmap, PackedDibsKeepTheirRowsAndPalettesBecomeTwentyFourBits) {
+TEST(ResourceBitmap, PackedDibsKeepTheirRowsPalettesBecomeTwentyFourBitsAndMalformedOnesAreRefused) {
     // 24 bits top-down, rows of 6 bytes padded to 8; 1 bit, pixels 1, 0, 1 in the high end of the
     // first byte; 8 bits with an index beyond the colour table, which stays black.
     const std::string rows = std::string("\x01\x02\x03\x04\x05\x06\0\0\x07\x08\x09\x0a\x0b\x0c\0\0", 16);
@@ -150,39 +97,36 @@ TEST(ResourceBitmap, PackedDibsKeepTheirRowsAndPalettesBecomeTwentyFourBits) {
         EXPECT_TRUE(bitmap->isDibSection() && bitmap->header().biBitCount >= 24);
         EXPECT_EQ(topDownBgr(bitmap), c.pixels);
         Bitmap::deleteObject(bitmap);
-        EXPECT_EQ(Resource(12, &module).getCursor()->hotSpot, Orvanta::CPoint(1, 0));
-        EXPECT_TRUE(Resource(41, &module).getBitmap(true) == nullptr &&
-                    Resource(40, &module).getCursor() == nullptr)
-            << "cursors and bitmaps are kept apart";
+        EXPECT_TRUE(Resource(12, &module).getCursor()->hotSpot == Orvanta::CPoint(1, 0) &&
+                    !Resource(40, &module).getCursor());
     }
-}
-
-TEST(ResourceBitmap, MalformedDataIsRefused) {
     ResourceModule module;
     const std::string good = packedDib(2, 2, 24, {}, std::string(16, '\x11'));
-    EXPECT_FALSE(module.addBitmap(1, good.data(), good.size() - 1)) << "rows cut short";
-    EXPECT_FALSE(module.addBitmap(1, good.data(), 20)) << "header cut short";
-    EXPECT_FALSE(module.addBitmap(1, nullptr, 100));
-    std::string bad = good;
-    bad[14] = 16;  // biBitCount 16
-    EXPECT_FALSE(module.addBitmap(1, bad.data(), bad.size()));
-    bad = good;
-    bad[16] = 1;  // biCompression BI_RLE8
-    EXPECT_FALSE(module.addBitmap(1, bad.data(), bad.size()));
-    EXPECT_FALSE(module.addBitmap(1, packedDib(0, 2, 24, {}, "").data(), 40));
-    const std::string hugePalette =
-        packedDib(1, 1, 8, std::vector<Orvanta::RGBQUAD>(300), std::string(4, '\0'));
-    EXPECT_FALSE(module.addBitmap(1, hugePalette.data(), hugePalette.size()));
+    std::string bitCount16 = good, runLength = good;
+    bitCount16[14] = 16;
+    runLength[16] = 1;  // BI_RLE8
     // Sizes whose products overflow 64 bits must be refused, not wrapped into something small.
-    const std::string huge = packedDib(0x7fffffff, 0x7fffffff, 32, {}, std::string(64, '\0'));
-    EXPECT_FALSE(module.addBitmap(1, huge.data(), huge.size()));
-    const std::string hugeDown = packedDib(0x40000000, -0x7fff0000, 24, {}, std::string(64, '\0'));
-    EXPECT_FALSE(module.addBitmap(1, hugeDown.data(), hugeDown.size()));
+    const std::string refused[] = {
+        good.substr(0, good.size() - 1),
+        good.substr(0, 20),
+        bitCount16,
+        runLength,
+        packedDib(1, 1, 8, std::vector<Orvanta::RGBQUAD>(300), std::string(4, '\0')),
+        packedDib(0x7fffffff, 0x7fffffff, 32, {}, std::string(64, '\0')),
+        packedDib(0x40000000, -0x7fff0000, 24, {}, std::string(64, '\0'))};
+    for (const std::string& data : refused) EXPECT_FALSE(module.addBitmap(1, data.data(), data.size()));
+    EXPECT_FALSE(module.addBitmap(1, nullptr, 100));
     EXPECT_EQ(module.loadBitmap(1), nullptr) << "nothing was added";
 }
 
-TEST(ResourceBitmap, BmpFilesMatchTheReferenceDecoder) {
+TEST(ResourceBitmap, BmpFilesMatchTheReferenceDecoderOrAreRefused) {
     ORVANTA_REQUIRE_TESTDATA();
+    for (const char* name :
+         {"bmp/rle8.bmp", "bmp/rgb16-565.bmp", "bmp/rgb32-bitfields.bmp", "bmp/pal8-os2-v1-header.bmp",
+          "bmp/bad-shortfile.bmp", "bmp/bad-reallybig-3000000x2000000.bmp", "bmp/bad-bitcount.bmp"}) {
+        ResourceModule module;
+        EXPECT_FALSE(module.loadBitmapFile(1, CString::fromUtf8(OrvantaTest::testDataPath(name)))) << name;
+    }
     int compared = 0;
     for (const char* name : {"bmp/rgb24-bottomup-127x64-pad3.bmp", "bmp/rgb24-topdown-6x6.bmp",
                              "bmp/rgb32-127x64.bmp", "bmp/rgb24-photo-119x96-pad3.bmp", "bmp/pal8-127x64.bmp",
@@ -202,52 +146,27 @@ TEST(ResourceBitmap, BmpFilesMatchTheReferenceDecoder) {
     if (compared == 0) GTEST_SKIP() << "ImageMagick's convert is not installed";
 }
 
-TEST(ResourceBitmap, UnsupportedAndDamagedBmpFilesAreRefused) {
-    ORVANTA_REQUIRE_TESTDATA();
-    for (const char* name :
-         {"bmp/rle8.bmp", "bmp/rle4.bmp", "bmp/rgb16-565.bmp", "bmp/rgb32-bitfields.bmp",
-          "bmp/pal8-os2-v1-header.bmp", "bmp/embedded-jpeg-bi-jpeg.bmp", "bmp/bad-shortfile.bmp",
-          "bmp/bad-reallybig-3000000x2000000.bmp", "bmp/bad-bitcount.bmp"}) {
-        ResourceModule module;
-        EXPECT_FALSE(module.loadBitmapFile(1, CString::fromUtf8(OrvantaTest::testDataPath(name)))) << name;
-    }
-    ResourceModule module;
-    EXPECT_FALSE(module.loadBitmapFile(1, u"/nonexistent/picture.bmp"));
-    // Indexes beyond the colour table: read, with black for them.
-    EXPECT_TRUE(
-        module.loadBitmapFile(2, CString::fromUtf8(OrvantaTest::testDataPath("bmp/bad-palette-index.bmp"))));
-}
-
-TEST(ResourceStringTable, LoadsIdsTextsAndEscapes) {
+TEST(ResourceStringTable, LoadsIdsTextsAndEscapesAndAMalformedLineAddsNothing) {
     OrvantaTest::TempDir dir;
     OrvantaTest::writeFileBytes(dir.file("strings.txt"),
                                 "\xEF\xBB\xBF# the application's texts\r\n"
                                 "100\tOpen\r\n"
                                 "\n"
-                                "101\tTwo\\nlines\\tand a tab, a backslash \\\\\n"
+                                "101\tTwo\\nlines\\tand a backslash \\\\\n"
                                 "102\t\xC3\x9C"
                                 "bersicht\n"
-                                "103\t\n"
                                 "100\tOpen again");
     ResourceModule module;
     ASSERT_TRUE(module.loadStringTable(dir.wide("strings.txt")));
     EXPECT_EQ(Resource(100, &module).getString(), CString(u"Open again"));
-    EXPECT_EQ(Resource(101, &module).getString(), CString(u"Two\nlines\tand a tab, a backslash \\"));
+    EXPECT_EQ(Resource(101, &module).getString(), CString(u"Two\nlines\tand a backslash \\"));
     EXPECT_EQ(Resource(102, &module).getString(), CString(u"\u00dcbersicht"));
-    EXPECT_EQ(Resource(103, &module).getString(), CString());
-}
-
-TEST(ResourceStringTable, AMalformedLineAddsNothing) {
-    OrvantaTest::TempDir dir;
-    ResourceModule module;
-    module.addString(100, u"kept");
-    for (const char* body :
-         {"200\tfine\nnot a line\n", "200\tfine\n0\tzero id\n", "x1\tletters\n", "200\tbad escape \\q\n",
-          "200\ttrailing backslash \\\n", "99999999999\ttoo big\n", "-5\tnegative\n"}) {
-        OrvantaTest::writeFileBytes(dir.file("bad.txt"), body);
-        EXPECT_FALSE(module.loadStringTable(dir.wide("bad.txt"))) << body;
+    for (const char* bad : {"200\tfine\nnot a line\n", "200\tfine\n0\tzero id\n", "200\tbad escape \\q\n",
+                            "99999999999\ttoo big\n"}) {
+        OrvantaTest::writeFileBytes(dir.file("bad.txt"), bad);
+        EXPECT_FALSE(module.loadStringTable(dir.wide("bad.txt"))) << bad;
     }
     EXPECT_FALSE(module.loadStringTable(dir.wide("missing.txt")));
-    EXPECT_EQ(Resource(100, &module).getString(), CString(u"kept"));
+    EXPECT_EQ(Resource(100, &module).getString(), CString(u"Open again"));
     EXPECT_EQ(Resource(200, &module).getString(), CString());
 }

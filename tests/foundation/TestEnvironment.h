@@ -1,55 +1,34 @@
 #pragma once
-// Process settings for tests: locales and time zones for dates in the user's locale, variables
-// such as XDG_DATA_HOME, the current resource module; each set for the lifetime of an object.
-//
-// ensureLocale makes a locale such as "de_DE.UTF-8" available to setlocale: if the system lacks it,
-// it is built with localedef into a private folder under the temporary folder (kept and shared by
-// later test runs) that LOCPATH then points at. Tests skip when it cannot be had.
+// Process settings for tests, each set for the lifetime of an object: environment variables such as
+// TZ or XDG_DATA_HOME, and the current resource module.
 
+#include <cstdlib>
 #include <string>
 
 #include "orvanta/platform/ResourceModule.h"
 
 namespace OrvantaTest {
 
-bool ensureLocale(const std::string& name);
-
-// Sets the process's locale (all categories) for the lifetime of the object.
-class ScopedLocale {
-public:
-    explicit ScopedLocale(const std::string& name);
-    ~ScopedLocale();
-    ScopedLocale(const ScopedLocale&) = delete;
-    ScopedLocale& operator=(const ScopedLocale&) = delete;
-    bool ok() const { return mOk; }
-
-private:
-    std::string mSaved;
-    bool mOk = false;
-};
-
-// Sets an environment variable (unsets it for a null value) for the lifetime of the object.
+// Sets an environment variable for the lifetime of the object. The library calls tzset before each
+// conversion, so this also serves for TZ.
 class ScopedVariable {
 public:
-    ScopedVariable(const char* name, const char* value);
-    ~ScopedVariable();
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
+    ScopedVariable(const char* name, const char* value) : mName(name) {
+        const char* current = std::getenv(name);
+        mHadValue = current != nullptr;
+        if (current) mSaved = current;
+        setenv(name, value, 1);
+    }
+    ~ScopedVariable() {
+        if (mHadValue)
+            setenv(mName.c_str(), mSaved.c_str(), 1);
+        else
+            unsetenv(mName.c_str());
+    }
 
 private:
-    std::string mName;
-    std::string mSaved;
+    std::string mName, mSaved;
     bool mHadValue = false;
-};
-
-// Sets TZ (a POSIX rule such as "CET-1CEST,M3.5.0,M10.5.0/3") for the lifetime of the object.
-class ScopedTimeZone {
-public:
-    explicit ScopedTimeZone(const char* rule);
-    ~ScopedTimeZone();
-
-private:
-    ScopedVariable mVariable;
 };
 
 // Makes a resource module the current one for the lifetime of the object.
@@ -60,20 +39,12 @@ public:
         Orvanta::Platform::ResourceModule::setCurrent(module);
     }
     ~ScopedResourceModule() { Orvanta::Platform::ResourceModule::setCurrent(mSaved); }
-    ScopedResourceModule(const ScopedResourceModule&) = delete;
-    ScopedResourceModule& operator=(const ScopedResourceModule&) = delete;
 
 private:
     Orvanta::Platform::ResourceModule* mSaved;
 };
 
-// Central European time with its daylight saving rule; needs no time zone database.
+// Central European time with its daylight saving rule, as a TZ value; needs no time zone database.
 constexpr const char* kCentralEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
 
 }  // namespace OrvantaTest
-
-#define ORVANTA_REQUIRE_LOCALE(name)                                                                     \
-    do {                                                                                                 \
-        if (!OrvantaTest::ensureLocale(name))                                                            \
-            GTEST_SKIP() << "locale " << (name) << " is not installed and localedef could not build it"; \
-    } while (0)

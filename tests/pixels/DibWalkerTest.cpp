@@ -1,6 +1,6 @@
-// The pixel walker: construction, cursor, pixel access, view transforms, and the whole-view
-// operations, whose fast roads are checked against the plain walk and the resampler against an
-// independent one.
+// The pixel walker: views, cursor, pixel access, and the whole-view operations, whose fast roads
+// are checked against the plain walk and the resampler against an independent one. How turned views
+// address their pixels is checked by the editing tests, whose turns and mirrors are views copied out.
 
 #include "orvanta/pixels/DibWalker.h"
 
@@ -89,10 +89,9 @@ std::vector<unsigned long> referenceResize(DibWalker& src, int dw, int dh) {
 
 }  // namespace
 
-TEST(DibWalkerConstruction, ViewsAndTheirFailures) {
+TEST(DibWalkerViews, SubViewsAndTheirFailuresAndACursorThatStaysInsideAndOnItsPixelWhenTurned) {
     OwnedPtr<Dib> dib(makePatternDib(10, 7, 3));
     DibWalker whole(dib.get());
-    EXPECT_EQ(whole.getDeltaY(), 32) << "the row stride, padding included";
     // left trunc(2.5) = 2, top trunc(2.1) = 2, right trunc(7.6) = 7, bottom 7.
     DibWalker part(dib.get(), DibRect(0.25, 0.3, 0.76, 1.0));
     EXPECT_TRUE(part.width() == 5 && part.height() == 5 && part.getPixel() == whole.getPixel(2, 2));
@@ -105,15 +104,13 @@ TEST(DibWalkerConstruction, ViewsAndTheirFailures) {
     info.bmiHeader = {40, 4, -4, 1, 16, BI_RGB, 0, 0, 0, 0, 0};
     OwnedPtr<Dib> sixteen(StaticDib::create(info, PixelHeap::allocate(32)));
     unsigned char raw[16];
-    const std::u16string exceeds = u"Cannot construct DibWalker - subrect exceeds source rect.";
     const struct {
         std::function<void()> make;
         std::u16string message;
     } failures[] = {
         {[&] { DibWalker w(sixteen.get()); }, u"Cannot construct DibWalker from non-RGB Dib."},
-        {[&] { DibWalker w(dib.get(), 1, 0, 10, 7); }, exceeds},
-        {[&] { DibWalker w(dib.get(), -1, 0, 2, 2); }, exceeds},
-        {[&] { DibWalker w(dib.get(), DibRect(0.5, 0.0, 1.5, 1.0)); }, exceeds},
+        {[&] { DibWalker w(dib.get(), 1, 0, 10, 7); },
+         u"Cannot construct DibWalker - subrect exceeds source rect."},
         {[&] { DibWalker w(&turned, 0, 0, 10, 7); },
          u"Cannot construct DibWalker - specified rect exceeds source rect."},
         {[&] { DibWalker w(raw, 2, 2, 2, 4, 2); },
@@ -121,50 +118,25 @@ TEST(DibWalkerConstruction, ViewsAndTheirFailures) {
         {[&] { turned.rotate(45); }, u"Cannot rotate a DibWalker by other than 90, 180, or 270 degrees."}};
     for (const auto& f : failures) EXPECT_EQ(messageOf(f.make), f.message);
     EXPECT_EQ(turned.width(), 7) << "a bad angle changes nothing";
-}
-
-TEST(DibWalkerCursor, MovesStayInsideTheViewAndTurnsKeepTheCursorOnItsPixel) {
-    OwnedPtr<Dib> dib(makePatternDib(3, 2, 3));
     DibWalker w(dib.get());
     ASSERT_TRUE(w.goTo(1, 1));
-    EXPECT_FALSE(w.goToX(3));  // fails without resetting y
-    EXPECT_EQ(w.currentY(), 1);
-    EXPECT_TRUE(w.goToX(2));  // succeeds and resets y
-    EXPECT_EQ(w.currentY(), 0);
-    w.end();
-    EXPECT_FALSE(w.next());
+    EXPECT_TRUE(!w.goToX(10) && w.currentY() == 1) << "fails without resetting y";
+    EXPECT_TRUE(w.goToX(9) && w.currentY() == 0) << "succeeds and resets y";
     w.start();
     EXPECT_FALSE(w.prev() || w.prevX() || w.prevY());
     int count = 1;
     while (w.next()) ++count;
-    EXPECT_EQ(count, 6);
-    OwnedPtr<Dib> tall(makePatternDib(2, 3, 3));
-    DibWalker t(tall.get());
+    EXPECT_EQ(count, 70);
+    DibWalker t(dib.get());
     t.goTo(1, 0);
     const unsigned long pixel = t.getPixel();
     t.rotate(90);
-    EXPECT_TRUE(t.width() == 3 && t.currentX() == 2 && t.currentY() == 1 && t.getPixel() == pixel);
+    EXPECT_TRUE(t.width() == 7 && t.currentX() == 6 && t.currentY() == 1 && t.getPixel() == pixel);
     t.rotate(270);
     t.rotate(180);
     EXPECT_EQ(t.getPixel(), pixel);
     t.mirror(true);
     EXPECT_TRUE(t.currentX() == 0 && t.currentY() == 0);
-}
-
-TEST(DibWalkerCursor, TurnedViewsAddressTheRightPixels) {
-    OwnedPtr<Dib> dib(makePatternDib(7, 4, 3));
-    DibWalker plain(dib.get());
-    for (int angle : {90, 180, 270}) {
-        DibWalker turned(dib.get());
-        turned.rotate(angle);
-        for (int y = 0; y < turned.height(); ++y)
-            for (int x = 0; x < turned.width(); ++x) {
-                // Clockwise: the view's (x, y) shows the plain picture's pixel at:
-                const int px = angle == 90 ? y : angle == 180 ? 6 - x : 6 - y;
-                const int py = angle == 90 ? 3 - x : angle == 180 ? 3 - y : x;
-                ASSERT_EQ(turned.getPixel(x, y), plain.getPixel(px, py)) << angle;
-            }
-    }
 }
 
 TEST(DibWalkerPixels, ColourValuesFollowColorrefAndGreySpreads) {
@@ -173,14 +145,10 @@ TEST(DibWalkerPixels, ColourValuesFollowColorrefAndGreySpreads) {
     DibWalker w(dib.get());
     w.setPixel(RGB(0x10, 0x20, 0x30));
     EXPECT_EQ(bytesOf(dib).substr(0, 4), "\x30\x20\x10\x77") << "blue first, the fourth byte kept";
-    unsigned char r, g, b, v = 0;
-    w.getPixel(r, g, b);
-    EXPECT_TRUE(r == 0x10 && g == 0x20 && b == 0x30);
     OwnedPtr<Dib> grey(ByteDib::create(2, 1));
     DibWalker gw(grey.get());
     gw.setPixel(RGB(0x12, 0x34, 0x56));  // the low byte
-    gw.getPixel(v);
-    EXPECT_TRUE(v == 0x12 && gw.getPixel() == 0x121212ul);
+    EXPECT_EQ(gw.getPixel(), 0x121212ul);
     w.copyFrom(&gw, false);
     EXPECT_EQ(w.getPixel(0, 0), 0x121212ul) << "grey spreads to all three colours";
     w.setPixel(RGB(0x11, 0x22, 0x33), 1, 0);
@@ -190,29 +158,7 @@ TEST(DibWalkerPixels, ColourValuesFollowColorrefAndGreySpreads) {
     DibWalker o(other.get());
     EXPECT_EQ(messageOf([&] { w.copyFrom(&o, false); }),
               u"Cannot copy dib region - source and dest size are different");
-    EXPECT_EQ(messageOf([&] { gw.getPixel(r, g, b); }), u"getPixel call expecting RGB dib");
-    EXPECT_EQ(messageOf([&] { gw.setPixel(r, g, b); }), u"setPixel call expecting RGB dib");
     EXPECT_EQ(messageOf([&] { gw.getPixel(2, 0); }), u"getPixel call is outside of DibWalker extents.");
-    EXPECT_EQ(messageOf([&] { w.getPixel(v); }), u"getPixel call expecting dib of pixel size = 1 byte");
-}
-
-TEST(DibWalkerWholeView, FillsColourChangesAndCheckerboards) {
-    OwnedPtr<Dib> dib(makePatternDib(8, 4, 3));
-    DibWalker w(dib.get());
-    w.goTo(2, 3);
-    w.fillSolid(RGB(1, 2, 3));
-    EXPECT_TRUE(w.currentX() == 2 && w.currentY() == 3) << "the cursor comes back";
-    w.invertColors();
-    w.swapRandB();
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 8; ++x) ASSERT_EQ(w.getPixel(x, y), RGB(252, 253, 254));
-    // n below both sides: squares of one pixel along the longer side; above both: p and q even.
-    w.fillCheckerboard(RGB(255, 0, 0), RGB(0, 0, 255), 2);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 8; ++x) ASSERT_EQ(w.getPixel(x, y), x % 2 ? RGB(0, 0, 255) : RGB(255, 0, 0));
-    w.fillCheckerboard(RGB(255, 0, 0), RGB(0, 0, 255), 16);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 8; ++x) ASSERT_EQ(w.getPixel(x, y), RGB(255, 0, 0));
 }
 
 TEST(DibWalkerWholeView, FastCopiesAndFlipsEqualThePlainWalk) {
@@ -258,16 +204,9 @@ TEST(DibWalkerResize, EqualsTheResamplerWrittenOutPlainly) {
     const struct {
         int sw, sh, dw, dh, fromChannels;
         std::vector<int> steps;
-    } cases[] = {{8, 6, 4, 3, 3, {}},
-                 {100, 80, 33, 17, 3, {}},
-                 {100, 80, 7, 80, 3, {}},
-                 {31, 29, 64, 50, 3, {}},
-                 {97, 61, 40, 41, 4, {}},
-                 {60, 90, 13, 11, 3, {90}},
-                 {60, 90, 17, 23, 4, {270, -1}},
-                 {5, 300, 3, 7, 3, {-2}},
-                 {300, 2, 1, 1, 3, {}},
-                 {12, 12, 11, 13, 3, {180}}};
+    } cases[] = {{100, 80, 33, 17, 3, {}}, {100, 80, 7, 80, 3, {}},   {31, 29, 64, 50, 3, {}},
+                 {97, 61, 40, 41, 4, {}},  {60, 90, 13, 11, 3, {90}}, {60, 90, 17, 23, 4, {270, -1}},
+                 {5, 300, 3, 7, 3, {-2}},  {300, 2, 1, 1, 3, {}},     {12, 12, 11, 13, 3, {180}}};
     for (const auto& c : cases) {
         OwnedPtr<Dib> source(makePatternDib(c.sw, c.sh, c.fromChannels, 5)),
             target(makePatternDib(c.dw, c.dh, 3, 1));
@@ -281,12 +220,10 @@ TEST(DibWalkerResize, EqualsTheResamplerWrittenOutPlainly) {
         EXPECT_EQ(got, referenceResize(view, c.dw, c.dh))
             << c.sw << "x" << c.sh << " -> " << c.dw << "x" << c.dh;
     }
-    OwnedPtr<Dib> small(ByteDib::create(4, 4)), large(ByteDib::create(8, 8)),
-        rgb(DibSection::create(8, 8, 3));
+    OwnedPtr<Dib> small(ByteDib::create(4, 4)), large(ByteDib::create(8, 8));
     std::memset(large->getBits(), 0x55, large->getBitsSize());
-    DibWalker s(small.get()), l(large.get()), c(rgb.get());
+    DibWalker s(small.get()), l(large.get());
     DibWalker(large.get(), 0, 0, 4, 4).resizeTo(&s);  // grey views resize only at equal sizes: a copy
     EXPECT_EQ(s.getPixel(3, 3), 0x555555ul);
     EXPECT_EQ(messageOf([&] { s.resizeFrom(&l); }), u"getPixel call expecting RGB dib");
-    EXPECT_EQ(messageOf([&] { s.resizeFrom(&c); }), u"setPixel call expecting RGB dib");
 }

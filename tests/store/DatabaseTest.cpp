@@ -518,6 +518,29 @@ TEST_F(DatabaseJournalTest, StaleJournalIsSetAsideAndTheFileOpensAsItStands) {
     }
 }
 
+// A process killed while making its journal leaves an empty file or one page of a header begun:
+// never armed, so the next open takes it as its own and the file opens whole. A page that holds
+// anything else is still refused.
+TEST_F(DatabaseJournalTest, JournalLeftUnfinishedByItsMakerIsTakenOver) {
+    const std::string current = readFileBytes(dir.file("db"));
+    const std::string magic = "##OrvantaDBJ###";
+    const std::pair<std::string, bool> cases[] = {
+        {"", true},
+        {std::string(4096, '\0'), true},
+        {magic.substr(0, 5) + std::string(4091, '\0'), true},
+        {magic + '\0' + std::string(28, '\0') + "\x01" + std::string(4051, '\0'), true},
+        {"##OrvantaDBJ##X" + std::string(4081, '\0'), false},
+        {std::string(4095, '\0') + "x", false}};
+    for (const auto& [bytes, taken] : cases) {
+        SCOPED_TRACE(bytes.size());
+        writeFileBytes(dir.file("db-journal"), bytes);
+        EXPECT_EQ(opens("db"), taken ? kOpens : kCannot);
+        EXPECT_EQ(filesNamed(dir, "db-journal").empty(), taken);
+        EXPECT_EQ(readFileBytes(dir.file("db")), current);
+        fs::remove(dir.file("db-journal"));
+    }
+}
+
 TEST_F(DatabaseJournalTest, JournalThatCannotBeHandledKeepsTheFileClosed) {
     interrupt("replace");
     const auto failure = [&] {

@@ -21,7 +21,6 @@ int FaultyFileSystem::open(const char* path, int flags, mode_t mode) {
 }
 
 ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
-    if (mDieAtWrite) _exit(9);
     if (mWriteBudget >= 0) {
         if (mWriteBudget == 0) {
             errno = ENOSPC;
@@ -29,7 +28,12 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
         }
         if (static_cast<long long>(size) > mWriteBudget) size = static_cast<std::size_t>(mWriteBudget);
     }
+    if (mDieBudget >= 0 && static_cast<long long>(size) > mDieBudget) {
+        FileSystem::write(fd, data, static_cast<std::size_t>(mDieBudget));
+        _exit(9);
+    }
     const ssize_t written = FileSystem::write(fd, data, size);
+    if (mDieBudget >= 0 && written > 0) mDieBudget -= written;
     if (written > 0) {
         mBytesWritten += written;
         if (mWriteBudget >= 0) mWriteBudget -= written;
@@ -38,7 +42,7 @@ ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {
 }
 
 int FaultyFileSystem::rename(const char* from, const char* to) {
-    if (mDieAtRename) _exit(9);
+    if (mRenamesToDie > 0 && --mRenamesToDie == 0) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;
@@ -47,6 +51,7 @@ int FaultyFileSystem::rename(const char* from, const char* to) {
 }
 
 int FaultyFileSystem::renameNoReplace(const char* from, const char* to) {
+    if (mRenamesToDie > 0 && --mRenamesToDie == 0) _exit(9);
     if (mRenameError) {
         errno = mRenameError;
         return -1;
@@ -60,6 +65,14 @@ int FaultyFileSystem::sync(int fd) {
         return -1;
     }
     return FileSystem::sync(fd);
+}
+
+int FaultyFileSystem::birthTime(const char* path, struct timespec* time) {
+    if (mHideBirthTimes) {
+        errno = ENODATA;
+        return -1;
+    }
+    return FileSystem::birthTime(path, time);
 }
 
 }  // namespace OrvantaTest

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -84,18 +85,23 @@ TEST_F(DbCommand, ADamagedFileOrAJournalThatCannotBeHandledIsNamedInTheError) {
 
 TEST_F(DbCommand, AddCataloguesReadablePicturesAndReportsTheRest) {
     ORVANTA_REQUIRE_TESTDATA();
-    const std::string added = dir.file("new.db"), notes = dir.file("notes.txt");
+    const std::string added = dir.file("new.db"), notes = dir.file("notes.txt"), videos = dir.file("videos");
     writeFileBytes(notes, "not a picture");
+    // A folder adds what a codec knows in it: here a video, never opened.
+    ASSERT_EQ(0, mkdir(videos.c_str(), 0700));
+    writeFileBytes(videos + "/clip.AVI", "");
     const ToolRun run =
         runTool("db add '" + added + "' '" + testDataPath("jpeg/canon-ixus-640x480.jpg") + "' '" +
-                testDataPath("bmp/rgb24-photo-119x96-pad3.bmp") + "' '" + notes + "'");
+                testDataPath("bmp/rgb24-photo-119x96-pad3.bmp") + "' '" + notes + "' '" + videos + "'");
     EXPECT_EQ(run.status, 1);  // one file was not a picture
     EXPECT_NE(run.output.find(notes + "\tunreadable\n"), std::string::npos) << run.output;
     // Each picture with its folder and size, under the identifier the command printed for it.
     const std::string dump = runTool("db dump '" + added + "'").output;
     std::vector<std::string> lines = {"\tfolder\tstring\t" + testDataDir() + "/jpeg\n", "\twidth\tint\t640\n",
-                                      "\tfolder\tstring\t" + testDataDir() + "/bmp\n", "\twidth\tint\t119\n"};
-    for (const std::string name : {"canon-ixus-640x480.jpg\t", "rgb24-photo-119x96-pad3.bmp\t"}) {
+                                      "\tfolder\tstring\t" + testDataDir() + "/bmp\n", "\twidth\tint\t119\n",
+                                      "\tfilename\tstring\tclip.AVI\n"};
+    for (const std::string name :
+         {"canon-ixus-640x480.jpg\t", "rgb24-photo-119x96-pad3.bmp\t", "clip.AVI\t"}) {
         const std::size_t at = run.output.find(name);
         ASSERT_NE(std::string::npos, at) << run.output;
         lines.push_back(run.output.substr(at + name.size(), 36) + "\t");

@@ -1,6 +1,7 @@
 // The picture commands of orvanta, run as a user runs them: info, convert, thumb, rotate (alone,
-// several at once, on a full disk), edit against the library's own operations, batch-convert with a
-// Ctrl-C, and what the host says to --help, --version, bad arguments and files it cannot use.
+// several at once, on a full disk), edit against the library's own operations and in place,
+// batch-convert with a Ctrl-C, and what the host says to --help, --version, bad arguments and files
+// it cannot use.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -106,6 +107,8 @@ TEST_F(PictureCommands, EachCommandPrintsWhatItDidOrFailsWithTheReason) {
         {"thumb '" + photo + "' '" + out + ".bmp' --box 64x64", out + ".bmp\t64\t48\tembedded\n"},
         {"thumb '" + testDataPath("jpeg/orientation-1-landscape.jpg") + "' '" + out + "3.jpg'",
          out + "3.jpg\t160\t106\tdecoded\n"},  // no thumbnail in the file
+        {"thumb '" + dir.file("clip.mov") + "' '" + out + "4.jpg' --box 80x80",
+         out + "4.jpg\t80\t60\tstock\n"},  // a video is never opened: the host's film frame
         {"rotate '" + aligned + "' 90", aligned + "\t480\t640\n"},
         {"rotate '" + ragged + "' 270", ragged + "\t547\t720\tedge blocks dropped\n"},
         {"rotate '" + aligned + "' 45", "2: usage: orvanta rotate FILE 90|180|270"},
@@ -153,9 +156,9 @@ TEST_F(PictureCommands, TheEmbeddedThumbnailIsCopiedWhenItFitsTheBox) {
     EXPECT_EQ(CSize(64, 48), fitted->getSize());
 }
 
-// The host loads a system library on the first call into it: a help text, a JPEG's header or its
-// turn load none beyond the linked libjpeg, its thumbnail libexif; the rest (ICU, GIO, libtiff,
-// pixman) wait.
+// The host loads a system library on the first call into it: a help text or a JPEG's header load
+// none beyond the linked libjpeg; its thumbnail, and its turn (which writes the turned file a new
+// thumbnail), libexif; the rest (ICU, GIO, libtiff, pixman, the display's libraries) wait.
 TEST_F(PictureCommands, ACommandLoadsOnlyTheSystemLibrariesItUses) {
     const struct {
         std::string arguments;
@@ -165,7 +168,7 @@ TEST_F(PictureCommands, ACommandLoadsOnlyTheSystemLibrariesItUses) {
         {"help thumb", ""},
         {"info '" + photo + "'", ""},
         {"thumb '" + photo + "' '" + out + ".jpg'", "libexif "},
-        {"rotate '" + copyOf("jpeg/canon-ixus-640x480.jpg", "turn.jpg") + "' 90", ""},
+        {"rotate '" + copyOf("jpeg/canon-ixus-640x480.jpg", "turn.jpg") + "' 90", "libexif "},
     };
     for (const auto& c : cases) {
         const ToolRun r = runShell("LD_DEBUG=files {tool} " + c.arguments + " 2>&1 >/dev/null");
@@ -233,6 +236,23 @@ TEST_F(PictureCommands, AnEditedJpegKeepsTheMetadataOfItsSource) {
     ASSERT_EQ(0, runTool("edit '" + photo + "' '" + out + ".jpg' rotate=90").status);
     EXPECT_EQ(exif, readFileBytes(out + ".jpg").substr(2, exif.size())) << "first, byte for byte";
     EXPECT_EQ(CSize(480, 640), OwnedPtr<Dib>(readPicture(out + ".jpg"))->getSize());
+}
+
+TEST_F(PictureCommands, AnEditInPlaceTurnsTheFileLosslesslyOrEncodesItAnewKeepingTheMetadata) {
+    const std::string twice = copyOf("jpeg/canon-ixus-640x480.jpg", "twice.jpg"),
+                      half = copyOf("jpeg/canon-ixus-640x480.jpg", "half.jpg"),
+                      edited = copyOf("jpeg/canon-eos7d-photoshop-allsegs.jpg", "edited.jpg");
+    EXPECT_EQ(twice + "\t640\t480\tundo 2\tredo 0\tretired 0\n",
+              run("edit '" + twice + "' '" + twice + "' rotate=90 mirror=h undo rotate=90"));
+    EXPECT_EQ(half + "\t640\t480\n", run("rotate '" + half + "' 180"));
+    EXPECT_EQ(readFileBytes(half), readFileBytes(twice)) << "turned in the file, as rotate turns it";
+    EXPECT_EQ(edited + "\t300\t200\tundo 1\tredo 0\tretired 0\n",
+              run("edit '" + edited + "' '" + edited + "' downsize=300x300 rotate=90"));
+    EXPECT_EQ(out + ".bmp\t160\t106\tembedded\n", run("thumb '" + edited + "' '" + out + ".bmp'"))
+        << "encoded anew through the file's history, which makes a new EXIF thumbnail";
+    const std::string bmp = copyOf("bmp/rgb24-photo-119x96-pad3.bmp", "small.bmp");
+    EXPECT_EQ(bmp + "\t96\t119\tundo 1\tredo 0\tretired 0\n",
+              run("edit '" + bmp + "' '" + bmp + "' rotate=90"));
 }
 
 TEST_F(PictureCommands, RotationsStartedTogetherAddUp) {

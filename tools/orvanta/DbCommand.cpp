@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <limits.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -11,14 +12,18 @@
 #include <string>
 
 #include "Commands.h"
-#include "orvanta/codecs/ImageCodec.h"
+#include "VideoStock.h"
+#include "orvanta/assets/Asset.h"
+#include "orvanta/assets/AssetFile.h"
+#include "orvanta/codecs/CodecManager.h"
+#include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/DateTime.h"
 #include "orvanta/foundation/Exception.h"
-#include "orvanta/foundation/File.h"
 #include "orvanta/foundation/FilePath.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/platform/CString.h"
+#include "orvanta/platform/FileSystem.h"
 #include "orvanta/store/Database.h"
 #include "orvanta/store/DatabaseOrdering.h"
 #include "orvanta/store/PropertyDatabase.h"
@@ -216,23 +221,37 @@ int runDump(const std::string& path) {
 constexpr int kCatalogueBlockSize = 1024;
 constexpr int kCatalogueGrowBlocks = 64;
 
-// One picture's catalogue entry: where it is, when it was written, and its size in pixels.
-PropertyList* describePicture(const CString& path) {
-    CSize size;
-    ImageQuality quality;
-    if (!ImageCodec::getImageFileInformation(path, nullptr, &size, &quality) || size.cx <= 0 || size.cy <= 0)
-        return nullptr;
-    OwnedPtr<File> file = File::create(path);
-    FILETIME written{};
-    if (!file || !file->open(true) || !file->getTimes(nullptr, nullptr, &written)) return nullptr;
-    OwnedPtr<PropertyList> list = PropertyList::create();
-    list->set(PropertyList::kPropID, PropertyValue(UniqueID::create()), false);
-    list->set(u"filename", PropertyValue(FilePath::getFileName(path)), false);
-    list->set(u"folder", PropertyValue(FilePath::getFolder(path)), false);
-    list->set(u"timestamp", PropertyValue(DateTime(written, true)), false);
-    list->set(u"width", PropertyValue(size.cx), false);
-    list->set(u"height", PropertyValue(size.cy), false);
+// One item's catalogue entry as the library makes it (filename, folder, and the date it is shown
+// under), with a picture's size in pixels; null for a file that is not there, that no codec knows, or
+// a picture that cannot be read. The file is only examined, never opened for writing or locked.
+PropertyList* describe(const CString& path) {
+    OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), path, nullptr, nullptr);
+    if (!asset || !asset->getAssetFile() || !asset->getAssetFile()->exists()) return nullptr;
+    OwnedPtr<PropertyList> list = asset->getProperties();
+    if (ImageFile* image = asset->getImageFile()) {
+        const CSize size = image->getPictureSize();
+        if (size.cx <= 0 || size.cy <= 0) return nullptr;
+        list->set(u"width", PropertyValue(size.cx), false);
+        list->set(u"height", PropertyValue(size.cy), false);
+    }
+    // The asset lets go of the list first, so that the list handed back is the caller's alone.
+    asset = nullptr;
     return list.detach();
+}
+
+// The files to add for one argument: the file itself, or the files directly in a folder that a codec
+// knows, in name order.
+std::vector<std::string> filesOf(const std::string& argument) {
+    struct stat info;
+    std::vector<std::string> names;
+    if (stat(argument.c_str(), &info) != 0 || !S_ISDIR(info.st_mode) ||
+        Platform::FileSystem::current().listDirectory(argument.c_str(), &names) != 0)
+        return {argument};
+    std::sort(names.begin(), names.end());
+    std::vector<std::string> files;
+    for (const std::string& name : names)
+        if (CodecManager::getCodec(CString::fromUtf8(name))) files.push_back(argument + "/" + name);
+    return files;
 }
 
 int runAdd(const std::string& path, const std::vector<std::string>& pictures) {
@@ -250,20 +269,23 @@ int runAdd(const std::string& path, const std::vector<std::string>& pictures) {
         return 1;
     }
     orvantaIUInit();
+    registerVideoCodec();
     int status = 0;
-    for (const auto& picture : pictures) {
-        char resolved[PATH_MAX];
-        const std::string absolute = realpath(picture.c_str(), resolved) ? resolved : picture;
-        OwnedPtr<PropertyList> entry = describePicture(CString::fromUtf8(absolute));
-        if (!entry) {
-            std::printf("%s\tunreadable\n", picture.c_str());
-            status = 1;
-        } else if (!lists->putList(entry)) {
-            std::printf("%s\tnot stored\n", picture.c_str());
-            status = 1;
-        } else {
-            std::printf("%s\t%s\n", picture.c_str(),
-                        idText(entry->getValue(PropertyList::kPropID).asUniqueID()).c_str());
+    for (const auto& argument : pictures) {
+        for (const std::string& picture : filesOf(argument)) {
+            char resolved[PATH_MAX];
+            const std::string absolute = realpath(picture.c_str(), resolved) ? resolved : picture;
+            OwnedPtr<PropertyList> entry = describe(CString::fromUtf8(absolute));
+            if (!entry) {
+                std::printf("%s\tunreadable\n", picture.c_str());
+                status = 1;
+            } else if (!lists->putList(entry)) {
+                std::printf("%s\tnot stored\n", picture.c_str());
+                status = 1;
+            } else {
+                std::printf("%s\t%s\n", picture.c_str(),
+                            idText(entry->getValue(PropertyList::kPropID).asUniqueID()).c_str());
+            }
         }
     }
     orvantaIUDeInit();

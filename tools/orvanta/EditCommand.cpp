@@ -1,4 +1,8 @@
-// orvanta edit: loads a picture, applies edits through the undo history, and writes the result.
+// orvanta edit: loads a picture, applies edits through the undo history, and writes the result. An
+// edit of a file in place goes through the file's own picture history (ImageFile), so that turns
+// alone are done in the file without loss and anything else is encoded anew keeping the metadata.
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -8,8 +12,10 @@
 
 #include "Commands.h"
 #include "FailureReason.h"
+#include "orvanta/assets/AssetBackupPolicy.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
+#include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/editing/BWOp.h"
 #include "orvanta/editing/ColorizeOp.h"
@@ -21,6 +27,7 @@
 #include "orvanta/editing/RedeyeOp.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/editing/SepiaOp.h"
+#include "orvanta/editing/UndoOp.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/platform/RewriteLock.h"
@@ -118,8 +125,9 @@ std::string narrow(const char16_t* text) {
     return out;
 }
 
-// Runs one operation word on the picture. Returns 0, or the exit status of a failure.
-int runOperation(const std::string& word, OwnedPtr<EditableDib>& picture) {
+// Runs one operation word on the picture; a downsize sets restarted. Returns 0, or the exit status of
+// a failure.
+int runOperation(const std::string& word, OwnedPtr<EditableDib>& picture, bool& restarted) {
     const std::size_t eq = word.find('=');
     const std::string name = word.substr(0, eq);
     const bool given = eq != std::string::npos;
@@ -150,6 +158,7 @@ int runOperation(const std::string& word, OwnedPtr<EditableDib>& picture) {
         const int limit = picture->getUndoLimit();
         picture = new EditableDib(smaller);
         picture->setUndoLimit(limit);
+        restarted = true;
         return 0;
     } else if (name == "colorize" && given) {
         double levels[3];
@@ -185,6 +194,50 @@ int runOperation(const std::string& word, OwnedPtr<EditableDib>& picture) {
     }
     if (!picture->doOp(op)) std::fprintf(stderr, "orvanta edit: %s changed nothing\n", word.c_str());
     return 0;
+}
+
+// True when both names lead to one file.
+bool sameFile(const std::string& a, const std::string& b) {
+    struct stat x, y;
+    return stat(a.c_str(), &x) == 0 && stat(b.c_str(), &y) == 0 && x.st_dev == y.st_dev &&
+           x.st_ino == y.st_ino;
+}
+
+// Lets an edit in place land: the user asked for the file to change, and no earlier version is kept.
+class OverwritingPolicy : public AssetBackupPolicy {
+protected:
+    bool handlePrepareForSave(AssetFile* file) override { return true; }
+};
+
+// Stands for all the edits done, as one step of the file's picture history that is not a turn: it
+// gives the edited picture, and keeps the one before for its undo record.
+class EditsDone : public EditingOp {
+public:
+    EditsDone(Dib* result, int opType) : EditingOp(opType), mResult(result) {}
+    Dib* doOp(Dib* dib, UndoOp** undo) override {
+        if (undo) *undo = UndoOp::create(this, dib, false);
+        return mResult;
+    }
+
+private:
+    OwnedPtr<Dib> mResult;
+};
+
+// Hands what the edits did to the picture of the file being edited in place, and saves it: turns
+// alone as one turn (done in the file where that loses nothing), anything else as the edited picture.
+// True when there was nothing to save or the save landed.
+bool saveInPlace(ImageFile* file, Image* image, EditableDib* picture, bool restarted) {
+    if (!restarted && !picture->hasNonRotation()) {
+        if (picture->getRotation() == 0) return true;
+        image->doOp(OwnedPtr<EditingOp>(RotateOp::create(picture->getRotation())));
+    } else {
+        image->doOp(OwnedPtr<EditingOp>(new EditsDone(picture->getCurrent(), picture->getLastOpType())));
+    }
+    OverwritingPolicy policy;
+    policy.makePolicyCurrent();
+    image->save();
+    const ImageFile::SaveResult result = file->getLastSaveResult();
+    return result == ImageFile::SaveRotatedInFile || result == ImageFile::SaveReencoded;
 }
 
 }  // namespace
@@ -226,8 +279,18 @@ int runEdit(const Arguments& arguments) {
                          failureReason().c_str());
             status = 1;
         } else {
-            CSize originalSize;
-            OwnedPtr<Dib> loaded(reader->read(CString::fromUtf8(source), &originalSize, 0, 0));
+            const bool inPlace = sameFile(source, destination);
+            OwnedPtr<ImageFile> file;
+            OwnedPtr<Image> image;
+            OwnedPtr<Dib> loaded;
+            if (inPlace) {
+                // The file's own picture: its history decides how the file is written.
+                file = ImageFile::create(CString::fromUtf8(source), reader, nullptr, nullptr);
+                image = file ? file->loadImage(0, 0, true) : nullptr;
+                if (image) loaded = static_cast<EditableDib*>(image->getDib())->getCurrent();
+            } else {
+                loaded = reader->read(CString::fromUtf8(source), nullptr, 0, 0);
+            }
             if (!loaded) {
                 std::fprintf(stderr, "orvanta edit: cannot read '%s'%s\n", source.c_str(),
                              failureReason().c_str());
@@ -235,18 +298,22 @@ int runEdit(const Arguments& arguments) {
             } else {
                 OwnedPtr<EditableDib> picture(new EditableDib(loaded));
                 picture->setUndoLimit(undoLimit);
+                bool restarted = false;
                 for (std::size_t i = 2; i < words.size() && status == 0; ++i) {
-                    status = runOperation(words[i], picture);
+                    status = runOperation(words[i], picture, restarted);
                     if (status) std::fprintf(stderr, "orvanta edit: bad operation '%s'\n", words[i].c_str());
                 }
                 if (status == 0) {
                     // A JPEG keeps the metadata of its source (EXIF, XMP, IPTC, comments).
                     const CString target = CString::fromUtf8(destination);
-                    const bool written =
-                        writer->getImageType() == ImageTypeJpeg
-                            ? ImageCodec::writeAsJpeg(picture->getCurrent(), target, ImageQualityHigh,
-                                                      CString::fromUtf8(source))
-                            : writer->write(picture->getCurrent(), target, ImageQualityHigh) > 0;
+                    bool written;
+                    if (inPlace)
+                        written = saveInPlace(file, image, picture, restarted);
+                    else if (writer->getImageType() == ImageTypeJpeg)
+                        written = ImageCodec::writeAsJpeg(picture->getCurrent(), target, ImageQualityHigh,
+                                                          CString::fromUtf8(source));
+                    else
+                        written = writer->write(picture->getCurrent(), target, ImageQualityHigh) > 0;
                     if (!written) {
                         std::fprintf(stderr, "orvanta edit: cannot write '%s'%s\n", destination.c_str(),
                                      failureReason().c_str());

@@ -1,4 +1,5 @@
-// orvanta rotate: turns a JPEG file in place without decoding it.
+// orvanta rotate: turns a JPEG file in place without re-encoding it, through the file's own picture
+// history (ImageFile), which then gives the file a new EXIF thumbnail.
 
 #include <cstdio>
 #include <string>
@@ -7,6 +8,7 @@
 #include "FailureReason.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
+#include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/Error.h"
@@ -39,7 +41,17 @@ int rotate(const std::string& file, int angle) {
     clearFailure();
     try {
         image->getInfo(path, &before, &quality);
-        if (!image->applyToFile(path, op)) {
+        // Edge blocks that cannot turn may go; a file the codec cannot turn at all would be encoded
+        // anew, which the library's default backup policy refuses, so that file stays as it was.
+        ImageFile::setFileBasedRotateMode(ImageFile::FileBasedRotateAlways);
+        OwnedPtr<ImageFile> imageFile = ImageFile::create(path, image, nullptr, nullptr);
+        // The history needs a picture, not its pixels: the smallest decode does.
+        OwnedPtr<Image> picture = imageFile ? imageFile->loadImage(1, 1, true) : nullptr;
+        if (picture) {
+            picture->doOp(op);
+            picture->save();
+        }
+        if (!picture || imageFile->getLastSaveResult() != ImageFile::SaveRotatedInFile) {
             std::fprintf(stderr, "orvanta rotate: '%s' cannot be turned%s\n", file.c_str(),
                          failureReason("the picture data is damaged").c_str());
             return 1;

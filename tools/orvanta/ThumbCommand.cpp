@@ -1,4 +1,5 @@
-// orvanta thumb: a small picture of a photograph, from its EXIF thumbnail when it has one.
+// orvanta thumb: a small picture of a photograph, from its EXIF thumbnail when it has one; a video
+// gets the host's stock picture.
 
 #include <cstdio>
 #include <string>
@@ -6,7 +7,10 @@
 #include "BoxArgument.h"
 #include "Commands.h"
 #include "FailureReason.h"
+#include "VideoStock.h"
+#include "orvanta/assets/VideoFile.h"
 #include "orvanta/codecs/CodecManager.h"
+#include "orvanta/codecs/Image.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
@@ -30,9 +34,11 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
               bool allowEmbedded) {
     const CString source = CString::fromUtf8(sourceName);
     const CString destination = CString::fromUtf8(destinationName);
+    Codec* video = CodecManager::getCodec(source);
+    if (video && video->getCodecType() != CodecTypeVideo) video = nullptr;
     ImageCodec* reader = imageCodecFor(source);
     ImageCodec* writer = imageCodecFor(destination);
-    if (!reader || !writer) {
+    if (!(reader || video) || !writer) {
         std::fprintf(stderr, "orvanta thumb: no codec for '%s'\n",
                      (!reader ? sourceName : destinationName).c_str());
         return 1;
@@ -57,8 +63,16 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
         }
         const char* origin = "embedded";
         OwnedPtr<Dib> picture;
-        if (allowEmbedded && reader->hasEmbeddedThumbnail()) picture = reader->readEmbeddedThumbnail(source);
-        if (!picture) {
+        if (video) {
+            // A video file is never opened: its thumbnail is the stock picture, fitted into the box.
+            origin = "stock";
+            OwnedPtr<VideoFile> file = VideoFile::create(source, video, nullptr, nullptr);
+            OwnedPtr<Image> stock = file ? file->createThumbnail(boxWidth, boxHeight, false) : nullptr;
+            if (stock) picture = stock->getDib();
+        } else if (allowEmbedded && reader->hasEmbeddedThumbnail()) {
+            picture = reader->readEmbeddedThumbnail(source);
+        }
+        if (!picture && !video) {
             // The decoder reduces by a power of two as far as the box allows; the rest is resampled.
             origin = "decoded";
             picture = reader->read(source, nullptr, boxHeight, boxWidth);
@@ -114,6 +128,7 @@ int runThumb(const Arguments& arguments) {
         return 2;
     }
     orvantaIUInit();
+    registerVideoCodec();
     const int status = thumbnail(paths[0], paths[1], boxWidth, boxHeight, allowEmbedded);
     orvantaIUDeInit();
     return status;

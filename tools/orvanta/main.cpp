@@ -39,6 +39,10 @@ const std::vector<Command>& commands() {
          "  undo                  take back the last edit (it can be redone)\n"
          "  redo                  do again the last edit taken back\n"
          "--undo-limit=N keeps at most N undo records (0: no limit); older edits are retired.\n"
+         "When DST is SRC itself, the edits go through the file's own picture history: turns alone are\n"
+         "done in the file without re-encoding when no edge blocks would be lost (every segment kept),\n"
+         "anything else is encoded anew at high quality keeping the metadata; then the EXIF thumbnail is\n"
+         "made anew. The file is replaced only once its new version is complete.\n"
          "Prints: DST  WIDTH  HEIGHT  undo N  redo N  retired N\n"
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runEdit},
@@ -67,9 +71,11 @@ const std::vector<Command>& commands() {
          "  (a file in the same folder whose name starts with FILE's name).\n"
          "dump prints every record in file order: its id, size and first block, and for a property list\n"
          "  one line per property: name, type (string, int, datetime, id, bytes), value.\n"
-         "add makes FILE a catalogue if it does not exist, and stores one property list per picture:\n"
-         "  filename, folder, timestamp (the file's write time, local), width and height; it prints\n"
-         "  PICTURE and the new record's id, or PICTURE and \"unreadable\".\n"
+         "add makes FILE a catalogue if it does not exist, and stores one property list per picture or\n"
+         "  video (.mpg, .mov, .qt, .mpeg, .avi): filename, folder, timestamp (the earlier of the file's\n"
+         "  creation and write times, local, a time before 1980-01-02 not counting), and a picture's\n"
+         "  width and height. A PICTURE that is a folder adds every picture and video directly in it.\n"
+         "  It prints PICTURE and the new record's id, or PICTURE and \"unreadable\".\n"
          "The file is opened as the library opens it (read-write, exclusively): an interrupted change is\n"
          "completed or undone first, from the journal beside it (FILE-journal). A journal written for\n"
          "another file or an earlier state of this one is renamed aside (FILE-journal.XXXXXX) and not\n"
@@ -93,16 +99,18 @@ const std::vector<Command>& commands() {
          "Turns the JPEG picture clockwise in the file itself, without decoding it: nothing of the\n"
          "picture is lost, except the partial blocks along an edge whose side is not a whole number of\n"
          "blocks (usually 8 or 16 pixels), which are dropped. Every metadata segment is kept as it is,\n"
-         "and so are the file's dates. The file is replaced only once its new version is complete.\n"
+         "except that the EXIF thumbnail is made anew from the turned picture, and so are the file's\n"
+         "dates. The file is replaced only once its new version is complete.\n"
          "Prints: FILE  WIDTH  HEIGHT [edge blocks dropped]\n"
          "Exit status 0 on success, 1 if the file could not be turned, 2 on bad arguments.\n",
          runRotate},
-        {"thumb", "thumb SRC DST       a small picture of a photograph",
+        {"thumb", "thumb SRC DST       a small picture of a photograph or a video",
          "usage: orvanta thumb SRC DST [--box WxH] [--no-embedded]\n"
          "Writes a picture of SRC fitted into the box (160x160 by default) to DST, in the format of\n"
          "DST's extension. The thumbnail a camera stored in the EXIF block is used when there is one,\n"
-         "unless --no-embedded is given; otherwise the picture is decoded reduced and resampled.\n"
-         "Prints: DST  WIDTH  HEIGHT  embedded|decoded\n"
+         "unless --no-embedded is given; otherwise the picture is decoded reduced and resampled. A video\n"
+         "(.mpg, .mov, .qt, .mpeg, .avi) is not opened: its thumbnail is a picture of a film frame.\n"
+         "Prints: DST  WIDTH  HEIGHT  embedded|decoded|stock\n"
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runThumb},
     };

@@ -1,0 +1,295 @@
+// Input reaches the right control: hit-testing through nested containers to windowless children,
+// the mouse kept by the child that took a press, hover and leave, the Tab order, the keyboard focus
+// and typed text.
+
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include "orvanta/foundation/OrvantaSystem.h"
+#include "orvanta/platform/MessageQueue.h"
+#include "orvanta/platform/MouseTracker.h"
+#include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/TextButton.h"
+#include "tests/support/UiHarness.h"
+#include "tests/toolkit/ToolkitSupport.h"
+
+using namespace Orvanta;
+using namespace OrvantaTest;
+
+namespace {
+
+struct CommandLog : public CommandListener {
+    std::vector<std::pair<Control*, int>> commands;
+    void onCommand(Control* source, int command) override { commands.push_back({source, command}); }
+};
+
+class InputRoutingTest : public ::testing::Test {
+protected:
+    // root at (0,0) 300x200 > panel at (50,40) 200x150 > inner at (100,60) 90x80 > deep at (10,10) 40x30;
+    // panel also holds a (20,30) 60x40 and b (60,50) 50x40 over it, and a hidden box.
+    void SetUp() override {
+        ui = std::make_unique<UiHarness>(CSize(300, 200));
+        panel = Container::create();
+        panel->setMinSize(200, 150);
+        panel->setRect(CRect(50, 40, 250, 190));
+        ui->root()->add(panel);
+        a = Box::create(RGB(255, 0, 0), CRect(20, 30, 80, 70));
+        b = Box::create(RGB(0, 0, 255), CRect(60, 50, 110, 90));
+        hidden = Box::create(RGB(0, 255, 0), CRect(0, 100, 40, 140));
+        panel->add(a);
+        panel->add(b);
+        panel->add(hidden);
+        hidden->hide();
+        inner = Container::create();
+        inner->setMinSize(90, 80);
+        inner->setRect(CRect(100, 60, 190, 140));
+        panel->add(inner);
+        deep = Box::create(RGB(9, 9, 9), CRect(10, 10, 50, 40));
+        inner->add(deep);
+        ui->runUntilIdle();
+    }
+    void TearDown() override { ui.reset(); }
+
+    std::unique_ptr<UiHarness> ui;
+    Container* panel;
+    Container* inner;
+    Box* a;
+    Box* b;
+    Box* hidden;
+    Box* deep;
+};
+
+TEST_F(InputRoutingTest, AClickGoesToTheTopmostWindowlessChildUnderThePoint) {
+    struct Expect {
+        CPoint at;
+        Box* target;
+        CPoint local;
+    };
+    const Expect cases[] = {
+        {CPoint(50 + 25, 40 + 35), a, CPoint(5, 5)},                // a alone
+        {CPoint(50 + 70, 40 + 60), b, CPoint(10, 10)},              // a and b overlap: b was added later
+        {CPoint(50 + 100 + 15, 40 + 60 + 12), deep, CPoint(5, 2)},  // through two containers
+        {CPoint(50 + 10, 40 + 110), nullptr, CPoint()},             // the hidden box takes nothing
+        {CPoint(10, 10), nullptr, CPoint()},                        // the root itself
+    };
+    for (const Expect& c : cases) {
+        for (Box* box : {a, b, deep, hidden}) box->received.clear();
+        ui->click(c.at);
+        ui->runUntilIdle();
+        for (Box* box : {a, b, deep, hidden}) {
+            const int downs = box->count(WM_LBUTTONDOWN);
+            EXPECT_EQ(downs, box == c.target ? 1 : 0) << c.at.x << "," << c.at.y;
+            if (box == c.target && downs) {
+                auto it = std::find_if(box->received.begin(), box->received.end(),
+                                       [](const Received& r) { return r.message == WM_LBUTTONDOWN; });
+                EXPECT_EQ(it->point, c.local);
+            }
+        }
+    }
+}
+
+TEST_F(InputRoutingTest, TheChildThatTookAPressKeepsTheMouseUntilTheRelease) {
+    ui->mouseMove(CPoint(75, 75));
+    ui->mouseDown(CPoint(75, 75));
+    // Drag across b, out of the panel and out of the window.
+    ui->mouseMove(CPoint(120, 100));
+    ui->mouseMove(CPoint(20, 20));
+    ui->mouseMove(CPoint(-30, 250));
+    ui->mouseUp(CPoint(-30, 250));
+    ui->runUntilIdle();
+    std::vector<CPoint> moves;
+    for (const Received& r : a->received)
+        if (r.message == WM_MOUSEMOVE) moves.push_back(r.point);
+    const std::vector<CPoint> expected = {CPoint(5, 5), CPoint(50, 30), CPoint(-50, -50), CPoint(-100, 180)};
+    EXPECT_EQ(moves, expected);
+    EXPECT_EQ(a->count(WM_LBUTTONUP), 1);
+    EXPECT_EQ(b->count(WM_MOUSEMOVE), 0);
+    EXPECT_EQ(Platform::Window::getCapture(), nullptr);
+    // Once released, the pointer goes where it is again.
+    ui->mouseMove(CPoint(120, 100));
+    ui->runUntilIdle();
+    EXPECT_EQ(b->count(WM_MOUSEMOVE), 1);
+}
+
+TEST_F(InputRoutingTest, AChildThePointerLeavesIsTold) {
+    ui->mouseMove(CPoint(75, 75));    // over a
+    ui->mouseMove(CPoint(120, 100));  // over b
+    ui->runUntilIdle();
+    EXPECT_EQ(a->count(WM_MOUSELEAVE), 1);
+    EXPECT_EQ(b->count(WM_MOUSELEAVE), 0);
+    ui->mouseLeave();
+    ui->runUntilIdle();
+    EXPECT_EQ(b->count(WM_MOUSELEAVE), 1);
+
+    TextButton* button = TextButton::create(3, u"Go");
+    button->setRect(CRect(200, 5, 280, 30));
+    ui->root()->add(button);
+    ui->mouseMove(CPoint(210, 10));
+    ui->runUntilIdle();
+    EXPECT_TRUE(button->isHot());
+    ui->mouseMove(CPoint(10, 10));
+    ui->runUntilIdle();
+    EXPECT_FALSE(button->isHot());
+}
+
+TEST_F(InputRoutingTest, AButtonFiresOnlyWhenReleasedOverIt) {
+    CommandLog log;
+    TextButton* button = TextButton::create(42, u"Press", &log);
+    button->setRect(CRect(200, 5, 280, 30));
+    ui->root()->add(button);
+    ui->runUntilIdle();
+    ui->click(CPoint(210, 10));
+    ui->runUntilIdle();
+    ASSERT_EQ(log.commands.size(), 1u);
+    EXPECT_EQ(log.commands[0], std::make_pair(static_cast<Control*>(button), 42));
+    // Pressed, dragged off, released elsewhere: nothing.
+    ui->mouseDown(CPoint(210, 10));
+    ui->mouseMove(CPoint(10, 150));
+    ui->mouseUp(CPoint(10, 150));
+    ui->runUntilIdle();
+    EXPECT_EQ(log.commands.size(), 1u);
+    // Space with the focus on it.
+    ui->pressKey(SDLK_SPACE);
+    ui->runUntilIdle();
+    EXPECT_EQ(log.commands.size(), 2u);
+    button->removeCommandListener(&log);
+}
+
+// A panel that scrolls with the wheel: it keeps the turns it was given.
+class WheelPanel : public Container {
+public:
+    static WheelPanel* create() { return new WheelPanel(); }
+    std::vector<int> turns;
+    bool takesWheelMessages() override { return true; }
+    void onWheelMessage(const MSG& msg) override { turns.push_back(GET_WHEEL_DELTA_WPARAM(msg.wParam)); }
+
+private:
+    WheelPanel() : Container(false) {}
+};
+
+// The wheel goes to the control under the pointer or, when that one does not take it, its nearest
+// ancestor that does; with the focus mode, to the focused control's. Nobody else sees it.
+TEST(WheelTest, TheWheelReachesTheNearestTakerAboveTheTarget) {
+    UiHarness ui(CSize(300, 200));
+    WheelPanel* scroller = WheelPanel::create();
+    scroller->setMinSize(150, 150);
+    scroller->setRect(CRect(10, 10, 160, 160));
+    ui.root()->add(scroller);
+    Box* inside = Box::create(RGB(200, 0, 0), CRect(20, 20, 80, 80));
+    scroller->add(inside);
+    TextSink* field = TextSink::create();
+    field->setRect(CRect(90, 90, 140, 140));
+    scroller->add(field, true);
+    Box* outside = Box::create(RGB(0, 0, 200), CRect(200, 10, 280, 90));
+    ui.root()->add(outside);
+    ui.runUntilIdle();
+
+    struct Turn {
+        WheelMessagesMode mode;
+        CPoint pointer;
+        int notches;
+        std::vector<int> expected;  // what the scroller has been given so far
+    };
+    const Turn turns[] = {
+        {WheelMessagesToPointer, CPoint(40, 40), 1, {120}},            // over a windowless child
+        {WheelMessagesToPointer, CPoint(110, 110), -2, {120, -240}},   // over a windowed child
+        {WheelMessagesToPointer, CPoint(230, 30), 1, {120, -240}},     // nobody above takes it
+        {WheelMessagesToFocus, CPoint(230, 30), 1, {120, -240, 120}},  // the focused field's panel
+    };
+    field->setFocus();
+    for (const Turn& t : turns) {
+        setWheelMessagesMode(t.mode);
+        ui.mouseMove(t.pointer);
+        ui.wheel(t.notches);
+        ui.runUntilIdle();
+        EXPECT_EQ(scroller->turns, t.expected) << t.pointer.x << "," << t.pointer.y;
+    }
+    setWheelMessagesMode(WheelMessagesToPointer);
+    for (Box* box : {inside, outside}) EXPECT_EQ(box->count(WM_MOUSEWHEEL), 0);
+}
+
+TEST(TabOrderTest, TabWalksTheTabStopsAndShiftTabWalksBack) {
+    UiHarness ui(CSize(300, 200));
+    std::vector<TextButton*> buttons;
+    for (int i = 0; i < 3; ++i) {
+        buttons.push_back(TextButton::create(i + 1, u"B"));
+        buttons.back()->setRect(CRect(10 + 60 * i, 10, 60 + 60 * i, 40));
+    }
+    ui.root()->add(buttons[0], true);
+    ui.root()->add(buttons[2], true);
+    TextButton* notAStop = TextButton::create(9, u"X");
+    notAStop->setRect(CRect(10, 100, 60, 130));
+    ui.root()->add(notAStop, false);
+    ui.root()->add(buttons[1], true);
+    ui.runUntilIdle();
+
+    auto focusedId = [] {
+        WindowedControl* focused = WindowedControl::getFocusedControl();
+        return focused ? focused->getId() : 0;
+    };
+    const struct {
+        bool shift, control;
+        int expected;
+    } steps[] = {{false, false, 1}, {false, false, 3}, {false, false, 2}, {false, false, 1},
+                 {true, false, 2},  {true, false, 3},  {false, true, 3}};
+    for (const auto& step : steps) {
+        ui.pressKey(SDLK_TAB, step.shift, step.control);
+        ui.runUntilIdle();
+        EXPECT_EQ(focusedId(), step.expected);
+    }
+}
+
+TEST(FocusTest, TypedTextReachesTheFocusedControlAsUtf16Characters) {
+    UiHarness ui(CSize(200, 100));
+    TextSink* first = TextSink::create();
+    TextSink* second = TextSink::create();
+    first->setRect(CRect(10, 10, 90, 40));
+    second->setRect(CRect(100, 10, 190, 40));
+    ui.root()->add(first, true);
+    ui.root()->add(second, true);
+    second->setFocus();
+    ui.typeText("Grüße, 写真 📷");
+    ui.pressKey(SDLK_RETURN);
+    ui.pressKey(SDLK_a, false, true);
+    ui.runUntilIdle();
+    EXPECT_EQ(second->typed, std::u16string(u"Grüße, 写真 📷\r\x01"));
+    EXPECT_TRUE(first->typed.empty());
+    EXPECT_EQ(second->keys, (std::vector<int>{VK_RETURN, VK_CONTROL, 'A'}));
+    // An input method's composition is announced to the focused control, and its result typed.
+    ui.compose("しゃしん", 4);
+    ui.compose("写真", 2);
+    ui.typeText("写真");
+    ui.runUntilIdle();
+    EXPECT_EQ(second->compositions, (std::vector<std::u16string>{u"しゃしん", u"写真"}));
+    EXPECT_EQ(second->typed, std::u16string(u"Grüße, 写真 📷\r\x01写真"));
+    // A left press where no child is gives the focus back to the active window.
+    ui.click(CPoint(150, 80));
+    ui.runUntilIdle();
+    EXPECT_EQ(Platform::Window::getFocus(), ui.window());
+    EXPECT_EQ(WindowedControl::getFocusedControl(), ui.root());
+}
+
+}  // namespace
+
+namespace {
+
+TEST(TooltipTest, ThePointerRestingOnAChildShowsItsTooltipUntilItMoves) {
+    UiHarness ui(CSize(200, 120));
+    Box* tipped = Box::create(RGB(200, 0, 0), CRect(10, 10, 90, 60));
+    tipped->setTooltip(u"Rotate the photograph");
+    Box* plain = Box::create(RGB(0, 0, 200), CRect(100, 10, 180, 60));
+    ui.root()->add(tipped);
+    ui.root()->add(plain);
+    ui.mouseMove(CPoint(30, 30));
+    ui.runFor(Platform::MouseTracker::kDefaultHoverTime + 200);
+    Tooltip* tooltip = ui.root()->getTooltipWindow();
+    ASSERT_NE(tooltip, nullptr);
+    EXPECT_TRUE(tooltip->isShown());
+    EXPECT_EQ(tooltip->getText().str(), u"Rotate the photograph");
+    EXPECT_EQ(tooltip->getHWND()->getRect().topLeft(), ui.window()->clientToScreen(CPoint(30 + 2, 30 + 20)));
+    ui.mouseMove(CPoint(120, 30));
+    ui.runFor(Platform::MouseTracker::kDefaultHoverTime + 200);
+    EXPECT_FALSE(tooltip->isShown());
+}
+
+}  // namespace

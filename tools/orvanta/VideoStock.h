@@ -1,0 +1,10 @@
+#pragma once
+// The host's video codec: video files become catalogue items, every one shown by a picture of a
+// film frame that the host draws itself.
+
+namespace OrvantaTool {
+
+// Registers the library's GenericVideoCodec with the stock picture (once per process).
+void registerVideoCodec();
+
+}  // namespace OrvantaTool
