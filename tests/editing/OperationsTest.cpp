@@ -128,6 +128,35 @@ TEST(Moves, EveryByteOfAResultIsWrittenWhateverTheBlockHeld) {
     }
 }
 
+// A picture the history holds (the picture fix records its input itself) keeps its block when the
+// picture under edit moves on: the edits of its size made meanwhile, whose own released blocks are
+// reused, never take it, and undo gives back every state's bytes.
+TEST(Moves, AHeldPictureKeepsItsBlockWhileEditsOfItsSizeComeAndGo) {
+    const CSize size(1501, 1203);  // photograph-sized: its blocks are kept for reuse
+    OwnedPtr<EditableDib> picture(new EditableDib(OwnedPtr<Dib>(makePatternDib(size.cx, size.cy, 3))));
+    std::vector<std::string> states{packedPixels(*picture)};
+    std::vector<const unsigned char*> held;  // the blocks of the pictures only the history holds
+    const struct {
+        std::function<EditingOp*()> make;
+        bool recordsInput;
+    } edits[] = {{[] { return PicFixOp::create(); }, true},
+                 {[] { return RotateOp::create(180); }, false},
+                 {[] { return RotateOp::create(180); }, false},
+                 {[] { return PicFixOp::create(); }, true},
+                 {[] { return MirrorOp::create(false); }, false}};
+    for (const auto& edit : edits) {
+        const unsigned char* input = picture->getBits();
+        ASSERT_TRUE(picture->doOp(OwnedPtr<EditingOp>(edit.make())));
+        EXPECT_EQ(held.end(), std::find(held.begin(), held.end(), picture->getBits())) << states.size();
+        if (edit.recordsInput) held.push_back(input);
+        states.push_back(packedPixels(*picture));
+    }
+    for (std::size_t i = states.size() - 1; i-- > 0;) {
+        ASSERT_TRUE(picture->undo(true));
+        ASSERT_TRUE(packedPixels(*picture) == states[i]) << "undo to state " << i;
+    }
+}
+
 TEST(Photographs, MovesAndTheWholeHistoryGiveExactPixels) {
     ORVANTA_REQUIRE_TESTDATA();
     if (OrvantaTest::decodedPhotographs().empty()) GTEST_SKIP() << "no photograph could be decoded";

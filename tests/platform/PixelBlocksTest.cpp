@@ -49,6 +49,43 @@ TEST(PixelBlocks, AReleasedPictureBlockServesTheNextPictureOfItsSize) {
     PixelBlocks::release(picture);
 }
 
+// A kept block goes only to a picture whose block rounds to the same 2 MiB pages, and never to two
+// pictures at once, nor to one while the picture it came from is still alive.
+TEST(PixelBlocks, AKeptBlockServesOnlyItsSizeAndOnePictureAtATime) {
+    const struct {
+        std::size_t kept, asked;
+        bool reused;
+    } cases[] = {
+        {kPhotograph, kPhotograph, true},
+        {kPhotograph, kPhotograph - (std::size_t(2) << 20) + 1, true},  // the same whole pages
+        {kPhotograph, kPhotograph - (std::size_t(2) << 20), false},     // one page fewer
+        {kPhotograph, kPhotograph + 1, false},
+        {kPhotograph, std::size_t(3) << 20, false},  // small enough for the C heap
+        {2 * kPhotograph, kPhotograph, false},
+    };
+    for (const auto& c : cases) {
+        unsigned char* kept = PixelBlocks::allocatePicture(c.kept, PixelBlocks::kUndefined);
+        unsigned char* live = PixelBlocks::allocatePicture(c.kept, PixelBlocks::kUndefined);
+        ASSERT_NE(kept, live);
+        std::memset(kept, 0x5A, c.kept);
+        std::memset(live, 0xA5, c.kept);
+        PixelBlocks::release(kept);
+        unsigned char* asked = PixelBlocks::allocatePicture(c.asked, PixelBlocks::kUndefined);
+        EXPECT_NE(asked, live) << c.asked;
+        EXPECT_TRUE(allBytesAre(live, c.kept, 0xA5)) << c.asked;
+        if (c.reused) {
+            EXPECT_EQ(asked, kept) << c.asked;
+        } else {
+            EXPECT_FALSE(allBytesAre(asked, 4096, 0x5A)) << c.asked << " holds the kept block's bytes";
+        }
+        // A second picture of the kept block's size while the first holds it gets another block.
+        unsigned char* second = PixelBlocks::allocatePicture(c.asked, PixelBlocks::kUndefined);
+        EXPECT_NE(second, asked);
+        EXPECT_NE(second, live);
+        for (unsigned char* block : {asked, live, second}) PixelBlocks::release(block);
+    }
+}
+
 // A DIB section of undefined pixels has zero row padding even in a block full of other bytes, so a
 // picture's bytes (padding included) are what the operation wrote.
 TEST(PixelBlocks, AnUndefinedDibSectionHasItsRowPaddingCleared) {
