@@ -20,6 +20,10 @@ const UniqueID Database::kInfoRecordID;
 
 namespace {
 
+// How many records on, in id order, a walk asks for the next head: enough reads under way to cover
+// a read from memory at the pace a caller takes records.
+constexpr std::size_t kPrefetchAhead = 8;
+
 std::uint32_t loadWord(const unsigned char* at) {
     std::uint32_t value;
     std::memcpy(&value, at, sizeof value);
@@ -133,11 +137,12 @@ Database::Record* Database::Iterator::next() {
     if (mDatabase->mIds.atEnd(mPosition)) {
         mDone = true;
     } else {
-        const IdIndex::Entry entry = mDatabase->mIds.at(mPosition);
-        mKey = entry.key;
-        // Records in id order lie anywhere in the file: fetch the next head while the caller reads
-        // this one.
-        __builtin_prefetch(mDatabase->offsetToBlock(entry.offset));
+        mKey = mDatabase->mIds.at(mPosition).key;
+        // Records in id order lie anywhere in the file: the head some records on is asked for now,
+        // so that the memory reads of several records are under way while the caller reads this one.
+        const IdIndex::Position ahead = mDatabase->mIds.advance(mPosition, kPrefetchAhead);
+        if (!mDatabase->mIds.atEnd(ahead))
+            __builtin_prefetch(mDatabase->offsetToBlock(mDatabase->mIds.at(ahead).offset));
     }
     return record;
 }

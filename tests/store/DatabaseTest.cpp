@@ -329,12 +329,24 @@ using Model = std::map<std::pair<std::uint64_t, std::uint64_t>, int>;
 // The index walked forwards holds what the model holds, and walked back from the end too.
 void expectSame(const IdIndex& index, const Model& model) {
     ASSERT_EQ(index.size(), model.size());
+    std::vector<std::int32_t> offsets;
+    for (const auto& entry : model) offsets.push_back(entry.second);
     auto position = index.begin();
+    std::size_t i = 0;
     for (const auto& [key, offset] : model) {
         ASSERT_FALSE(index.atEnd(position));
         EXPECT_TRUE(index.at(position).key == (IdIndex::Key{key.first, key.second}));
         EXPECT_EQ(index.at(position).offset, offset);
+        // A jump of any length, within a chunk, to its end, across several, or past the last key.
+        for (const std::size_t jump : {std::size_t(1), std::size_t(IdIndex::kChunkSize), std::size_t(300)}) {
+            const auto ahead = index.advance(position, jump);
+            if (i + jump < offsets.size())
+                EXPECT_EQ(index.at(ahead).offset, offsets[i + jump]) << i << "+" << jump;
+            else
+                EXPECT_TRUE(index.atEnd(ahead)) << i << "+" << jump;
+        }
         position = index.next(position);
+        ++i;
     }
     EXPECT_TRUE(index.atEnd(position));
     for (auto it = model.rbegin(); it != model.rend(); ++it) {
