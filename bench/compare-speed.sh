@@ -90,12 +90,13 @@ row() {
   if [ -n "$reference" ]; then
     ratio=$(awk -v a="$value" -v b="$reference" 'BEGIN { printf "%.2f", a / b }')
   fi
-  printf "| %-44s | %9s %-4s | %9s | %6s | %-24s | %6s | %-22s |\n" "$label" "$value" "$unit" "$before" "$change" \
+  printf "| %-44s | %9s | %9s %-4s | %6s | %-32s | %6s | %-20s |\n" "$label" "$before" "$value" "$unit" "$change" \
     "${reference:+$reference $unit $referenceName}" "$ratio" "$aim"
 }
 
 echo "photo24.jpg (6000x4000), $rounds runs per command; $(nproc --all) cores, load $(cut -d' ' -f1-3 /proc/loadavg)"
-printf "| %-44s | %14s | %9s | %6s | %-24s | %6s | %-22s |\n" "work" "orvanta" "before" "after/before" "reference" "ratio" "aim"
+printf "| %-44s | %9s | %14s | %6s | %-32s | %6s | %-20s |\n" "work" "before" "after" "after/before" "reference" "ratio" "aim"
+echo "|---|---:|---:|---:|---|---:|---|"
 row "orvanta --help (process start alone)" help ms "$exivVersion" "exiv2 --version" time "at most 1.5 ms"
 row "thumb from the embedded EXIF thumbnail" thumb ms "$exivThumb" "exiv2 -et" time "ratio at most 1.0"
 row "info of one JPEG" info ms "" "" time "at most 2 ms"
@@ -104,3 +105,4 @@ row "red-eye click, radius 50, 24 MP" redeye ms "" "" time "at most 5 ms"
 row "downsize method 2 into a 1024 box" stretch MP/s "$vipsRate" "vips shrink" rate "ratio at least 1.2"
 row "picture fix" picfix MP/s "$gmRate" "gm -normalize" rate "ratio at least 1.5"
 row "store reopen + read all, 1024-byte blocks" store M/s "$lmdb" "LMDB" rate "ratio at least 0.7"
+echo "load at the end: $(cut -d' ' -f1-3 /proc/loadavg)"
