@@ -2,20 +2,20 @@
 // ConversionTask: converts files of a batch on a thread of its own and reports each one to the
 // user-interface thread.
 //
-// Contract: several tasks may share one Batch; each claims the next unclaimed file until none is
-// left, the batch is stopping, or the task is killed. The library writes each destination beside it
+// Contract: several tasks share one Batch, working through its queue (QueueTask): each converts the
+// next unclaimed file until none is left, the queue is stopped, or the task is killed. The library writes each destination beside it
 // and renames it into place only once complete, so a destination is never half-written; a file
 // already being converted when the task is killed is finished. After each file the task sends a
 // FileConverted event to the listener, from its own thread, with the reason of a failure.
 
-#include <atomic>
 #include <cstddef>
 #include <vector>
 
 #include "orvanta/codecs/CodecTypes.h"
 #include "orvanta/foundation/Event.h"
 #include "orvanta/foundation/EventListener.h"
-#include "orvanta/foundation/Task.h"
+#include "orvanta/foundation/QueueTask.h"
+#include "orvanta/foundation/WorkQueue.h"
 #include "orvanta/platform/CString.h"
 
 namespace OrvantaTool {
@@ -52,12 +52,13 @@ private:
     FileConverted(std::size_t i, bool ok, int e) : index(i), converted(ok), error(e) {}
 };
 
-class ConversionTask : public Orvanta::Task {
+class ConversionTask : public Orvanta::QueueTask {
 public:
     ConversionTask(Batch& batch, Orvanta::EventListener* listener);
     ~ConversionTask() override { killTask(); }
 
-    void doTask() override;
+protected:
+    void doItem(std::size_t index) override;
 
 private:
     bool convert(const Batch::File& file);
