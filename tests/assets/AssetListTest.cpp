@@ -10,6 +10,7 @@
 #include <thread>
 #include <tuple>
 
+#include "orvanta/assets/AssetDb.h"
 #include "orvanta/assets/AssetIterator.h"
 #include "orvanta/assets/MemAssetList.h"
 #include "orvanta/assets/PropertyFilter.h"
@@ -17,6 +18,7 @@
 #include "orvanta/assets/StringFilter.h"
 #include "orvanta/platform/TextCompare.h"
 #include "tests/assets/ListFixtures.h"
+#include "tests/support/TempDir.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -79,6 +81,13 @@ Asset* randomAsset(std::uint32_t n, std::mt19937& random) {
     return assetFor(n, properties);
 }
 
+// The two kinds of source a view follows: a list in memory and a catalogue file.
+std::vector<OwnedPtr<AssetList>> sources(const TempDir& dir) {
+    EXPECT_TRUE(AssetDb::createFile(dir.wide("catalog.db")));
+    return {OwnedPtr<AssetList>(MemAssetList::create()),
+            OwnedPtr<AssetList>(AssetDb::create(dir.wide("catalog.db")))};
+}
+
 std::vector<SortKeyList> keyLists() {
     std::vector<SortKeyList> lists(5);
     lists[0].add(u"timestamp", true);
@@ -94,23 +103,26 @@ std::vector<SortKeyList> keyLists() {
 TEST(SortedAssetList, EqualsAStableSortOfItsSourceAndThenOfEveryInsertionAsItFollows) {
     std::mt19937 random(7);
     for (const SortKeyList& keys : keyLists()) {
-        OwnedPtr<MemAssetList> source = MemAssetList::create();
-        for (std::uint32_t n = 1; n <= 300; ++n)
-            source->addAsset(OwnedPtr<Asset>(randomAsset(n, random)), false);
-        OwnedPtr<SortedAssetList> view = source->createSorted(keys, nullptr);
-        // Built in the source's order, which for a list in memory is that of the objects' addresses.
-        std::vector<OwnedPtr<Asset>> inserted;
-        for (int i = 0; i < source->getCount(); ++i) inserted.emplace_back(source->getAsset(i));
-        ASSERT_EQ(stableSorted(inserted, keys), idsOf(view)) << keys[0].name.toUtf8();
-        // Then it follows: removals drop out, additions go behind the keys equal to theirs.
-        for (std::uint32_t n = 301; n <= 400; ++n) {
-            const std::size_t victim = random() % inserted.size();
-            source->removeAsset(inserted[victim]->getID(), true);
-            inserted.erase(inserted.begin() + static_cast<std::ptrdiff_t>(victim));
-            inserted.emplace_back(randomAsset(n, random));
-            source->addAsset(inserted.back(), true);
+        TempDir dir;
+        for (AssetList* source : sources(dir)) {
+            for (std::uint32_t n = 1; n <= 300; ++n)
+                source->addAsset(OwnedPtr<Asset>(randomAsset(n, random)), false);
+            OwnedPtr<SortedAssetList> view = source->createSorted(keys, nullptr);
+            // Built in the source's order: for a list in memory that of the objects' addresses, for a
+            // catalogue that of the ids, read from the records without building assets.
+            std::vector<OwnedPtr<Asset>> inserted;
+            for (int i = 0; i < source->getCount(); ++i) inserted.emplace_back(source->getAsset(i));
+            ASSERT_EQ(stableSorted(inserted, keys), idsOf(view)) << keys[0].name.toUtf8();
+            // Then it follows: removals drop out, additions go behind the keys equal to theirs.
+            for (std::uint32_t n = 301; n <= 400; ++n) {
+                const std::size_t victim = random() % inserted.size();
+                source->removeAsset(inserted[victim]->getID(), true);
+                inserted.erase(inserted.begin() + static_cast<std::ptrdiff_t>(victim));
+                inserted.emplace_back(randomAsset(n, random));
+                source->addAsset(inserted.back(), true);
+            }
+            EXPECT_EQ(stableSorted(inserted, keys), idsOf(view)) << keys[0].name.toUtf8();
         }
-        EXPECT_EQ(stableSorted(inserted, keys), idsOf(view)) << keys[0].name.toUtf8();
     }
 }
 
@@ -313,34 +325,36 @@ TEST(SortedAssetList, FindEqualMatchesAWholeKeyAndAValueOnlyUnderOneKey) {
 }
 
 TEST(AssetList, AViewFollowsChangesFromAnotherThreadWhileItIsWalked) {
-    OwnedPtr<MemAssetList> list = MemAssetList::create();
-    OwnedPtr<SortedAssetList> view = list->createSorted(u"rating", true, nullptr);
-    std::atomic<bool> finished{false};
-    std::thread writer([&] {
-        for (std::uint32_t n = 1; n <= 400; ++n) {
-            list->addAsset(OwnedPtr<Asset>(assetFor(n, {{u"rating", int(n % 7)}})), true);
-            if (n % 3 == 0) list->removeAsset(idFor(n - 1), true);
+    TempDir dir;
+    for (AssetList* list : sources(dir)) {
+        OwnedPtr<SortedAssetList> view = list->createSorted(u"rating", true, nullptr);
+        std::atomic<bool> finished{false};
+        std::thread writer([&] {
+            for (std::uint32_t n = 1; n <= 400; ++n) {
+                list->addAsset(OwnedPtr<Asset>(assetFor(n, {{u"rating", int(n % 7)}})), true);
+                if (n % 3 == 0) list->removeAsset(idFor(n - 1), true);
+            }
+            finished = true;
+        });
+        OwnedPtr<AssetIterator> walk = view->createIterator();
+        OwnedPtr<AssetSelection> selection = AssetSelection::create(view);
+        int walked = 0;
+        for (int round = 0; !finished || round < 1000; ++round) {
+            AssetList::Lock lock(view);
+            if (!walk->step()) continue;
+            OwnedPtr<Asset> asset = walk->current();
+            selection->select(asset->getID(), true);
+            ++walked;
         }
-        finished = true;
-    });
-    OwnedPtr<AssetIterator> walk = view->createIterator();
-    OwnedPtr<AssetSelection> selection = AssetSelection::create(view);
-    int walked = 0;
-    for (int round = 0; !finished || round < 1000; ++round) {
-        AssetList::Lock lock(view);
-        if (!walk->step()) continue;
-        OwnedPtr<Asset> asset = walk->current();
-        selection->select(asset->getID(), true);
-        ++walked;
+        writer.join();
+        EXPECT_GT(walked, 0);
+        // In order, and each selected id is one the list still holds or one its removal deselected.
+        std::vector<int> ratings;
+        for (int i = 0; i < view->getCount(); ++i)
+            ratings.push_back(view->getAsset(i)->getProperties()->getValue(u"rating").asInt());
+        EXPECT_TRUE(std::is_sorted(ratings.begin(), ratings.end()));
+        EXPECT_EQ(267, view->getCount());
+        OwnedPtr<AssetIterator> chosen = selection->createIterator();
+        while (chosen->step()) EXPECT_TRUE(view->contains(chosen->current()));
     }
-    writer.join();
-    EXPECT_GT(walked, 0);
-    // In order, and each selected id is one the list still holds or one its removal deselected.
-    std::vector<int> ratings;
-    for (int i = 0; i < view->getCount(); ++i)
-        ratings.push_back(view->getAsset(i)->getProperties()->getValue(u"rating").asInt());
-    EXPECT_TRUE(std::is_sorted(ratings.begin(), ratings.end()));
-    EXPECT_EQ(267, view->getCount());
-    OwnedPtr<AssetIterator> chosen = selection->createIterator();
-    while (chosen->step()) EXPECT_TRUE(view->contains(chosen->current()));
 }
