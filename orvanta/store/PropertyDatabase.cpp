@@ -18,6 +18,20 @@ std::int32_t loadInt(const unsigned char* at) {
     return value;
 }
 
+// Whether every unit is printable ASCII: two such texts are equal under the platform's comparison
+// only when they are equal unit for unit, since none of their characters is ignorable.
+bool isPlainAscii(const char16_t* units, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        if (units[i] < 0x20 || units[i] > 0x7e) return false;
+    return true;
+}
+
+bool sameName(const std::u16string& stored, const CString& name) {
+    if (stored == name.str()) return true;
+    if (isPlainAscii(stored.data(), stored.size()) && isPlainAscii(name.c_str(), name.length())) return false;
+    return Platform::compareText(stored.c_str(), name) == 0;
+}
+
 }  // namespace
 
 PropertyDatabase::PropertyDatabase(Database* database) : mDatabase(database) {}
@@ -56,6 +70,36 @@ PropertyList* PropertyDatabase::decode(const UniqueID& id, const void* body, int
         cursor += kEntryValueOffset + length;
     }
     return list.detach();
+}
+
+bool PropertyDatabase::decodeValues(const void* body, int size, const std::vector<CString>& names,
+                                    std::vector<PropertyValue>& values) {
+    values.assign(names.size(), PropertyValue());
+    const auto* cursor = static_cast<const unsigned char*>(body);
+    const unsigned char* end = cursor + (size > 0 ? size : 0);
+    std::u16string name;
+    while (cursor != end) {
+        name.clear();
+        for (;;) {
+            if (end - cursor < 2) return false;
+            char16_t unit;
+            std::memcpy(&unit, cursor, sizeof unit);
+            cursor += 2;
+            if (unit == 0) break;
+            name.push_back(unit);
+        }
+        if (end - cursor < kEntryValueOffset) return false;
+        const std::int32_t length = loadInt(cursor + kEntryLengthOffset);
+        if (length < 0 || length > end - cursor - kEntryValueOffset) return false;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (!sameName(name, names[i])) continue;
+            // Assigning a wrapped value makes the owned copy.
+            values[i] = PropertyValue(const_cast<unsigned char*>(cursor + kEntryValueOffset), length,
+                                      static_cast<PropertyValue::Type>(loadInt(cursor + kEntryTypeOffset)));
+        }
+        cursor += kEntryValueOffset + length;
+    }
+    return true;
 }
 
 PropertyList* PropertyDatabase::load(Database::Record* record) {
