@@ -60,15 +60,17 @@ bool writePng(const std::string& path, Dib* dib, const std::string& uri, const s
     }
     png_init_io(png, out);
     const CSize size = dib->getSize();
-    png_set_IHDR(png, info, size.cx, size.cy, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
+    png_set_IHDR(png, info, size.cx, size.cy, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_text text[2] = {};
     text[0] = {PNG_TEXT_COMPRESSION_NONE, const_cast<char*>("Thumb::URI"), const_cast<char*>(uri.c_str())};
-    text[1] = {PNG_TEXT_COMPRESSION_NONE, const_cast<char*>("Thumb::MTime"), const_cast<char*>(mtime.c_str())};
+    text[1] = {PNG_TEXT_COMPRESSION_NONE, const_cast<char*>("Thumb::MTime"),
+               const_cast<char*>(mtime.c_str())};
     png_set_text(png, info, text, 2);
     png_set_bgr(png);
     png_write_info(png, info);
-    for (int y = 0; y < size.cy; ++y) png_write_row(png, dib->getBits() + static_cast<std::ptrdiff_t>(y) * dib->getStride());
+    for (int y = 0; y < size.cy; ++y)
+        png_write_row(png, dib->getBits() + static_cast<std::ptrdiff_t>(y) * dib->getStride());
     png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
     return std::fclose(out) == 0;
@@ -107,7 +109,8 @@ Thumbnails& thumbnails() {
         Thumbnails t;
         const std::string data = OrvantaBench::benchDataDir();
         const char* configured = std::getenv("BENCH_STORE_DIR");
-        const std::string dir = std::string(configured && *configured ? configured : "/tmp") + "/orvanta-bench-thumbs";
+        const std::string dir =
+            std::string(configured && *configured ? configured : "/tmp") + "/orvanta-bench-thumbs";
         std::filesystem::remove_all(dir);
         std::filesystem::create_directories(dir + "/thumbnails/normal");
         CodecManager::registerCodec(IntelJpegCodec::create());
@@ -118,7 +121,8 @@ Thumbnails& thumbnails() {
             char name[32];
             std::snprintf(name, sizeof name, "/batch/b%03d.jpg", i);
             const std::string photo = data + name;
-            OwnedPtr<Asset> source = Asset::create(UniqueID::create(), CString::fromUtf8(photo), nullptr, nullptr);
+            OwnedPtr<Asset> source =
+                Asset::create(UniqueID::create(), CString::fromUtf8(photo), nullptr, nullptr);
             OwnedPtr<Image> picture = t.store->makeThumbnail(source.get());
             if (!picture) continue;
             for (int copy = 0; copy < kCopies; ++copy) {
@@ -153,7 +157,8 @@ void StoreRandomRead(benchmark::State& state) {
         if (!image) return state.SkipWithError("a thumbnail is missing");
         benchmark::DoNotOptimize(image->getDib()->getBits());
     }
-    state.counters["thumbnails/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["thumbnails/s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 void PngCacheRandomRead(benchmark::State& state) {
@@ -166,7 +171,8 @@ void PngCacheRandomRead(benchmark::State& state) {
         if (!readPng(t.pngs[i], t.mtimes[i], pixels)) return state.SkipWithError("a PNG is missing");
         benchmark::DoNotOptimize(pixels.data());
     }
-    state.counters["thumbnails/s"] = benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    state.counters["thumbnails/s"] =
+        benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 }  // namespace

@@ -108,7 +108,8 @@ Image* ThumbnailDb::getThumbnail(Asset* asset, bool create) {
 
 Image* ThumbnailDb::makeThumbnail(Image* image) {
     if (!image) return nullptr;
-    return image->createDownsized(DownsizeOp::DownsizeMethodResample, mSize, false, DibRect(0.0, 0.0, 1.0, 1.0));
+    return image->createDownsized(DownsizeOp::DownsizeMethodResample, mSize, false,
+                                  DibRect(0.0, 0.0, 1.0, 1.0));
 }
 
 Image* ThumbnailDb::makeThumbnail(Asset* asset) {
@@ -231,8 +232,8 @@ bool ThumbnailDb::encode(Dib* dib, FILETIME time, std::vector<unsigned char>* pa
     // The encoding's length, from a buffer with room to spare.
     std::vector<unsigned char> buffer(static_cast<std::size_t>(dib->getStride()) * dib->getSize().cy + 4096);
     int length = 0;
-    while ((length = mCodec->writeToMemory(dib, buffer.data(), static_cast<int>(buffer.size()), ImageQualityNormal)) <=
-           0) {
+    while ((length = mCodec->writeToMemory(dib, buffer.data(), static_cast<int>(buffer.size()),
+                                           ImageQualityNormal)) <= 0) {
         if (buffer.size() >= kLargestEncoding) return false;
         buffer.resize(buffer.size() * 2);
     }
@@ -249,7 +250,8 @@ bool ThumbnailDb::encode(Dib* dib, FILETIME time, std::vector<unsigned char>* pa
     }
     payload->resize(ThumbnailFormat::kHeaderSize + static_cast<std::size_t>(length));
     ThumbnailRecord::writeHeader(payload->data(), time, dib->getSize().cx, dib->getSize().cy);
-    std::memcpy(payload->data() + ThumbnailFormat::kHeaderSize, buffer.data(), static_cast<std::size_t>(length));
+    std::memcpy(payload->data() + ThumbnailFormat::kHeaderSize, buffer.data(),
+                static_cast<std::size_t>(length));
     *recordSize = capacity(blocks);
     return true;
 }

@@ -34,7 +34,8 @@ bool ThumbnailRecord::parse(const void* payload, int size, ThumbnailRecord* reco
     record->picture = bytes + ThumbnailFormat::kHeaderSize;
     record->pictureSize = size - ThumbnailFormat::kHeaderSize;
     return record->width >= 1 && record->width <= kLargestSide && record->height >= 1 &&
-           record->height <= kLargestSide && static_cast<long long>(record->width) * record->height <= kLargestPixels;
+           record->height <= kLargestSide &&
+           static_cast<long long>(record->width) * record->height <= kLargestPixels;
 }
 
 void ThumbnailRecord::writeHeader(void* payload, FILETIME writeTime, int width, int height) {

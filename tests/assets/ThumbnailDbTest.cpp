@@ -14,13 +14,17 @@
 
 #include "orvanta/assets/Asset.h"
 #include "orvanta/assets/AssetFile.h"
+#include "orvanta/assets/MemAssetList.h"
+#include "orvanta/assets/ThumbnailBuilder.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/Image.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/editing/DownsizeOp.h"
 #include "orvanta/foundation/FileTime.h"
+#include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/FileSystem.h"
 #include "orvanta/platform/FileTimes.h"
+#include "orvanta/platform/MessageQueue.h"
 #include "orvanta/store/StoreFormat.h"
 #include "tests/support/ExceptionMessage.h"
 #include "tests/support/TempDir.h"
@@ -75,7 +79,8 @@ TEST(ThumbnailDb, FileIsTheRecordStoreOfThumbnailsByteForByteInTheFewestBlocksTh
     OwnedPtr<ThumbnailDb> store = ThumbnailDb::create(dir.wide("thumbs.db"), 160, 160, jpeg());
     const UniqueID ids[2] = {UniqueID::create(), UniqueID::create()};
     const FILETIME times[2] = {seconds(13000000000LL), {0, 0}};
-    OwnedPtr<Image> wide = Image::create(gradient(400, 200), false), small = Image::create(gradient(30, 20), false);
+    OwnedPtr<Image> wide = Image::create(gradient(400, 200), false),
+                    small = Image::create(gradient(30, 20), false);
     ASSERT_TRUE(store->putThumbnail(ids[0], wide, times[0], true));
     ASSERT_TRUE(store->putThumbnail(ids[1], small, times[1], true));
     store = nullptr;
@@ -88,7 +93,8 @@ TEST(ThumbnailDb, FileIsTheRecordStoreOfThumbnailsByteForByteInTheFewestBlocksTh
     for (auto [at, value] : {std::pair{16, 1024}, {20, 100}, {24, 1}}) std::memcpy(&expected[at], &value, 4);
     std::size_t block = 0;
     for (int i = 0; i < 2; ++i) {
-        OwnedPtr<DownsizeOp> fit = DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(160, 160), true, false);
+        OwnedPtr<DownsizeOp> fit =
+            DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(160, 160), true, false);
         OwnedPtr<Dib> dib = i == 0 ? fit->doOp(wide->getDib(), nullptr) : small->getDib();
         std::string picture;
         int capacity = 984, length = 0;
@@ -155,7 +161,9 @@ TEST(ThumbnailDb, DamageIsDroppedOrSetAsideAndMadeAgainNeverShown) {
     const struct {
         long offset;
         std::string bytes;
-    } records[] = {{84 + 16, std::string(20, '\x55')}, {84 + 8, std::string("\xa1\0\0\0", 4)}, {84 + 12, std::string(4, '\0')}};
+    } records[] = {{84 + 16, std::string(20, '\x55')},
+                   {84 + 8, std::string("\xa1\0\0\0", 4)},
+                   {84 + 12, std::string(4, '\0')}};
     ASSERT_TRUE(ThumbnailDb::createFile(dir.wide("t.db"), 1024, 0));
     OwnedPtr<ThumbnailDb> store = ThumbnailDb::create(dir.wide("t.db"), 160, 160, jpeg());
     int dropped = 0;
@@ -166,7 +174,8 @@ TEST(ThumbnailDb, DamageIsDroppedOrSetAsideAndMadeAgainNeverShown) {
         EXPECT_EQ(++dropped, store->getDroppedCount());
         EXPECT_FALSE(store->isValid(asset)) << "the record is gone";
     }
-    EXPECT_EQ(u"Cannot open database", messageOf([&] { ThumbnailDb::create(dir.wide("t.db"), 160, 160, jpeg()); }))
+    EXPECT_EQ(u"Cannot open database",
+              messageOf([&] { ThumbnailDb::create(dir.wide("t.db"), 160, 160, jpeg()); }))
         << "a store another holder has open is not rebuilt";
     store = nullptr;
 
@@ -186,7 +195,8 @@ TEST(ThumbnailDb, DamageIsDroppedOrSetAsideAndMadeAgainNeverShown) {
         store = nullptr;
         EXPECT_EQ(file.blockSize, *reinterpret_cast<const std::int32_t*>(readFileBytes(path).data() + 16));
     }
-    EXPECT_EQ(u"Cannot open database", messageOf([&] { ThumbnailDb::create(dir.wide("none.db"), 160, 160, jpeg()); }));
+    EXPECT_EQ(u"Cannot open database",
+              messageOf([&] { ThumbnailDb::create(dir.wide("none.db"), 160, 160, jpeg()); }));
 }
 
 TEST(ThumbnailDb, ThreadsAskingForOneThumbnailAtOnceHaveItMadeOnceAndAllGetIt) {
@@ -220,4 +230,56 @@ TEST(ThumbnailDb, ThreadsAskingForOneThumbnailAtOnceHaveItMadeOnceAndAllGetIt) {
     CodecManager::enableFastThumbnailing(true);
     EXPECT_EQ(1, reads.reads.load());
     EXPECT_EQ(kThreads, shown.load());
+}
+
+TEST(ThumbnailBuilder, FillsTheStoreForEveryAssetLackingAGoodOneAndResumesWhereItWasStopped) {
+    init();
+    TempDir dir;
+    ASSERT_TRUE(ThumbnailDb::createFile(dir.wide("t.db"), 1024, 0));
+    OwnedPtr<ThumbnailDb> store = ThumbnailDb::create(dir.wide("t.db"), 160, 160, jpeg());
+    OwnedPtr<MemAssetList> list = MemAssetList::create();
+    std::map<UniqueID, ThumbnailBuilder::Outcome> expected;
+    for (int i = 0; i < 8; ++i) {
+        OwnedPtr<Asset> asset = photo(dir.file(std::to_string(i) + ".jpg"), 200 + i, 100);
+        list->addAsset(asset, false);
+        expected[asset->getID()] = ThumbnailBuilder::kMade;
+        if (i == 0 && store->updateThumbnail(asset, nullptr))
+            expected[asset->getID()] = ThumbnailBuilder::kGood;
+        if (i == 1 && unlink(dir.file("1.jpg").c_str()) == 0)
+            expected[asset->getID()] = ThumbnailBuilder::kGone;
+    }
+    writeFileBytes(dir.file("damaged.jpg"), "\xff\xd8 not really");
+    for (const char* name : {"damaged.jpg", "unknown.xyz"}) {
+        OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), dir.wide(name), nullptr, nullptr);
+        list->addAsset(asset, false);
+        expected[asset->getID()] = ThumbnailBuilder::kFailed;
+    }
+    struct Outcomes : EventListener {
+        void onEvent(Event* event) override {
+            auto* progress = static_cast<ThumbnailBuilder::Progress*>(event);
+            EXPECT_TRUE(indexes.insert(progress->index).second) << "each asset once";
+            outcomes[progress->id] = progress->outcome;
+        }
+        std::set<std::size_t> indexes;
+        std::map<UniqueID, ThumbnailBuilder::Outcome> outcomes;
+    } heard;
+    OwnedPtr<ThumbnailBuilder> builder = ThumbnailBuilder::create(store, list, &heard, 2);
+    const auto finish = [&] {
+        for (Task* task : builder->getTasks()) task->waitForComplete(false, -1);
+        MSG msg;
+        while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE)) processMessage(&msg, nullptr);
+    };
+    builder->start();
+    builder->stop();
+    finish();
+    EXPECT_EQ(builder->getStarted(), heard.indexes.size())
+        << "the assets in hand were finished, no other begun";
+    builder->start();
+    finish();
+    EXPECT_EQ(expected, heard.outcomes);
+    for (const auto& [id, outcome] : expected)
+        EXPECT_EQ(outcome == ThumbnailBuilder::kMade || outcome == ThumbnailBuilder::kGood,
+                  store->isValid(OwnedPtr<Asset>(list->getAsset(id))));
+    builder = nullptr;
+    deinit();
 }

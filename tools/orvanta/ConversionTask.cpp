@@ -15,7 +15,8 @@ ConversionTask::ConversionTask(Batch& batch, EventListener* listener)
 void ConversionTask::doItem(std::size_t index) {
     Platform::setLastError(0);
     const bool converted = convert(mBatch.files[index]);
-    sendEventLater(FileConverted::create(index, converted, converted ? 0 : Platform::getLastError()), mListener);
+    sendEventLater(FileConverted::create(index, converted, converted ? 0 : Platform::getLastError()),
+                   mListener);
 }
 
 bool ConversionTask::convert(const Batch::File& file) {

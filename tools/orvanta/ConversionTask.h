@@ -3,10 +3,10 @@
 // user-interface thread.
 //
 // Contract: several tasks share one Batch, working through its queue (QueueTask): each converts the
-// next unclaimed file until none is left, the queue is stopped, or the task is killed. The library writes each destination beside it
-// and renames it into place only once complete, so a destination is never half-written; a file
-// already being converted when the task is killed is finished. After each file the task sends a
-// FileConverted event to the listener, from its own thread, with the reason of a failure.
+// next unclaimed file until none is left, the queue is stopped, or the task is killed. The library writes
+// each destination beside it and renames it into place only once complete, so a destination is never
+// half-written; a file already being converted when the task is killed is finished. After each file the task
+// sends a FileConverted event to the listener, from its own thread, with the reason of a failure.
 
 #include <cstddef>
 #include <vector>
