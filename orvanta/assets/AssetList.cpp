@@ -88,10 +88,8 @@ AssetList::~AssetList() = default;
 
 Asset* AssetList::getAsset(int index) {
     Lock lock(this);
-    if (index < 0) return nullptr;
-    const std::vector<UniqueID>& ids = indexedIds();
-    return static_cast<std::size_t>(index) < ids.size() ? getAsset(ids[static_cast<std::size_t>(index)])
-                                                        : nullptr;
+    const UniqueID id = getID(index);
+    return id.isNull() ? nullptr : getAsset(id);
 }
 
 Asset* AssetList::getFirst() {
@@ -184,6 +182,13 @@ SortedAssetList* AssetList::createSorted(const SortKeyList& keys, Filter* filter
 
 void AssetList::buildIndex() {
     indexedIds();
+}
+
+UniqueID AssetList::getID(int index) {
+    Lock lock(this);
+    const std::vector<UniqueID>& ids = indexedIds();
+    return index >= 0 && static_cast<std::size_t>(index) < ids.size() ? ids[static_cast<std::size_t>(index)]
+                                                                      : UniqueID();
 }
 
 PropertyList* AssetList::readProperties(const UniqueID& id) {

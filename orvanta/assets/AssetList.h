@@ -87,6 +87,8 @@ public:
     virtual SortedAssetList* createSorted(const SortKeyList& keys, Filter* filter);
     // Fills the id index unless it holds an id already.
     void buildIndex();
+    // The id at a position, without building the asset; the null id out of range.
+    UniqueID getID(int index);
 
     // What a view reads. readProperties: the properties of the asset id, or null; a list that
     // stores records reads the record without building an asset. The caller takes its own reference.

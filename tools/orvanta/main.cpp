@@ -73,8 +73,9 @@ const std::vector<Command>& commands() {
          "  one line per property: name, type (string, int, datetime, id, bytes), value.\n"
          "add makes FILE a catalogue if it does not exist, and stores one property list per picture or\n"
          "  video (.mpg, .mov, .qt, .mpeg, .avi): filename, folder, timestamp (the earlier of the file's\n"
-         "  creation and write times, local, a time before 1980-01-02 not counting), and a picture's\n"
-         "  width and height. A PICTURE that is a folder adds every picture and video directly in it.\n"
+         "  creation and write times, local, a time before 1980-01-02 not counting), filesize, writetime\n"
+         "  (UTC), and a picture's width and height. A PICTURE that is a folder adds every picture and\n"
+         "  video directly in it.\n"
          "  It prints PICTURE and the new record's id, or PICTURE and \"unreadable\".\n"
          "The file is opened as the library opens it (read-write, exclusively): an interrupted change is\n"
          "completed or undone first, from the journal beside it (FILE-journal). A journal written for\n"
@@ -113,6 +114,34 @@ const std::vector<Command>& commands() {
          "Prints: DST  WIDTH  HEIGHT  embedded|decoded|stock\n"
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runThumb},
+        {"catalog", "catalog import|list|thumb|check|stats  the user's catalogue of photographs and videos",
+         "usage: orvanta catalog import [--catalog FILE] FOLDER...\n"
+         "       orvanta catalog list [--catalog FILE] [--sort timestamp|filename|folder|size] [--filter "
+         "TEXT]\n"
+         "                            [--json]\n"
+         "       orvanta catalog thumb [--catalog FILE] ID|PATH OUT\n"
+         "       orvanta catalog check [--catalog FILE] [--prune]\n"
+         "       orvanta catalog stats [--catalog FILE]\n"
+         "\n"
+         "Every subcommand works on the catalogue FILE, or without --catalog on the user's own:\n"
+         "$XDG_DATA_HOME/orvanta/catalog.db (~/.local/share/orvanta/catalog.db). A catalogue is open in one\n"
+         "program at a time; another that tries is refused, and the error says so.\n"
+         "import and thumb: not built yet.\n"
+         "list prints one asset a line, ID  TIMESTAMP  PATH separated by tabs: the id, the date it is\n"
+         "  shown under as ISO 8601 local time (empty when it has none), and the file's path. --sort\n"
+         "  orders by the date (the default), the file name, the folder or the file size, each then by\n"
+         "  folder and file name; --filter keeps the assets whose path holds TEXT in any case; --json\n"
+         "  prints an array of objects with id, path, timestamp, type (photo or video), width and height\n"
+         "  (null where unknown) instead.\n"
+         "check lists the assets whose file is no longer at its path (deleted, moved, renamed, or on a\n"
+         "  drive not mounted): missing  ID  PATH, then a count. It changes nothing unless --prune is\n"
+         "  given, which removes those assets from the catalogue (never a file).\n"
+         "stats prints one tab-separated line per figure: assets, photos, videos, other files, the bytes\n"
+         "  of their files, the earliest and latest dates, the catalogue's format version, size and free\n"
+         "  blocks.\n"
+         "Exit status 0 on success, 1 if the catalogue does not open (or is missing, except for import),\n"
+         "2 for bad arguments.\n",
+         runCatalog},
     };
     return table;
 }
