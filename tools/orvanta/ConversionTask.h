@@ -30,11 +30,7 @@ struct Batch {
     int maxWidth = -1;
     int maxHeight = -1;
     Orvanta::ImageQuality quality = Orvanta::ImageQualityNormal;
-    std::atomic<std::size_t> next{0};
-    std::atomic<bool> stopping{false};
-
-    // The index of the next file to convert, or -1 when there is none or the batch is stopping.
-    long claim();
+    Orvanta::WorkQueue queue;
 };
 
 // One file done: its index in the batch, whether it was converted, and if not, the library's last
