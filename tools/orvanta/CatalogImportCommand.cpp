@@ -92,7 +92,8 @@ public:
         : mDb(db), mStore(store), mRunner(runner), mVerbose(verbose) {
         db->readEntries({Asset::kPropFolder, Asset::kPropFilename}, false,
                         [this](const UniqueID& id, const std::vector<PropertyValue>& values, PropertyList*) {
-                            mKnown[FilePath::makePath(values[0].asString(), values[1].asString(), false)] = id;
+                            mKnown[FilePath::makePath(values[0].asString(), values[1].asString(), false)] =
+                                id;
                         });
     }
 
@@ -188,13 +189,15 @@ public:
         ++counts[progress->outcome];
         if (progress->outcome == ThumbnailBuilder::kFailed && bar) {
             OwnedPtr<PropertyList> list = mDb->readProperties(progress->id);
-            const CString path = list ? FilePath::makePath(list->getValue(Asset::kPropFolder).asString(),
-                                                           list->getValue(Asset::kPropFilename).asString(), false)
-                                      : CString();
+            const CString path =
+                list ? FilePath::makePath(list->getValue(Asset::kPropFolder).asString(),
+                                          list->getValue(Asset::kPropFilename).asString(), false)
+                     : CString();
             const std::string why = progress->error ? Platform::describeError(progress->error)
                                                     : "the file cannot be read as a picture";
-            bar->message("no thumbnail\t" + progress->id.asString().toUtf8() + "\t" + path.toUtf8() + "\t" + why,
-                         stdout);
+            bar->message(
+                "no thumbnail\t" + progress->id.asString().toUtf8() + "\t" + path.toUtf8() + "\t" + why,
+                stdout);
         }
         if (bar) bar->update(++done);
     }
@@ -212,8 +215,9 @@ private:
 int runCatalogImport(const CatalogueChoice& choice, const Arguments& arguments) {
     Options options;
     if (!parseOptions(arguments, &options)) {
-        std::fprintf(stderr, "usage: orvanta catalog import [--catalog FILE] [--jobs N] [--no-embedded] [--verbose] "
-                             "FOLDER...\n");
+        std::fprintf(stderr,
+                     "usage: orvanta catalog import [--catalog FILE] [--jobs N] [--no-embedded] [--verbose] "
+                     "FOLDER...\n");
         return 2;
     }
     orvantaIUInit();
@@ -234,7 +238,8 @@ int runCatalogImport(const CatalogueChoice& choice, const Arguments& arguments) 
         std::error_code error;
         const fs::path found = fs::canonical(place, error);
         if (error) {
-            std::fprintf(stderr, "orvanta catalog import: cannot read %s: %s\n", place.c_str(), error.message().c_str());
+            std::fprintf(stderr, "orvanta catalog import: cannot read %s: %s\n", place.c_str(),
+                         error.message().c_str());
             status = 1;
             continue;
         }
@@ -261,11 +266,12 @@ int runCatalogImport(const CatalogueChoice& choice, const Arguments& arguments) 
     }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     const int files = importer.added + importer.updated + importer.unchanged;
-    std::printf("import%s: %d added, %d updated, %d unchanged, %d skipped; thumbnails: %d made, %d kept, %d failed;"
-                " %.2f s (%.1f files/s)\n",
-                runner.wasInterrupted() ? " interrupted" : "", importer.added, importer.updated, importer.unchanged,
-                importer.skipped, progress.counts[ThumbnailBuilder::kMade], progress.counts[ThumbnailBuilder::kGood],
-                progress.counts[ThumbnailBuilder::kFailed], seconds, seconds > 0 ? files / seconds : 0.0);
+    std::printf(
+        "import%s: %d added, %d updated, %d unchanged, %d skipped; thumbnails: %d made, %d kept, %d failed;"
+        " %.2f s (%.1f files/s)\n",
+        runner.wasInterrupted() ? " interrupted" : "", importer.added, importer.updated, importer.unchanged,
+        importer.skipped, progress.counts[ThumbnailBuilder::kMade], progress.counts[ThumbnailBuilder::kGood],
+        progress.counts[ThumbnailBuilder::kFailed], seconds, seconds > 0 ? files / seconds : 0.0);
     store = nullptr;
     db = nullptr;
     orvantaIUDeInit();

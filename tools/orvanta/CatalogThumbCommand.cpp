@@ -69,7 +69,8 @@ int writeThumbnail(AssetDb* db, ThumbnailDb* store, const std::string& argument,
         if (static_cast<ImageCodec*>(codec)->write(thumbnail->getDib(), destination, ImageQualityNormal) <= 0)
             throw Exception(u"not written");
     } catch (const Exception&) {
-        std::fprintf(stderr, "orvanta catalog thumb: cannot write '%s'%s\n", out.c_str(), failureReason().c_str());
+        std::fprintf(stderr, "orvanta catalog thumb: cannot write '%s'%s\n", out.c_str(),
+                     failureReason().c_str());
         return 1;
     }
     const CSize size = thumbnail->getSize();

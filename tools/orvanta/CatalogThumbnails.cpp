@@ -28,13 +28,14 @@ ThumbnailDb* openThumbnails(const std::string& catalogue) {
     try {
         ThumbnailDb* store = ThumbnailDb::create(wide, kThumbnailSide, kThumbnailSide, nullptr);
         if (store->wasRebuilt())
-            std::fprintf(stderr, "orvanta catalog: the thumbnails in %s were damaged: set aside as %s%s, made anew\n",
-                         path.c_str(), path.c_str(), CString(ThumbnailFormat::kDamagedSuffix).toUtf8().c_str());
+            std::fprintf(
+                stderr, "orvanta catalog: the thumbnails in %s were damaged: set aside as %s%s, made anew\n",
+                path.c_str(), path.c_str(), CString(ThumbnailFormat::kDamagedSuffix).toUtf8().c_str());
         return store;
     } catch (const Exception& e) {
         const std::string why = Database::explainOpenFailure(wide).toUtf8();
-        std::fprintf(stderr, "orvanta catalog: %s: %s%s%s\n", path.c_str(), CString(e.getMessage()).toUtf8().c_str(),
-                     why.empty() ? "" : ": ", why.c_str());
+        std::fprintf(stderr, "orvanta catalog: %s: %s%s%s\n", path.c_str(),
+                     CString(e.getMessage()).toUtf8().c_str(), why.empty() ? "" : ": ", why.c_str());
         return nullptr;
     }
 }
