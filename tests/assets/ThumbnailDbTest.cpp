@@ -119,9 +119,9 @@ TEST(ThumbnailDb, FileIsTheRecordStoreOfThumbnailsByteForByteInTheFewestBlocksTh
 
 TEST(ThumbnailDb, AThumbnailIsGoodWhileTheFileWasWrittenNoLaterThanItsStoredTime) {
     TempDir dir;
+    OwnedPtr<Asset> asset = photo(dir.file("p.jpg"));  // registers the JPEG codec, the default one
     ASSERT_TRUE(ThumbnailDb::createFile(dir.wide("t.db"), 1024, 0));
     OwnedPtr<ThumbnailDb> store = ThumbnailDb::create(dir.wide("t.db"), CSize(160, 160), nullptr);
-    OwnedPtr<Asset> asset = photo(dir.file("p.jpg"));
     const FILETIME made = asset->getAssetFile()->getWriteTime();
     EXPECT_FALSE(store->invalidate(asset) || store->isValid(asset));
     EXPECT_EQ(CSize(0, 0), store->getThumbnailSize(asset, false));
