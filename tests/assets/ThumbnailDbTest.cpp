@@ -35,9 +35,10 @@ using namespace OrvantaTest;
 
 namespace {
 
+// Registered once, and held here too: another test's registration may take its place in the registry.
 IntelJpegCodec* jpeg() {
-    static IntelJpegCodec* codec = [] {
-        IntelJpegCodec* c = IntelJpegCodec::create();
+    static OwnedPtr<IntelJpegCodec> codec = [] {
+        OwnedPtr<IntelJpegCodec> c = IntelJpegCodec::create();
         CodecManager::registerCodec(c);
         return c;
     }();
@@ -218,10 +219,13 @@ TEST(ThumbnailDb, ThreadsAskingForOneThumbnailAtOnceHaveItMadeOnceAndAllGetIt) {
     reads.photo = dir.file("p.jpg");
     CodecManager::disableFastThumbnailing();
     Platform::FileSystem::install(&reads);
+    // Each thread its own asset of the photo, owned here until the threads are done.
+    std::vector<OwnedPtr<Asset>> assets;
     std::vector<std::thread> threads;
     std::atomic<int> shown{0};
-    for (int i = 0; i < kThreads; ++i)
-        threads.emplace_back([&, asset = OwnedPtr<Asset>(original->clone())] {
+    for (int i = 0; i < kThreads; ++i) assets.push_back(original->clone());
+    for (Asset* asset : assets)
+        threads.emplace_back([&, asset] {
             ++reads.asked;
             if (OwnedPtr<Image>(store->getThumbnail(asset, true))) ++shown;
         });
