@@ -52,9 +52,10 @@ public:
         AssetList* mList;
     };
 
-    // What readEntries hands out for each asset: its id, the values asked for (a null value where the
-    // asset lacks one), and with wantLists its whole property list, else null.
-    using EntryVisitor = std::function<void(const UniqueID& id, const std::vector<PropertyValue>& values,
+    // What readEntries hands out for each asset: its place in the list's order, its id, the values
+    // asked for (a null value where the asset lacks one; the visitor may take them), and with
+    // wantLists its whole property list, else null.
+    using EntryVisitor = std::function<void(int place, const UniqueID& id, std::vector<PropertyValue>& values,
                                             PropertyList* properties)>;
 
     ~AssetList() override;
@@ -93,8 +94,10 @@ public:
     // What a view reads. readProperties: the properties of the asset id, or null; a list that
     // stores records reads the record without building an asset. The caller takes its own reference.
     virtual PropertyList* readProperties(const UniqueID& id);
-    // Calls visit for every asset in the list's order; a list that stores records reads only what is
-    // asked for, building no asset. The lock is held throughout.
+    // Calls visit once for every asset, with its place in the list's order (0 to the index's size);
+    // the calls may come in another order (a catalogue reads its records in the order of the file,
+    // front to back). A list that stores records reads only what is asked for, building no asset.
+    // The lock is held throughout, and visit must not change the list.
     virtual void readEntries(const std::vector<CString>& names, bool wantLists, const EntryVisitor& visit);
 
     // Takes the locks an operation on this list needs, sources first; unlockChain gives them back.
