@@ -15,6 +15,9 @@
 // every thread takes the locks in one order, the source's before the view's: a view's operations
 // lock its source first (lockChain), as a notification from the source does. Code that makes several
 // calls that must see one state (read a position, then the asset there) holds an AssetList::Lock.
+// Owner counts are not atomic: a thread takes and gives up its references to the assets a shared
+// list holds, and changes them, under that list's lock (an asset a thread has just made is its own
+// until it hands it to the list; its reference goes under the lock too).
 
 #include <functional>
 #include <set>

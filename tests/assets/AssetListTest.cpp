@@ -332,7 +332,11 @@ TEST(AssetList, AViewFollowsChangesFromAnotherThreadWhileItIsWalked) {
         std::atomic<bool> finished{false};
         std::thread writer([&] {
             for (std::uint32_t n = 1; n <= 400; ++n) {
-                list->addAsset(OwnedPtr<Asset>(assetFor(n, {{u"rating", int(n % 7)}})), true);
+                OwnedPtr<Asset> asset = assetFor(n, {{u"rating", int(n % 7)}});
+                // Once the list holds it, the walker may take references too: this one goes under the lock.
+                AssetList::Lock lock(list);
+                list->addAsset(asset, true);
+                asset = nullptr;
                 if (n % 3 == 0) list->removeAsset(idFor(n - 1), true);
             }
             finished = true;
