@@ -200,14 +200,13 @@ PropertyList* AssetList::readProperties(const UniqueID& id) {
 void AssetList::readEntries(const std::vector<CString>& names, bool wantLists, const EntryVisitor& visit) {
     Lock lock(this);
     std::vector<PropertyValue> values(names.size());
-    // A copy: a visitor may change the list, which empties the index.
-    const std::vector<UniqueID> ids = indexedIds();
-    for (const UniqueID& id : ids) {
-        OwnedPtr<Asset> asset = getAsset(id);
+    const std::vector<UniqueID>& ids = indexedIds();
+    for (std::size_t place = 0; place < ids.size(); ++place) {
+        Asset* asset = getAsset(ids[place]);
         if (!asset) continue;
         PropertyList* list = asset->getProperties();
         for (std::size_t i = 0; i < names.size(); ++i) values[i] = list->getValue(names[i]);
-        visit(id, values, wantLists ? list : nullptr);
+        visit(static_cast<int>(place), ids[place], values, wantLists ? list : nullptr);
     }
 }
 

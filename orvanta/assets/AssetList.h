@@ -15,6 +15,9 @@
 // every thread takes the locks in one order, the source's before the view's: a view's operations
 // lock its source first (lockChain), as a notification from the source does. Code that makes several
 // calls that must see one state (read a position, then the asset there) holds an AssetList::Lock.
+// Owner counts are not atomic: a thread takes and gives up its references to the assets a shared
+// list holds, and changes them, under that list's lock (an asset a thread has just made is its own
+// until it hands it to the list; its reference goes under the lock too).
 
 #include <functional>
 #include <set>
@@ -52,9 +55,10 @@ public:
         AssetList* mList;
     };
 
-    // What readEntries hands out for each asset: its id, the values asked for (a null value where the
-    // asset lacks one), and with wantLists its whole property list, else null.
-    using EntryVisitor = std::function<void(const UniqueID& id, const std::vector<PropertyValue>& values,
+    // What readEntries hands out for each asset: its place in the list's order, its id, the values
+    // asked for (a null value where the asset lacks one; the visitor may take them), and with
+    // wantLists its whole property list, else null.
+    using EntryVisitor = std::function<void(int place, const UniqueID& id, std::vector<PropertyValue>& values,
                                             PropertyList* properties)>;
 
     ~AssetList() override;
@@ -93,8 +97,10 @@ public:
     // What a view reads. readProperties: the properties of the asset id, or null; a list that
     // stores records reads the record without building an asset. The caller takes its own reference.
     virtual PropertyList* readProperties(const UniqueID& id);
-    // Calls visit for every asset in the list's order; a list that stores records reads only what is
-    // asked for, building no asset. The lock is held throughout.
+    // Calls visit once for every asset, with its place in the list's order (0 to the index's size);
+    // the calls may come in another order (a catalogue reads its records in the order of the file,
+    // front to back). A list that stores records reads only what is asked for, building no asset.
+    // The lock is held throughout, and visit must not change the list.
     virtual void readEntries(const std::vector<CString>& names, bool wantLists, const EntryVisitor& visit);
 
     // Takes the locks an operation on this list needs, sources first; unlockChain gives them back.

@@ -28,6 +28,7 @@
 #include "orvanta/assets/AssetList.h"
 #include "orvanta/assets/Filter.h"
 #include "orvanta/assets/SortKeyList.h"
+#include "orvanta/assets/SortValue.h"
 #include "orvanta/foundation/ListenerLink.h"
 #include "orvanta/foundation/NotifierListener.h"
 
@@ -35,12 +36,8 @@ namespace Orvanta {
 
 class SortedAssetList : public AssetList {
 public:
-    // One entry of a sort key: a copy of the property's value and the direction.
-    struct KeyEntry {
-        PropertyValue value;
-        bool ascending;
-    };
-    using Key = std::vector<KeyEntry>;
+    // A key: one entry per sort key, each a copy of the asset's value and the key's direction.
+    using Key = std::vector<SortValue>;
     struct KeyOrder {
         bool operator()(const Key& a, const Key& b) const;
     };

@@ -14,6 +14,7 @@
 #include "orvanta/assets/AssetIterator.h"
 #include "orvanta/assets/MemAssetList.h"
 #include "orvanta/assets/PropertyFilter.h"
+#include "orvanta/assets/SortValue.h"
 #include "orvanta/assets/SortedAssetList.h"
 #include "orvanta/assets/StringFilter.h"
 #include "orvanta/platform/TextCompare.h"
@@ -331,7 +332,11 @@ TEST(AssetList, AViewFollowsChangesFromAnotherThreadWhileItIsWalked) {
         std::atomic<bool> finished{false};
         std::thread writer([&] {
             for (std::uint32_t n = 1; n <= 400; ++n) {
-                list->addAsset(OwnedPtr<Asset>(assetFor(n, {{u"rating", int(n % 7)}})), true);
+                OwnedPtr<Asset> asset = assetFor(n, {{u"rating", int(n % 7)}});
+                // Once the list holds it, the walker may take references too: this one goes under the lock.
+                AssetList::Lock lock(list);
+                list->addAsset(asset, true);
+                asset = nullptr;
                 if (n % 3 == 0) list->removeAsset(idFor(n - 1), true);
             }
             finished = true;
@@ -356,5 +361,38 @@ TEST(AssetList, AViewFollowsChangesFromAnotherThreadWhileItIsWalked) {
         EXPECT_EQ(267, view->getCount());
         OwnedPtr<AssetIterator> chosen = selection->createIterator();
         while (chosen->step()) EXPECT_TRUE(view->contains(chosen->current()));
+    }
+}
+
+TEST(SortValue, ComparesExactlyAsPropertyValueAndGivesTheValueBackByteForByte) {
+    // Values of every type, among them the awkward ones: short and long byte forms, unknown tags,
+    // numbers as text, negative dates, a null value that carries bytes.
+    std::vector<PropertyValue> values = {PropertyValue(),
+                                         PropertyValue(0),
+                                         PropertyValue(-3),
+                                         PropertyValue(7),
+                                         PropertyValue(u""),
+                                         PropertyValue(u"7"),
+                                         PropertyValue(u"abc"),
+                                         PropertyValue(u"ABC"),
+                                         PropertyValue(idFor(1)),
+                                         PropertyValue(UniqueID()),
+                                         PropertyValue(DateTime(2004, 2, 29, 8, 15, 0, 0)),
+                                         PropertyValue(DateTime(-1, 13, 0, 0, 0, 0, -5)),
+                                         PropertyValue(DateTime())};
+    unsigned char raw[16] = {1, 0, 0, 0, 0xd4, 7, 2, 0, 29, 0, 8, 0, 15, 0, 0, 0};
+    for (const auto type : {PropertyValue::kNull, PropertyValue::kBytes, PropertyValue::kInt,
+                            PropertyValue::kDateTime, PropertyValue::kUniqueID, PropertyValue::Type(9)})
+        for (int size : {0, 3, 4, 14, 16}) values.push_back(PropertyValue(PropertyValue(raw, size, type)));
+    for (const PropertyValue& a : values) {
+        const SortValue x(a, true);
+        const PropertyValue back = x.getValue();
+        EXPECT_TRUE(back.getType() == a.getType() && back.asBytes() == a.asBytes());
+        for (const PropertyValue& b : values) {
+            const SortValue y(b, false);
+            EXPECT_EQ(a < b, x.isLess(y))
+                << a.getType() << " " << b.getType() << " " << a.asBytes().getLength();
+            EXPECT_EQ(a == b, x.isEqual(y)) << a.getType() << " " << b.getType();
+        }
     }
 }

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -39,20 +40,29 @@ int runCatalogCheck(const CatalogueChoice& choice, const Arguments& arguments) {
     if (!db) return 1;
     // An asset's file is missing when its path no longer leads to a regular file: deleted, moved or
     // renamed by another program, or on a drive that is not mounted.
-    std::vector<UniqueID> missing;
+    struct Missing {
+        int place;
+        UniqueID id;
+        CString path;
+    };
+    std::vector<Missing> missing;
     int checked = 0;
-    db->readEntries(
-        kPathNames, false, [&](const UniqueID& id, const std::vector<PropertyValue>& values, PropertyList*) {
-            ++checked;
-            const CString path = pathOf(values);
-            struct stat info;
-            if (stat(path.toUtf8().c_str(), &info) == 0 && S_ISREG(info.st_mode)) return;
-            missing.push_back(id);
-            std::printf("missing\t%s\t%s\n", id.asString().toUtf8().c_str(), path.toUtf8().c_str());
-        });
+    db->readEntries(kPathNames, false,
+                    [&](int place, const UniqueID& id, std::vector<PropertyValue>& values, PropertyList*) {
+                        ++checked;
+                        const CString path = pathOf(values);
+                        struct stat info;
+                        if (stat(path.toUtf8().c_str(), &info) != 0 || !S_ISREG(info.st_mode))
+                            missing.push_back(Missing{place, id, path});
+                    });
+    // In the catalogue's order, that of the ids.
+    std::sort(missing.begin(), missing.end(),
+              [](const Missing& a, const Missing& b) { return a.place < b.place; });
+    for (const Missing& gone : missing)
+        std::printf("missing\t%s\t%s\n", gone.id.asString().toUtf8().c_str(), gone.path.toUtf8().c_str());
     int removed = 0;
     if (prune)
-        for (const UniqueID& id : missing) removed += db->removeAsset(id, true) ? 1 : 0;
+        for (const Missing& gone : missing) removed += db->removeAsset(gone.id, true) ? 1 : 0;
     std::printf("%zu of %d assets missing", missing.size(), checked);
     if (prune)
         std::printf(", %d removed\n", removed);
@@ -74,7 +84,7 @@ int runCatalogStats(const CatalogueChoice& choice, const Arguments& arguments) {
     long long bytes = 0;
     DateTime earliest, latest;
     db->readEntries({Asset::kPropFilename, Asset::kPropTimestamp, CatalogueFormat::kPropFileSize}, false,
-                    [&](const UniqueID&, const std::vector<PropertyValue>& values, PropertyList*) {
+                    [&](int, const UniqueID&, std::vector<PropertyValue>& values, PropertyList*) {
                         Codec* codec = CodecManager::getCodec(FilePath::getExtension(values[0].asString()));
                         (codec ? (codec->getCodecType() == CodecTypeVideo ? videos : photos) : others) += 1;
                         bytes += values[2].asInt();
