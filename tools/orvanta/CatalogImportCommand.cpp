@@ -188,16 +188,11 @@ public:
         auto* progress = static_cast<ThumbnailBuilder::Progress*>(event);
         ++counts[progress->outcome];
         if (progress->outcome == ThumbnailBuilder::kFailed && bar) {
-            OwnedPtr<PropertyList> list = mDb->readProperties(progress->id);
-            const CString path =
-                list ? FilePath::makePath(list->getValue(Asset::kPropFolder).asString(),
-                                          list->getValue(Asset::kPropFilename).asString(), false)
-                     : CString();
             const std::string why = progress->error ? Platform::describeError(progress->error)
                                                     : "the file cannot be read as a picture";
-            bar->message(
-                "no thumbnail\t" + progress->id.asString().toUtf8() + "\t" + path.toUtf8() + "\t" + why,
-                stdout);
+            bar->message("no thumbnail\t" + progress->id.asString().toUtf8() + "\t" + pathOf(progress->id) +
+                             "\t" + why,
+                         stdout);
         }
         if (bar) bar->update(++done);
     }
@@ -207,6 +202,16 @@ public:
     ProgressBar* bar = nullptr;
 
 private:
+    // The builder's tasks read the same catalogue: its assets are referred to under its lock.
+    std::string pathOf(const UniqueID& id) {
+        AssetList::Lock lock(mDb);
+        OwnedPtr<PropertyList> list = mDb->readProperties(id);
+        return list ? FilePath::makePath(list->getValue(Asset::kPropFolder).asString(),
+                                         list->getValue(Asset::kPropFilename).asString(), false)
+                          .toUtf8()
+                    : std::string();
+    }
+
     AssetDb* mDb;
 };
 
