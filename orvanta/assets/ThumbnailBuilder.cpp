@@ -34,10 +34,15 @@ ThumbnailBuilder::~ThumbnailBuilder() {
 
 void ThumbnailBuilder::start() {
     if (!mListed) {
+        // The visits may come in another order than the list's; each brings its place.
+        std::vector<std::pair<int, UniqueID>> places;
         mAssets->readEntries({}, false,
-                             [this](const UniqueID& id, const std::vector<PropertyValue>&, PropertyList*) {
-                                 mIds.push_back(id);
+                             [&](int place, const UniqueID& id, std::vector<PropertyValue>&, PropertyList*) {
+                                 places.emplace_back(place, id);
                              });
+        std::sort(places.begin(), places.end(),
+                  [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (const auto& entry : places) mIds.push_back(entry.second);
         mQueue.reset(mIds.size());
         mListed = true;
     }

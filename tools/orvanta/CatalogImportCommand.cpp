@@ -91,7 +91,7 @@ public:
     Importer(AssetDb* db, ThumbnailDb* store, TaskRunner& runner, bool verbose)
         : mDb(db), mStore(store), mRunner(runner), mVerbose(verbose) {
         db->readEntries({Asset::kPropFolder, Asset::kPropFilename}, false,
-                        [this](const UniqueID& id, const std::vector<PropertyValue>& values, PropertyList*) {
+                        [this](int, const UniqueID& id, std::vector<PropertyValue>& values, PropertyList*) {
                             mKnown[FilePath::makePath(values[0].asString(), values[1].asString(), false)] =
                                 id;
                         });

@@ -37,7 +37,7 @@ UniqueID findAsset(AssetDb* db, const std::string& argument) {
     const CString path = CString::fromUtf8(error ? argument : absolute.string());
     UniqueID found;
     db->readEntries({Asset::kPropFolder, Asset::kPropFilename}, false,
-                    [&](const UniqueID& each, const std::vector<PropertyValue>& values, PropertyList*) {
+                    [&](int, const UniqueID& each, std::vector<PropertyValue>& values, PropertyList*) {
                         if (FilePath::makePath(values[0].asString(), values[1].asString(), false) == path)
                             found = each;
                     });
