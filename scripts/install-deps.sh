@@ -18,6 +18,8 @@ packages=(
   # the record store's benchmark compares with these two stores in the same program
   libsqlite3-dev
   liblmdb-dev
+  # the thumbnail store's benchmark reads the same thumbnails as PNG files of the freedesktop cache
+  libpng-dev
   # libraries the engine links
   libicu-dev
   # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)
