@@ -89,6 +89,12 @@ void Display::checkConnection() {
     mServerName.clear();
 }
 
+CSize Display::getScreenSize() {
+    SDL_DisplayMode mode{};
+    if (!open() || sdl().GetDesktopDisplayMode(0, &mode) != 0) return CSize(0, 0);
+    return CSize(mode.w, mode.h);
+}
+
 void Display::attachToCurrentThread() {
     thread_local bool attached = false;
     if (attached) return;

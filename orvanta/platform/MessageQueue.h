@@ -6,11 +6,10 @@
 // functions (or ensureMessageQueue) and gone when the thread ends. Anyone may post or send to a
 // thread that has a queue; everything else acts on the calling thread's own queue. Messages sent from
 // other threads are delivered first, inside the calls that take messages, and never returned by
-// them. Posted messages come out in the order they were posted; a quit request comes after all posted messages, then a made-up WM_PAINT for
-// a window that needs painting, and timer messages after that, one per due timer, so a busy queue
-// delays its paints and timers rather than piling them up.
-// A message that leaves the queue sets the thread's message position and, for key messages, its
-// key state, both as of that message.
+// them. Posted messages come out in the order they were posted; a quit request comes after all posted
+// messages, then a made-up WM_PAINT for a window that needs painting, and timer messages after that, one per
+// due timer, so a busy queue delays its paints and timers rather than piling them up. A message that leaves
+// the queue sets the thread's message position and, for key messages, its key state, both as of that message.
 
 #include <functional>
 #include <memory>

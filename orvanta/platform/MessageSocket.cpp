@@ -23,8 +23,9 @@ namespace {
 bool addressOf(const std::string& path, sockaddr_un* address) {
     *address = sockaddr_un{};
     address->sun_family = AF_UNIX;
-    if (path.size() >= sizeof address->sun_path) {
-        setLastError(ENAMETOOLONG);
+    // An empty path would name an abstract socket, outside the runtime folder.
+    if (path.empty() || path.size() >= sizeof address->sun_path) {
+        setLastError(path.empty() ? ENOENT : ENAMETOOLONG);
         return false;
     }
     std::memcpy(address->sun_path, path.c_str(), path.size() + 1);
@@ -193,7 +194,8 @@ bool MessageSocket::send(const std::string& path, const std::string& name, const
     putLittleEndian(header + 8, size, 4);
     unsigned char reply[Format::kAnswerSize];
     std::size_t got = 0;
-    bool ok = sendAll(fd, header, sizeof header) && sendAll(fd, name.data(), name.size()) && sendAll(fd, data, size);
+    bool ok = sendAll(fd, header, sizeof header) && sendAll(fd, name.data(), name.size()) &&
+              sendAll(fd, data, size);
     while (ok && got < sizeof reply) {
         const ssize_t n = ::recv(fd, reply + got, sizeof reply - got, 0);
         if (n < 0 && errno == EINTR) continue;

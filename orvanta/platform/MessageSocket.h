@@ -30,7 +30,7 @@ namespace Orvanta::Platform {
 
 class MessageSocket {
 public:
-    using Bytes = std::shared_ptr<const std::vector<unsigned char>>;
+    using Bytes = std::shared_ptr<std::vector<unsigned char>>;
     using Receiver = std::function<LRESULT(const std::string& name, const Bytes& data, std::stop_token stop)>;
 
     MessageSocket() = default;

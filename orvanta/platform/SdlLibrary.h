@@ -16,11 +16,12 @@ namespace Orvanta::Platform {
 #define ORVANTA_SDL_FUNCTIONS(F)                                                                            \
     F(Init)                                                                                                 \
     F(QuitSubSystem)                                                                                        \
-    F(VideoInit) F(VideoQuit) F(GetCurrentVideoDriver) F(SetHint) F(RegisterEvents) F(PumpEvents)           \
-        F(PeepEvents) F(WaitEventTimeout) F(PushEvent) F(StartTextInput) F(CreateWindow) F(DestroyWindow)   \
-            F(ShowWindow) F(HideWindow) F(GetWindowID) F(SetWindowTitle) F(GetWindowPosition)               \
-                F(SetWindowPosition) F(GetWindowSize) F(SetWindowSize) F(GetWindowSurface)                  \
-                    F(UpdateWindowSurfaceRects) F(CaptureMouse) F(GetModState)                              \
+    F(VideoInit)                                                                                            \
+    F(VideoQuit) F(GetCurrentVideoDriver) F(GetDesktopDisplayMode) F(SetHint) F(RegisterEvents)             \
+        F(PumpEvents) F(PeepEvents) F(WaitEventTimeout) F(PushEvent) F(StartTextInput) F(CreateWindow)      \
+            F(DestroyWindow) F(ShowWindow) F(HideWindow) F(GetWindowID) F(SetWindowTitle)                   \
+                F(GetWindowPosition) F(SetWindowPosition) F(GetWindowSize) F(SetWindowSize)                 \
+                    F(GetWindowSurface) F(UpdateWindowSurfaceRects) F(CaptureMouse) F(GetModState)          \
                         F(CreateRGBSurfaceWithFormatFrom) F(FreeSurface) F(UpperBlit) F(CreateSystemCursor) \
                             F(CreateColorCursor) F(SetCursor) F(ShowCursor) F(SetClipboardText)             \
                                 F(GetClipboardText) F(HasClipboardText) F(free)

@@ -137,7 +137,8 @@ SettingsKey::Value decode(const char* text) {
             value.type = REG_DWORD;
             value.data.assign(bytes.rbegin(), bytes.rend());
         }
-    } else if (startsWith(text, Format::kBinaryTag) && hexBytes(text + std::strlen(Format::kBinaryTag), &bytes)) {
+    } else if (startsWith(text, Format::kBinaryTag) &&
+               hexBytes(text + std::strlen(Format::kBinaryTag), &bytes)) {
         value.type = REG_BINARY;
         value.data = std::move(bytes);
     }
@@ -272,7 +273,8 @@ SettingsKey::KeyFile SettingsKey::readForRewrite() {
 
 bool SettingsKey::makeFolders() {
     FileSystem& fs = FileSystem::current();
-    for (std::size_t slash = mFile.find('/', 1); slash != std::string::npos; slash = mFile.find('/', slash + 1)) {
+    for (std::size_t slash = mFile.find('/', 1); slash != std::string::npos;
+         slash = mFile.find('/', slash + 1)) {
         const std::string folder = mFile.substr(0, slash);
         if (fs.makeDirectory(folder.c_str(), 0700) != 0 && errno != EEXIST) return failWithErrno();
     }
@@ -295,7 +297,8 @@ bool SettingsKey::set(const CString& name, const Value& value) {
     ReplacementFile replacement(mFile);
     if (!replacement.open()) return false;
     KeyFile file = readForRewrite();
-    g_key_file_set_string(file.get(), Format::kGroup, storedKey(file.get(), name).c_str(), encode(value).c_str());
+    g_key_file_set_string(file.get(), Format::kGroup, storedKey(file.get(), name).c_str(),
+                          encode(value).c_str());
     gsize size = 0;
     GText data(g_key_file_to_data(file.get(), &size, nullptr));
     return replacement.write(data.get(), size) && replacement.commit();
