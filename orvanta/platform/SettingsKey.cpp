@@ -5,6 +5,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
@@ -150,7 +151,7 @@ std::string encode(const SettingsKey::Value& value) {
     std::vector<unsigned char> bytes = value.data;
     if (value.type == REG_DWORD) {
         bytes.resize(4);
-        bytes.assign(bytes.rbegin(), bytes.rend());  // most significant digit first
+        std::reverse(bytes.begin(), bytes.end());  // most significant digit first
     }
     std::string out = value.type == REG_DWORD ? Format::kNumberTag : Format::kBinaryTag;
     for (unsigned char c : bytes) {
