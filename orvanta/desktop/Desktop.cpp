@@ -38,7 +38,9 @@ void Desktop::setSize(const CSize& size) {
 bool Desktop::needsCrop(const CString& path) {
     ImageType type;
     CSize picture(0, 0);
-    if (!ImageCodec::getImageFileInformation(path, &type, &picture, nullptr)) return false;
+    // A file the codec cannot read leaves the size empty.
+    if (!ImageCodec::getImageFileInformation(path, &type, &picture, nullptr) || isEmpty(picture))
+        return false;
     const CSize screen = getSize();
     if (isEmpty(screen)) return false;
     return static_cast<long long>(picture.cy) * screen.cx == static_cast<long long>(screen.cy) * picture.cx;
