@@ -1,6 +1,6 @@
 // Desktop: the wallpaper's size for each style (the examples a reader can check by hand), the file's
-// format following its extension, needsCrop's shape rule, and the screen's size from the display.
-// Setting the desktop's wallpaper is tested through `orvanta wallpaper`, in a process of its own.
+// format following its extension, and needsCrop's shape rule. The screen's size from the display
+// and the desktop's settings are tested through `orvanta wallpaper`, in processes of their own.
 
 #include "orvanta/desktop/Desktop.h"
 
@@ -84,10 +84,4 @@ TEST_F(DesktopTest, NeedsCropIsTrueForAPictureOfTheScreensShape) {
         EXPECT_EQ(sameShape, Desktop::needsCrop(path)) << width << "x" << height;
     }
     EXPECT_FALSE(Desktop::needsCrop(dir.wide("missing.bmp")));
-}
-
-TEST_F(DesktopTest, WithoutAFixedSizeTheScreenIsTheDisplays) {
-    Desktop::setSize(CSize(0, 0));
-    const CSize screen = Desktop::getSize();
-    EXPECT_TRUE(screen.cx > 0 && screen.cy > 0) << "the offscreen display has a screen too";
 }

@@ -8,14 +8,15 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <tuple>
 
 #include "orvanta/desktop/Prefs.h"
 #include "orvanta/desktop/RegistryPrefs.h"
 #include "orvanta/platform/ResourceModule.h"
-#include "tests/desktop/PrivateSession.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
 
@@ -32,7 +33,7 @@ std::unique_ptr<RegistryPrefs> prefsOf(const char16_t* keyPath, int id = 4100) {
 
 // Where a key path under "Software\Orvanta Tests" keeps its file.
 std::string fileOf(const std::string& key) {
-    return sessionFolder() + "/config/Orvanta Tests/" + key + "/preferences.conf";
+    return std::string(std::getenv("XDG_CONFIG_HOME")) + "/Orvanta Tests/" + key + "/preferences.conf";
 }
 
 void writeByHand(const std::string& key, const std::string& text) {
@@ -42,7 +43,7 @@ void writeByHand(const std::string& key, const std::string& text) {
 
 }  // namespace
 
-TEST(PrefsTest, EachKindReadsBackAndAnyOtherReadGivesTheMissingValuesAnswer) {
+TEST(PrefsTest, EachKindReadsBackAnyOtherReadGivesTheMissingAnswerAndABufferTooSmallIsRefused) {
     Platform::ResourceModule::current()->addString(4200, u"Software\\Orvanta Tests\\Rules");
     Prefs::setRegistryKey(4200);
     Prefs prefs;
@@ -55,60 +56,37 @@ TEST(PrefsTest, EachKindReadsBackAndAnyOtherReadGivesTheMissingValuesAnswer) {
     prefs.setDate(u"Before", -5);
     prefs.setInt(u"Wide", 0x100000002UL);
     prefs.setBinary(u"Bytes", bytes, 3);
-    struct Row {
-        const char16_t* name;
-        bool isPref;
-        unsigned long number;
-        bool flag;
-        long date;
-        const char16_t* text;
-    };
-    for (const Row& row : std::initializer_list<Row>{
-             {u"Missing", false, 0xFFFFFFFF, false, 0, u""},
-             {u"Text", true, 0xFFFFFFFF, false, 0, u"hello"},  // a string is no number
-             {u"TEXT", true, 0xFFFFFFFF, false, 0, u"hello"},  // names compare without case
-             {u"Cut", true, 0xFFFFFFFF, false, 0, u"ab"},
-             {u"Zero", true, 0, false, 0, u""},
-             {u"On", true, 1, true, 1, u""},
-             {u"All", true, 0xFFFFFFFF, false, 0, u""},  // reads as missing
-             {u"Before", true, 0xFFFFFFFB, true, -5, u""},
-             {u"Wide", true, 2, true, 2, u""},  // 32 bits kept
-             {u"Bytes", true, 0xFFFFFFFF, false, 0, u""},
+    for (const auto& [name, isPref, number, flag, date, text] : {
+             std::tuple{u"Missing", false, 0xFFFFFFFFUL, false, 0L, u""},
+             {u"Text", true, 0xFFFFFFFFUL, false, 0L, u"hello"},  // a string is no number
+             {u"TEXT", true, 0xFFFFFFFFUL, false, 0L, u"hello"},  // names compare without case
+             {u"Cut", true, 0xFFFFFFFFUL, false, 0L, u"ab"},
+             {u"Zero", true, 0UL, false, 0L, u""},
+             {u"On", true, 1UL, true, 1L, u""},
+             {u"All", true, 0xFFFFFFFFUL, false, 0L, u""},  // reads as missing
+             {u"Before", true, 0xFFFFFFFBUL, true, -5L, u""},
+             {u"Wide", true, 2UL, true, 2L, u""},  // 32 bits kept
+             {u"Bytes", true, 0xFFFFFFFFUL, false, 0L, u""},
          }) {
-        SCOPED_TRACE(CString(row.name).toUtf8());
-        EXPECT_EQ(row.isPref, prefs.isPref(row.name));
-        EXPECT_EQ(row.number, prefs.getInt(row.name));
-        EXPECT_EQ(row.flag, prefs.getBool(row.name));
-        EXPECT_EQ(row.date, prefs.getDate(row.name));
-        EXPECT_EQ(CString(row.text), prefs.getString(row.name));
+        EXPECT_EQ(std::tuple(isPref, number, flag, date, CString(text).toUtf8()),
+                  std::tuple(prefs.isPref(name), prefs.getInt(name), prefs.getBool(name), prefs.getDate(name),
+                             prefs.getString(name).toUtf8()))
+            << CString(name).toUtf8();
     }
-}
-
-TEST(PrefsTest, GetBinaryGivesTheSizeForANullBufferAndRefusesABufferTooSmall) {
-    auto prefs = prefsOf(u"Software\\Orvanta Tests\\Binary");
-    const unsigned char bytes[] = {7, 0, 9};
-    prefs->setBinary(u"Bytes", bytes, 3);
-    prefs->setInt(u"Number", 7);
-    struct Row {
-        const char16_t* name;
-        bool withBuffer;
-        unsigned long size, sizeAfter;
-        bool answer;
-    };
-    for (const Row& row : std::initializer_list<Row>{{u"Bytes", false, 0, 3, true},
-                                                     {u"Bytes", true, 2, 2, false},
-                                                     {u"Bytes", true, 3, 3, true},
-                                                     {u"Bytes", true, 8, 3, true},
-                                                     {u"Number", true, 8, 0, false},
-                                                     {u"Missing", false, 8, 0, false}}) {
-        SCOPED_TRACE(::testing::Message() << CString(row.name).toUtf8() << " in " << row.size);
+    // getBinary's size protocol.
+    for (const auto& [name, withBuffer, given, sizeAfter, answer] :
+         {std::tuple{u"Bytes", false, 0UL, 3UL, true},
+          {u"Bytes", true, 2UL, 2UL, false},
+          {u"Bytes", true, 3UL, 3UL, true},
+          {u"Bytes", true, 8UL, 3UL, true},
+          {u"On", true, 8UL, 0UL, false},
+          {u"Missing", false, 8UL, 0UL, false}}) {
         std::array<unsigned char, 8> buffer{};
-        unsigned long size = row.size;
-        EXPECT_EQ(row.answer, prefs->getBinary(row.name, row.withBuffer ? buffer.data() : nullptr, size));
-        EXPECT_EQ(row.sizeAfter, size);
-        if (row.withBuffer && row.answer) {
-            EXPECT_EQ(0, std::memcmp(bytes, buffer.data(), 3));
-        }
+        unsigned long size = given;
+        const bool answered = prefs.getBinary(name, withBuffer ? buffer.data() : nullptr, size);
+        EXPECT_EQ(std::tuple(answer, sizeAfter), std::tuple(answered, size))
+            << CString(name).toUtf8() << given;
+        EXPECT_TRUE(!withBuffer || !answer || std::memcmp(bytes, buffer.data(), 3) == 0);
     }
 }
 
@@ -164,10 +142,8 @@ TEST(PrefsTest, AFullDiskOrAKillDuringAWriteLeavesThePreviousFileWhole) {
         prefs->setString(u"Name", longer);
     }
     EXPECT_EQ(before, readFileBytes(fileOf("Faults")));
-    EXPECT_EQ(1u,
-              std::distance(
-                  std::filesystem::directory_iterator(sessionFolder() + "/config/Orvanta Tests/Faults"), {}))
-        << "a failed write leaves no temporary file";
+    const auto folder = std::filesystem::path(fileOf("Faults")).parent_path();
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(folder), {})) << "a temporary file left";
     for (const auto& [written, rename] : {std::pair{0LL, 0}, {3000LL, 0}, {-1LL, 1}}) {
         EXPECT_EXIT(
             {

@@ -149,19 +149,13 @@ TEST_F(MessageQueueTest, ASentMessageIsHandledInsideTheReceiversNextLookAndItsSe
     takeAll();
     EXPECT_EQ(std::vector<UINT>{WM_USER + 2}, doubler.handled);
     std::promise<DWORD> receiverId;
-    std::promise<void> end;
     std::thread receiver([&] {
         ensureMessageQueue();
         receiverId.set_value(currentThreadId());
-        end.get_future().wait();
+        msgWaitForMultipleObjects(0, nullptr, INFINITE, QS_ALLINPUT);  // the message is there: end
     });
-    const DWORD id = receiverId.get_future().get();
-    std::thread waiting([&] {
-        sent = sendQueueMessage(id, MSG{nullptr, WM_USER, 0, 0, 0, CPoint()}, &result);
-    });
-    end.set_value();
+    EXPECT_FALSE(
+        sendQueueMessage(receiverId.get_future().get(), MSG{nullptr, WM_USER, 0, 0, 0, CPoint()}, &result));
     receiver.join();
-    waiting.join();
-    EXPECT_FALSE(sent);
     window->destroy();
 }
