@@ -78,15 +78,16 @@ std::string fileOf(const CString& keyPath) {
 }
 
 // A value's name as a key of the file: the bytes a key cannot hold, or cannot begin or end with,
-// as %XX.
+// as %XX; and the first of "Encoding", a key GLib reads as the file's encoding.
 std::string keyOf(const CString& name) {
     const std::string text = name.toUtf8();
+    const bool reserved = text == "Encoding";
     std::string out;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto c = static_cast<unsigned char>(text[i]);
         const bool edge = i == 0 || i + 1 == text.size();
         if (c < 0x20 || c == 0x7F || c == '%' || c == '=' || c == '[' || c == ']' || (edge && c == ' ') ||
-            (i == 0 && c == '#'))
+            (i == 0 && (c == '#' || reserved)))
             escapeByte(out, c);
         else
             out += static_cast<char>(c);

@@ -112,11 +112,15 @@ TEST(PrefsTest, AFileWrittenByHandIsReadAndWhatItHoldsBesideTheValuesIsKept) {
 
     prefs->setInt(u"COUNT", 7);
     prefs->setString(u" #x=y", u"z");
+    prefs->setString(u"Encoding", u"GLib reads that name itself");
     EXPECT_EQ(
         "# kept\n\n[Other]\nx=1\n\n[Preferences]\nTitle=sz:Caf\xc3\xa9 \\\\ one\\ntwo\nCount=dword:00000007\n"
-        "Blob=hex:00ff10\nOdd=42\na%3Db%5B1%5D=dword:00000001\n%20#x%3Dy=sz:z\n",
+        "Blob=hex:00ff10\nOdd=42\na%3Db%5B1%5D=dword:00000001\n%20#x%3Dy=sz:z\n"
+        "%45ncoding=sz:GLib reads that name itself\n",
         readFileBytes(fileOf("Hand")));
-    EXPECT_EQ(CString(u"z"), prefsOf(u"Software\\Orvanta Tests\\Hand", 4101)->getString(u" #x=y"));
+    auto again = prefsOf(u"Software\\Orvanta Tests\\Hand", 4101);
+    EXPECT_EQ(CString(u"z"), again->getString(u" #x=y"));
+    EXPECT_EQ(CString(u"GLib reads that name itself"), again->getString(u"Encoding"));
 }
 
 TEST(PrefsTest, ADamagedFileReadsAsEmptyIsKeptAsideAndTheNextWriteStartsAnew) {
