@@ -16,11 +16,13 @@
 // has returned; the answer is false in every case, as callers do not branch on it. With no window
 // of the class (no first instance, or one that has not listened yet) nothing is sent. The window
 // handler calls crackIncomingMessage, which answers false for a null message or another tag and
-// then leaves text alone; cbData is not consulted.
+// then leaves text alone; cbData is not consulted, so the bytes another process sent are always
+// followed by a zero unit in the buffer lpData points at.
 //
 // A window class is reached through a Unix domain socket named after it in the runtime folder; a
 // socket left by a first instance that was killed is replaced by the next listen. The message id
-// is process-wide state written by the constructor: a host makes its SingleInstance at start-up.
+// is process-wide state written by the constructor, the last object's: a host makes its
+// SingleInstance at start-up.
 
 #include <memory>
 
