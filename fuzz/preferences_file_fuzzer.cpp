@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "orvanta/platform/SettingsKey.h"
@@ -20,8 +21,17 @@
 using namespace Orvanta;
 using Orvanta::Platform::SettingsKey;
 
+namespace {
+
+// The configuration folder of the run, removed when it ends.
+const std::string home = "/dev/shm/orvanta-prefs-fuzz-" + std::to_string(getpid());
+struct RemovedAtExit {
+    ~RemovedAtExit() { std::filesystem::remove_all(home); }
+} removedAtExit;
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::string home = "/dev/shm/orvanta-prefs-fuzz-" + std::to_string(getpid());
     static const bool made = setenv("XDG_CONFIG_HOME", home.c_str(), 1) == 0 &&
                              (mkdir(home.c_str(), 0700) == 0 || errno == EEXIST) &&
                              (mkdir((home + "/Fuzz").c_str(), 0700) == 0 || errno == EEXIST);
