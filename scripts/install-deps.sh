@@ -22,9 +22,13 @@ packages=(
   libpng-dev
   # libraries the engine links
   libicu-dev
-  # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)
+  # identifiers (libuuid) and desktop services: opening documents, display settings, the
+  # preferences file (GLib's key files), the wallpaper (GNOME's settings schemas, read back by the
+  # tests with gsettings)
   uuid-dev
   libglib2.0-dev
+  gsettings-desktop-schemas
+  libglib2.0-bin
   # picture scaling by the platform (pixman compositing)
   libpixman-1-dev
   # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, the coefficients of lossless turns),

@@ -157,6 +157,19 @@ const std::vector<Command>& commands() {
          "Exit status 0 on success, 1 if the catalogue does not open (or is missing, except for import),\n"
          "a FOLDER cannot be read or an asset not stored, 2 for bad arguments, 130 when interrupted.\n",
          runCatalog},
+        {"wallpaper", "wallpaper PHOTO     makes a photograph the desktop's wallpaper",
+         "usage: orvanta wallpaper PHOTO [--fill|--fit] [--screen WxH]\n"
+         "Makes PHOTO the desktop's wallpaper. The picture is scaled to the screen: whole inside it\n"
+         "(--fit, the default) or covering it (--fill; the desktop clips what overflows), at the\n"
+         "picture's own shape, and written as $XDG_DATA_HOME/orvanta/wallpaper.bmp (XDG_DATA_HOME is\n"
+         "~/.local/share by default), replaced whole. The desktop is then told to show that file centred,\n"
+         "through GNOME's settings (org.gnome.desktop.background: picture-uri, picture-uri-dark and\n"
+         "picture-options). The screen's size is the display's; --screen gives it instead.\n"
+         "Prints: BMP  WIDTH  HEIGHT\n"
+         "Exit status 0 on success, 1 if the picture could not be read or the file written, 2 on bad\n"
+         "arguments, 3 when the desktop does not take its wallpaper from GNOME's settings (another\n"
+         "desktop, no settings schema, or GLib keeping settings only in memory): nothing is written.\n",
+         runWallpaper},
     };
     return table;
 }
