@@ -13,7 +13,8 @@ namespace {
       (UChar * dest, int32_t capacity, const UChar* src, int32_t srcLength, const char* locale, \
        UErrorCode* status),                                                                     \
       (dest, capacity, src, srcLength, locale, status))                                         \
-    F(const char*, uloc_getDefault, (void), ())
+    F(const char*, uloc_getDefault, (void), ())                                                 \
+    F(uint32_t, uloc_getLCID, (const char* locale), (locale))
 
 ORVANTA_LAZY_TABLE(ORVANTA_ICU_COMMON_SONAME, ORVANTA_ICU_COMMON_FUNCTIONS)
 
