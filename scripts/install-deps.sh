@@ -15,7 +15,8 @@ packages=(
   libgtest-dev
   libgmock-dev
   libbenchmark-dev
-  # the record store's benchmark compares with these two stores in the same program
+  # the record store's benchmark compares with these two stores in the same program, the
+  # catalogue's benchmark with SQLite
   libsqlite3-dev
   liblmdb-dev
   # libraries the engine links
