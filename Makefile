@@ -46,6 +46,9 @@ fuzz: deps
 demo: build
 	bash scripts/demo.sh build/release/bin/orvanta
 
+# The benchmark programs and the comparisons with the reference tools, ending with the speed table.
+# BENCH_BASELINE=<folder> adds the figures of an earlier version built there the same way (its
+# release build with -DORVANTA_BENCH=ON), each beside the figure of this one.
 bench:
 	@bash scripts/install-deps.sh --bench
 	cmake -S . -B build/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DORVANTA_TESTS=OFF -DORVANTA_BENCH=ON

@@ -1,5 +1,6 @@
 // Feeds arbitrary bytes to a resource module as a bitmap (a BMP file or a packed DIB), then makes the
-// platform bitmap from what was kept.
+// platform bitmap from what was kept; and the same bytes as a cursor, whose picture becomes the
+// pointer shape's rows.
 
 #include <cstdint>
 #include <vector>
@@ -10,6 +11,7 @@ using namespace Orvanta;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Platform::ResourceModule module;
+    module.addCursor(2, data, size, CPoint(0, 0));
     if (!module.addBitmap(1, data, size)) return 0;
     Platform::Bitmap* bitmap = module.loadBitmap(1);
     if (!bitmap) return 0;

@@ -94,4 +94,8 @@ echo "== A window of the toolkit's controls, drawn offscreen with the first phot
 "$(dirname "$orvanta")/orvanta-window-demo" "$out/window.png" "$first"
 
 echo
+echo "== A wizard of three pages of skinned controls, shown through the forced-modeless switches and driven by posted clicks"
+"$(dirname "$orvanta")/orvanta-window-demo" --wizard "$out"
+
+echo
 echo "Pictures written to $out/"

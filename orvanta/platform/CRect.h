@@ -21,6 +21,7 @@ struct CRect {
     constexpr int height() const { return bottom - top; }
     constexpr CSize size() const { return CSize(width(), height()); }
     constexpr CPoint topLeft() const { return CPoint(left, top); }
+    constexpr CPoint bottomRight() const { return CPoint(right, bottom); }
     constexpr bool isEmpty() const { return right <= left || bottom <= top; }
     constexpr bool contains(CPoint p) const {
         return p.x >= left && p.x < right && p.y >= top && p.y < bottom;

@@ -75,13 +75,23 @@ std::unique_ptr<Canvas> Canvas::createRecording(const CRect& extents) {
     return canvas;
 }
 
-std::unique_ptr<Canvas> Canvas::createForBitmap(Bitmap* bitmap) {
-    if (!bitmap || !bitmap->isDibSection() || !bitmap->bits()) return nullptr;
+namespace {
+
+// Cairo draws top-down rows of four bytes: a bottom-up DIB section would be upside down to it.
+bool isTopDown32(const Bitmap* bitmap) {
+    if (!bitmap || !bitmap->isDibSection() || !bitmap->bits()) return false;
     const BITMAPINFOHEADER& header = bitmap->header();
-    // Cairo draws top-down rows of four bytes: a bottom-up DIB section is drawn upside down by it.
-    if (header.biBitCount != 32 || header.biCompression != BI_RGB || header.biHeight >= 0) return nullptr;
-    cairo_surface_t* surface = cairo_image_surface_create_for_data(
-        bitmap->bits(), CAIRO_FORMAT_RGB24, header.biWidth, -header.biHeight, header.biWidth * 4);
+    return header.biBitCount == 32 && header.biCompression == BI_RGB && header.biHeight < 0;
+}
+
+}  // namespace
+
+std::unique_ptr<Canvas> Canvas::createForBitmap(Bitmap* bitmap, bool alpha) {
+    if (!isTopDown32(bitmap)) return nullptr;
+    const BITMAPINFOHEADER& header = bitmap->header();
+    cairo_surface_t* surface =
+        cairo_image_surface_create_for_data(bitmap->bits(), alpha ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24,
+                                            header.biWidth, -header.biHeight, header.biWidth * 4);
     auto canvas = std::make_unique<Canvas>(surface, Kind::Bitmap);
     cairo_surface_destroy(surface);
     return canvas;
@@ -462,6 +472,36 @@ int Canvas::drawJpeg(int xDest, int yDest, int destWidth, int destHeight, const 
     cairo_restore(mCairo);
     cairo_surface_destroy(image);
     return cairo_status(mCairo) == CAIRO_STATUS_SUCCESS ? height : GDI_ERROR;
+}
+
+bool Canvas::alphaBlend(const CRect& to, const Bitmap* source, const CRect& from) {
+    if (!isTopDown32(source) || to.isEmpty() || from.isEmpty()) return false;
+    const BITMAPINFOHEADER& header = source->header();
+    if (from.left < 0 || from.top < 0 || from.right > header.biWidth || from.bottom > -header.biHeight)
+        return false;
+    cairo_surface_t* whole = cairo_image_surface_create_for_data(
+        source->bits(), CAIRO_FORMAT_ARGB32, header.biWidth, -header.biHeight, header.biWidth * 4);
+    // A part of its own, so that filtering at the edges repeats the part's border pixels rather than
+    // mixing in the neighbouring frame of a strip.
+    cairo_surface_t* part =
+        cairo_surface_create_for_rectangle(whole, from.left, from.top, from.width(), from.height());
+    cairo_save(mCairo);
+    cairo_new_path(mCairo);
+    cairo_rectangle(mCairo, to.left, to.top, to.width(), to.height());
+    cairo_clip(mCairo);
+    cairo_translate(mCairo, to.left, to.top);
+    cairo_scale(mCairo, double(to.width()) / from.width(), double(to.height()) / from.height());
+    cairo_set_operator(mCairo, CAIRO_OPERATOR_OVER);
+    cairo_set_source_surface(mCairo, part, 0, 0);
+    cairo_pattern_t* pattern = cairo_get_source(mCairo);
+    cairo_pattern_set_extend(pattern, CAIRO_EXTEND_PAD);
+    cairo_pattern_set_filter(pattern,
+                             mState.stretchMode == HALFTONE ? CAIRO_FILTER_BILINEAR : CAIRO_FILTER_NEAREST);
+    cairo_paint(mCairo);
+    cairo_restore(mCairo);
+    cairo_surface_destroy(part);
+    cairo_surface_destroy(whole);
+    return true;
 }
 
 void Canvas::replayOnto(Canvas& target, CPoint at) const {

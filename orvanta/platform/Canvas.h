@@ -78,8 +78,10 @@ public:
     static std::unique_ptr<Canvas> createPdf(WriteFunction write, double widthPoints, double heightPoints);
     // A recording of drawing commands, to be replayed onto another canvas by replayOnto.
     static std::unique_ptr<Canvas> createRecording(const CRect& extents);
-    // Over a 32-bit DIB section's rows; null for any other bitmap.
-    static std::unique_ptr<Canvas> createForBitmap(Bitmap* bitmap);
+    // Over a 32-bit top-down DIB section's rows; null for any other bitmap. With alpha, the fourth
+    // byte of each pixel is its coverage and the colours are premultiplied by it (what alphaBlend
+    // draws); a new DIB section is then wholly transparent.
+    static std::unique_ptr<Canvas> createForBitmap(Bitmap* bitmap, bool alpha = false);
 
     Kind getKind() const { return mKind; }
     cairo_surface_t* getSurface() const { return mSurface; }
@@ -129,6 +131,12 @@ public:
     // nothing could be, GDI_ERROR for a JPEG block anywhere but on a PDF canvas.
     int stretchDIBits(int xDest, int yDest, int destWidth, int destHeight, int xSrc, int ySrc, int srcWidth,
                       int srcHeight, const void* bits, const BITMAPINFO& info);
+
+    // AlphaBlend with the source's own alpha: the `from` part of a 32-bit top-down DIB section of
+    // premultiplied pixels, scaled into `to` (the nearest pixel in COLORONCOLOR, filtered in
+    // HALFTONE, never reaching outside `from`), over what is there. False for any other bitmap or
+    // an empty rectangle.
+    bool alphaBlend(const CRect& to, const Bitmap* source, const CRect& from);
 
     // Draws this recording onto another canvas with its top left at `at`.
     void replayOnto(Canvas& target, CPoint at) const;

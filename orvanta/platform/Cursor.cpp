@@ -28,6 +28,12 @@ Cursor* gCurrent = nullptr;
 Cursor::Cursor(int id, int width, int height, std::vector<std::uint8_t> pixels, CPoint hotSpot)
     : mId(id), mWidth(width), mHeight(height), mPixels(std::move(pixels)), mHotSpot(hotSpot) {}
 
+// A cursor shown and then destroyed leaves the pointer to the arrow.
+Cursor::~Cursor() {
+    if (gCurrent == this) set(system(IDC_ARROW));
+    if (mSdl && Display::instance().isOpen()) sdl().FreeCursor(mSdl);
+}
+
 Cursor* Cursor::system(int id) {
     static std::map<int, Cursor*>* cursors = new std::map<int, Cursor*>();
     if (!systemShapes().count(id)) return nullptr;

@@ -2,8 +2,9 @@
 // Cursor: a pointer shape (the HCURSOR): one of the system's standard shapes, or a picture with a
 // hot spot. setCursor shows it over the library's windows.
 //
-// Contract: cursors live for the whole process; system(id) gives the same object for the same id, and
-// null for an id that is not a standard shape. The SDL cursor behind one is made when it is first
+// Contract: system(id) gives the same object for the same id, for the whole process, and null for an
+// id that is not a standard shape; a picture's cursor belongs to whoever made it (a resource
+// module). The SDL cursor behind one is made when it is first
 // shown on an open display; without a display, setting a cursor only records it.
 
 #include <cstdint>
@@ -38,6 +39,9 @@ public:
     static Cursor* system(int id);
     // From top-down 32-bit rows (blue, green, red, alpha), copied.
     static Cursor* fromPixels(int width, int height, const std::uint8_t* bgra, CPoint hotSpot);
+    ~Cursor();
+    Cursor(const Cursor&) = delete;
+    Cursor& operator=(const Cursor&) = delete;
 
     // SetCursor: shows the cursor (null hides the pointer) and returns the one shown before.
     static Cursor* set(Cursor* cursor);
@@ -45,6 +49,7 @@ public:
 
     // The standard shape's id, 0 for a picture.
     int getId() const { return mId; }
+    CPoint getHotSpot() const { return mHotSpot; }
 
 private:
     Cursor(int id, int width, int height, std::vector<std::uint8_t> pixels, CPoint hotSpot);

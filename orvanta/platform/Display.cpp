@@ -89,6 +89,13 @@ void Display::checkConnection() {
     mServerName.clear();
 }
 
+CRect Display::getWorkArea() {
+    SDL_Rect usable;
+    if (open() && sdl().GetDisplayUsableBounds(0, &usable) == 0 && usable.w > 0 && usable.h > 0)
+        return CRect(usable.x, usable.y, usable.x + usable.w, usable.y + usable.h);
+    return CRect(0, 0, 1024, 768);
+}
+
 void Display::attachToCurrentThread() {
     thread_local bool attached = false;
     if (attached) return;

@@ -25,6 +25,7 @@
 #include <map>
 #include <string>
 
+#include "orvanta/platform/CRect.h"
 #include "orvanta/platform/EventTranslator.h"
 #include "orvanta/platform/MessageQueue.h"
 
@@ -58,6 +59,10 @@ public:
     void setTitle(Window* topLevel);
     void captureMouse(bool on);
     Window* windowForId(std::uint32_t id) const;
+    // The part of the first screen that windows may use (SPI_GETWORKAREA): the screen less the
+    // desktop's panels, in screen coordinates. Opens the display if needed; a fixed 1024 x 768
+    // when none opens.
+    CRect getWorkArea();
     // Sends the changed parts of each shown top-level window's backing store to the screen.
     void presentAll();
     const CString& getComposition() const { return mTranslator.getComposition(); }

@@ -175,7 +175,8 @@ void EventTranslator::translateMouse(const SDL_Event& event) {
 
     const CPoint screen = top->clientToScreen(at);
     mLastScreen = screen;
-    Window* under = top->windowFromPoint(at);
+    // A disabled top-level window (the owner of a modal dialog) takes no mouse input at all.
+    Window* under = top->isEnabled() ? top->windowFromPoint(at) : nullptr;
     Window* target = Window::getCapture() ? Window::getCapture() : under;
     UINT message = WM_MOUSEMOVE;
     if (event.type != SDL_MOUSEMOTION) {

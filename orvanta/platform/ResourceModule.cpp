@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "orvanta/platform/Cursor.h"
 #include "orvanta/platform/FileSystem.h"
 #include "orvanta/platform/StringTableFormat.h"
 
@@ -160,6 +161,10 @@ bool parseStringLine(std::string_view line, int* id, std::string* text) {
 
 }  // namespace
 
+ResourceModule::ResourceModule() = default;
+
+ResourceModule::~ResourceModule() = default;
+
 void ResourceModule::addString(int id, const CString& text) {
     mStrings[id] = text;
 }
@@ -171,11 +176,27 @@ bool ResourceModule::addBitmap(int id, const void* data, std::size_t size) {
     return true;
 }
 
+// The pointer shape takes top-down rows of four bytes, opaque where the picture has no alpha.
 bool ResourceModule::addCursor(int id, const void* data, std::size_t size, CPoint hotSpot) {
-    Cursor cursor;
-    if (!data || !parsePicture(static_cast<const unsigned char*>(data), size, &cursor.picture)) return false;
-    cursor.hotSpot = hotSpot;
-    mCursors[id] = std::move(cursor);
+    ResourcePicture picture;
+    if (!data || !parsePicture(static_cast<const unsigned char*>(data), size, &picture)) return false;
+    const BITMAPINFOHEADER& h = picture.header;
+    const int width = h.biWidth;
+    const int height = h.biHeight < 0 ? -h.biHeight : h.biHeight;
+    const int bytes = h.biBitCount / 8;
+    const long long stride = rowBytes(width, h.biBitCount);
+    std::vector<std::uint8_t> bgra(static_cast<std::size_t>(width) * height * 4);
+    for (int y = 0; y < height; ++y) {
+        const unsigned char* row = picture.pixels.data() + (h.biHeight < 0 ? y : height - 1 - y) * stride;
+        for (int x = 0; x < width; ++x) {
+            std::uint8_t* out = &bgra[(static_cast<std::size_t>(y) * width + x) * 4];
+            std::memcpy(out, row + x * bytes, 3);
+            out[3] = bytes == 4 ? row[x * 4 + 3] : 0xFF;
+        }
+    }
+    Cursor* cursor = Cursor::fromPixels(width, height, bgra.data(), hotSpot);
+    if (!cursor) return false;
+    mCursors[id].reset(cursor);
     return true;
 }
 
@@ -225,9 +246,9 @@ HBITMAP ResourceModule::loadBitmap(int id) const {
     return bitmap;
 }
 
-const Cursor* ResourceModule::loadCursor(int id) const {
+Cursor* ResourceModule::loadCursor(int id) const {
     auto it = mCursors.find(id);
-    return it == mCursors.end() ? nullptr : &it->second;
+    return it == mCursors.end() ? nullptr : it->second.get();
 }
 
 ResourceModule* ResourceModule::current() {

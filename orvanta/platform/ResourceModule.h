@@ -7,11 +7,13 @@
 // module lacks find nothing: loadString answers 0, loadBitmap and loadCursor null. Bitmaps are
 // given as BMP files or as packed DIBs (a BITMAPINFOHEADER, any colour table, the pixel rows), of
 // 1, 4, 8, 24 or 32 bits per pixel without compression; palette pictures are kept as 24-bit ones.
-// loadBitmap makes a new platform bitmap, which the caller deletes; a cursor belongs to its module
-// and lives as long as the module. Filling happens at start-up; lookups may then come from any thread.
+// loadBitmap makes a new platform bitmap, which the caller deletes; a cursor (the pointer shape the
+// window layer shows, made from its picture when it is added) belongs to its module and lives as
+// long as the module. Filling happens at start-up; lookups may then come from any thread.
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include "orvanta/platform/Bitmap.h"
@@ -28,13 +30,15 @@ struct ResourcePicture {
     std::vector<unsigned char> pixels;
 };
 
-struct Cursor {
-    ResourcePicture picture;
-    CPoint hotSpot;
-};
+class Cursor;
 
 class ResourceModule {
 public:
+    ResourceModule();
+    ~ResourceModule();
+    ResourceModule(const ResourceModule&) = delete;
+    ResourceModule& operator=(const ResourceModule&) = delete;
+
     void addString(int id, const CString& text);
     // False, and nothing added, for bytes that are no bitmap of the kinds above.
     bool addBitmap(int id, const void* data, std::size_t size);
@@ -50,7 +54,7 @@ public:
     int loadString(int id, char16_t* buffer, int size) const;
     // A DIB section: this platform keeps no bitmaps in device memory, so every bitmap is one.
     HBITMAP loadBitmap(int id) const;
-    const Cursor* loadCursor(int id) const;
+    Cursor* loadCursor(int id) const;
 
     // The current module, never null.
     static ResourceModule* current();
@@ -60,7 +64,7 @@ public:
 private:
     std::map<int, CString> mStrings;
     std::map<int, ResourcePicture> mBitmaps;
-    std::map<int, Cursor> mCursors;
+    std::map<int, std::unique_ptr<Cursor>> mCursors;
 };
 
 }  // namespace Orvanta::Platform
@@ -69,6 +73,6 @@ namespace Orvanta {
 
 // A module's handle, as the interfaces that name a module take it; null stands for the current one.
 using HINSTANCE = Platform::ResourceModule*;
-using HCURSOR = const Platform::Cursor*;
+using HCURSOR = Platform::Cursor*;
 
 }  // namespace Orvanta

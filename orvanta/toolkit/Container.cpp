@@ -154,7 +154,7 @@ bool Container::focusLast() {
     return false;
 }
 
-void Container::placeChild(Control* child, const CRect& bounds, bool clampX, bool clampY) {
+CRect Container::placement(const Control* child, const CRect& bounds, bool clampX, bool clampY) {
     CRect r = child->getLayoutRect();
     const CRect m = child->getMargins();
     const CRect b(bounds.left + m.left, bounds.top + m.top, bounds.right - m.right, bounds.bottom - m.bottom);
@@ -209,6 +209,11 @@ void Container::placeChild(Control* child, const CRect& bounds, bool clampX, boo
         r.top = std::max(r.top, b.top);
         r.bottom = std::min(r.bottom, b.bottom);
     }
+    return r;
+}
+
+void Container::placeChild(Control* child, const CRect& bounds, bool clampX, bool clampY) {
+    const CRect r = placement(child, bounds, clampX, clampY);
     if (r != CRect()) child->setRect(r);
 }
 
@@ -246,6 +251,11 @@ CSize Container::getContentSize() const {
 void Container::setLayoutBusy(bool busy) {
     mLayoutBusy += busy ? 1 : -1;
     if (mLayoutBusy < 0) mLayoutBusy = 0;
+}
+
+void Container::setBorderWidth(int width, int sides) {
+    Control::setBorderWidth(width, sides);
+    layout();
 }
 
 void Container::onSize(CSize size) {

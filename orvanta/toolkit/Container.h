@@ -58,12 +58,16 @@ public:
     virtual bool focusFirst();
     virtual bool focusLast();
 
+    // Where placeChild puts a child, without moving it.
+    static CRect placement(const Control* child, const CRect& bounds, bool clampX, bool clampY);
     static void placeChild(Control* child, const CRect& bounds, bool clampX, bool clampY);
     virtual void layoutChild(Control* child);
     virtual void layout();
     // The room the children need: the largest minimum size with margins, plus the borders.
     virtual CSize getContentSize() const;
     void setLayoutBusy(bool busy);
+    // Borders and gaps change the room the children have: the container lays out again.
+    void setBorderWidth(int width, int sides) override;
     // The tooltip window, null until first used.
     Tooltip* getTooltipWindow() const { return mTooltip.get(); }
     void showTooltip(const CString& text, CPoint screen);

@@ -121,10 +121,22 @@ void Control::setMinSize(int width, int height) {
 }
 
 CRect Control::getLayoutRect() const {
-    CRect r = mRect;
-    if (mFixedWidth > 0) r.right = r.left + mFixedWidth;
-    if (mFixedHeight > 0) r.bottom = r.top + mFixedHeight;
+    CRect r = getRect();
+    const CSize min = getMinSize();
+    if (mFixedWidth > 0)
+        r.right = r.left + mFixedWidth;
+    else if (r.width() < min.cx)
+        r.right = r.left + min.cx;
+    if (mFixedHeight > 0)
+        r.bottom = r.top + mFixedHeight;
+    else if (r.height() < min.cy)
+        r.bottom = r.top + min.cy;
     return r;
+}
+
+CSize Control::getLayoutSize() const {
+    const CSize min = getMinSize();
+    return CSize(mFixedWidth > 0 ? mFixedWidth : min.cx, mFixedHeight > 0 ? mFixedHeight : min.cy);
 }
 
 COLORREF Control::getBkColor(bool inherit) const {
@@ -183,7 +195,10 @@ void Control::paintBorders(HDC dc) {
             mStyle.getColor(Style::Bottom));
 }
 
+// A windowless control without a colour of its own lets its container's background, and whatever
+// was drawn before it there, show through.
 void Control::paintBackground(HDC dc) {
+    if (!getHWND() && (mBkColor == kInheritColor || mBkColor == kInheritColor2)) return;
     dc->fillRect(getContentRect(), getBkColor(true));
 }
 

@@ -11,7 +11,8 @@
 //    nearest windowed ancestor (its host), at its rectangle's origin there.
 //  - minSize (1, 1) means the control has no size of its own: its parent gives it the whole space.
 //  - A background colour of -1 or -2 means the parent's colour, and at the root the platform's
-//    window colour.
+//    window colour. A windowless control with such a colour paints no background: its container's
+//    shows through, with whatever the container drew before it (a picture under a caption).
 //  - paint runs paintBorders, paintBackground (the client area less the borders) and paintContent,
 //    inside save and restore of the canvas, with the canvas's origin at the control's top left.
 //  - Changes of visibility (code 1) and of minimum size or margins (code 3) are told to the
@@ -90,7 +91,7 @@ public:
 
     Style& getStyle() { return mStyle; }
     const Style& getStyle() const { return mStyle; }
-    void setBorderWidth(int width, int sides);
+    virtual void setBorderWidth(int width, int sides);
     void setBorderColor(COLORREF color, int sides);
 
     void setMinSize(int width, int height);
@@ -100,15 +101,22 @@ public:
     virtual CSize getMinSize() const { return mMinSize; }
     bool hasOwnSize() const { return getMinSize() != CSize(1, 1); }
 
-    // The rectangle with the fixed width and height put in where they are set.
+    // The rectangle a layout works with: the present one, with the fixed width and height put in
+    // where they are set, and otherwise never smaller than the minimum size, so that a control that
+    // was never given a rectangle is laid out at the size it asks for.
     CRect getLayoutRect() const;
+    // The size the control asks for in a layout: the fixed width and height where set, else its
+    // minimum size.
+    CSize getLayoutSize() const;
     int getWidth() const { return mRect.width(); }
     int getHeight() const { return mRect.height(); }
     CSize getSize() const { return mRect.size(); }
     void setWidth(int width) { setSize(width, getHeight()); }
     void setHeight(int height) { setSize(getWidth(), height); }
-    void setFixedWidth(int width) { mFixedWidth = width; }
-    void setFixedHeight(int height) { mFixedHeight = height; }
+    virtual void setFixedWidth(int width) { mFixedWidth = width; }
+    virtual void setFixedHeight(int height) { mFixedHeight = height; }
+    int getFixedWidth() const { return mFixedWidth; }
+    int getFixedHeight() const { return mFixedHeight; }
 
     CSize getAlignment() const { return mAlignment; }
     void setAlignment(int horizontal, int vertical) { mAlignment = CSize(horizontal, vertical); }

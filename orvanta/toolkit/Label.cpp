@@ -28,6 +28,11 @@ void Label::setFont(Font* font) {
     refit();
 }
 
+void Label::setFixedWidth(int width) {
+    Control::setFixedWidth(width);
+    refit();
+}
+
 void Label::setTextColor(COLORREF color) {
     mTextColor = color;
     invalidate();
@@ -39,16 +44,19 @@ COLORREF Label::getTextColor() const {
 
 void Label::setFormat(UINT format) {
     mFormat = format;
-    mLayout.reset();
+    refit();
     invalidate();
 }
 
-// The minimum size is the text on one line (or as wrapped at the present width) plus the borders.
+// The minimum size is the text on one line (or as wrapped at the fixed width) plus the borders.
 void Label::refit() {
     mLayout.reset();
     Platform::TextLayout natural(mText, getFont()->getDescription());
-    const CSize text = natural.getSize();
     const CRect borders = getStyle().getBorders();
+    const int wrapWidth = getFixedWidth() - borders.left - borders.right;
+    if ((mFormat & DT_WORDBREAK) && !(mFormat & DT_SINGLELINE) && getFixedWidth() > 0 && wrapWidth > 0)
+        natural.setWidth(wrapWidth, Platform::TextLayout::Overflow::Wrap);
+    const CSize text = natural.getSize();
     setMinSize(text.cx + borders.left + borders.right, text.cy + borders.top + borders.bottom);
 }
 

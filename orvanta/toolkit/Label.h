@@ -4,7 +4,8 @@
 // DT_VCENTER, DT_WORDBREAK, DT_END_ELLIPSIS).
 //
 // Contract: the label's minimum size is its text's extent plus its borders, so a container makes
-// room for it; a change of text or font changes it (code 3 to the listeners). The text is shaped
+// room for it; a word-wrapping label with a fixed width measures its text wrapped at that width. A
+// change of text, font, format or fixed width changes it (code 3 to the listeners). The text is shaped
 // once per change, not at every paint. A text colour of kInheritColor is the platform's window text.
 
 #include <memory>
@@ -22,6 +23,7 @@ public:
 
     void setText(const CString& text) override;
     void setFont(Font* font) override;
+    void setFixedWidth(int width) override;
     void setTextColor(COLORREF color);
     COLORREF getTextColor() const;
     void setFormat(UINT format);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "orvanta/foundation/Resource.h"
+#include "orvanta/platform/Cursor.h"
 #include "orvanta/platform/ResourceModule.h"
 #include "tests/foundation/TestEnvironment.h"
 #include "tests/support/TempDir.h"
@@ -97,7 +98,7 @@ TEST(ResourceBitmap, PackedDibsKeepTheirRowsPalettesBecomeTwentyFourBitsAndMalfo
         EXPECT_TRUE(bitmap->isDibSection() && bitmap->header().biBitCount >= 24);
         EXPECT_EQ(topDownBgr(bitmap), c.pixels);
         Bitmap::deleteObject(bitmap);
-        EXPECT_TRUE(Resource(12, &module).getCursor()->hotSpot == Orvanta::CPoint(1, 0) &&
+        EXPECT_TRUE(Resource(12, &module).getCursor()->getHotSpot() == Orvanta::CPoint(1, 0) &&
                     !Resource(40, &module).getCursor());
     }
     ResourceModule module;

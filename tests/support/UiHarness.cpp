@@ -40,7 +40,8 @@ UiHarness::~UiHarness() {
 }
 
 std::uint32_t UiHarness::windowId() const {
-    return SDL_GetWindowID(static_cast<SDL_Window*>(mWindow->getDisplayWindow()));
+    HWND target = mInputWindow ? mInputWindow : mWindow;
+    return SDL_GetWindowID(static_cast<SDL_Window*>(target->getDisplayWindow()));
 }
 
 void UiHarness::mouseMove(CPoint point) {

@@ -32,6 +32,9 @@ public:
     Orvanta::Container* root() const { return mRoot.get(); }
     Orvanta::HWND window() const { return mWindow; }
 
+    // Sends the input below to another shown top-level window (a dialog); null: the harness's own.
+    void setInputWindow(Orvanta::HWND topLevel) { mInputWindow = topLevel; }
+
     // The pointer at a client point of the top-level window; buttons 1 left, 2 middle, 3 right.
     void mouseMove(Orvanta::CPoint point);
     void mouseDown(Orvanta::CPoint point, int button = 1, int clicks = 1);
@@ -64,6 +67,7 @@ private:
     std::uint32_t windowId() const;
 
     Orvanta::HWND mWindow;
+    Orvanta::HWND mInputWindow = nullptr;
     Orvanta::OwnedPtr<Orvanta::Container> mRoot;
 };
 

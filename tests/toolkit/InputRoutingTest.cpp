@@ -18,11 +18,6 @@ using namespace OrvantaTest;
 
 namespace {
 
-struct CommandLog : public CommandListener {
-    std::vector<std::pair<Control*, int>> commands;
-    void onCommand(Control* source, int command) override { commands.push_back({source, command}); }
-};
-
 class InputRoutingTest : public ::testing::Test {
 protected:
     // root at (0,0) 300x200 > panel at (50,40) 200x150 > inner at (100,60) 90x80 > deep at (10,10) 40x30;

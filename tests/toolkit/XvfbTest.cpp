@@ -13,10 +13,13 @@
 #include <thread>
 
 #include "orvanta/foundation/OrvantaSystem.h"
+#include "orvanta/platform/BackingStore.h"
 #include "orvanta/platform/Display.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/GridContainer.h"
 #include "orvanta/toolkit/Label.h"
+#include "orvanta/toolkit/MessageDialog.h"
 #include "orvanta/toolkit/TextButton.h"
 #include "tests/support/UiHarness.h"
 #include "tests/support/XvfbServer.h"
@@ -27,10 +30,18 @@ using namespace OrvantaTest;
 
 namespace {
 
-struct CommandLog : public CommandListener {
-    std::vector<int> commands;
-    void onCommand(Control*, int command) override { commands.push_back(command); }
-};
+// Pixels of the screen's `area` that differ from the backing store drawn there.
+int differingPixels(const std::vector<std::uint32_t>& screen, int width, int height,
+                    const Platform::BackingStore* store, const CRect& area) {
+    int differing = 0;
+    for (int y = std::max(area.top, 0); y < std::min(area.bottom, height); ++y) {
+        const auto* row = reinterpret_cast<const std::uint32_t*>(
+            store->getPixels() + static_cast<std::ptrdiff_t>(y - area.top) * store->getStride());
+        for (int x = std::max(area.left, 0); x < std::min(area.right, width); ++x)
+            differing += screen[y * width + x] != (row[x - area.left] & 0xFFFFFF);
+    }
+    return differing;
+}
 
 class XvfbTest : public ::testing::Test {
 protected:
@@ -77,19 +88,17 @@ TEST_F(XvfbTest, TheScreenShowsTheBackingStoreAndXInputReachesTheControls) {
 
     std::vector<std::uint32_t> screen;
     int width = 0, height = 0;
+    const CRect area(40, 30, 280, 190);
     ASSERT_TRUE(server->screenshot(screen, width, height));
-    const auto store = ui->pixels();
-    int differing = 0;
-    for (int y = 0; y < 160; ++y)
-        for (int x = 0; x < 240; ++x) differing += screen[(30 + y) * width + 40 + x] != store[y * 240 + x];
-    EXPECT_EQ(differing, 0);
+    EXPECT_EQ(differingPixels(screen, width, height, ui->window()->getBackingStore(), area), 0);
 
     // A click from the X server presses the button; typed text goes to the focused control. (Text
     // beyond the server's keymap, which xdotool types by remapping keys, is not seen by SDL: the
     // non-ASCII input is tested offscreen.)
     ASSERT_EQ(server->run("xdotool mousemove 215 170 click 1"), 0);
     settle();
-    EXPECT_EQ(log.commands, std::vector<int>{77});
+    ASSERT_EQ(log.commands.size(), 1u);
+    EXPECT_EQ(log.commands[0].second, 77);
     sink->setFocus();
     ASSERT_EQ(server->run("xdotool mousemove 210 60 && xdotool search --name 'Orvanta test window' "
                           "windowfocus --sync && xdotool type --delay 20 'Photo 26'"),
@@ -99,11 +108,7 @@ TEST_F(XvfbTest, TheScreenShowsTheBackingStoreAndXInputReachesTheControls) {
 
     // What the button looks like after being pressed reaches the screen too.
     ASSERT_TRUE(server->screenshot(screen, width, height));
-    const auto after = ui->pixels();
-    differing = 0;
-    for (int y = 0; y < 160; ++y)
-        for (int x = 0; x < 240; ++x) differing += screen[(30 + y) * width + 40 + x] != after[y * 240 + x];
-    EXPECT_EQ(differing, 0);
+    EXPECT_EQ(differingPixels(screen, width, height, ui->window()->getBackingStore(), area), 0);
 }
 
 // A loop asleep on the X server wakes for a post from another thread and for input from the server;
@@ -142,6 +147,47 @@ TEST_F(XvfbTest, TheLoopAsleepOnTheServerWakesForPostsAndInput) {
     EXPECT_EQ(waitFor({WM_MOUSEMOVE}), UINT(WM_MOUSEMOVE));
     mover.join();
     window->killTimer(kGuard);
+}
+
+// A real modal message box on the X server: what the screen shows of it is its backing store, and
+// its OK button pressed by xdotool ends the modal loop with IDOK.
+struct ModalDriver {
+    static inline XvfbServer* server = nullptr;
+    static inline MessageDialog* box = nullptr;
+    static inline std::thread clicker;
+    static inline int ticks = 0;
+    static inline int differing = -1;
+
+    static void tick(HWND, UINT, UINT_PTR, DWORD) {
+        if (++ticks == 15) {  // shown and presented by now
+            Container* window = box->getContainer();
+            const CRect d = window->getWindowRect();
+            std::vector<std::uint32_t> screen;
+            int width = 0, height = 0;
+            if (server->screenshot(screen, width, height))
+                differing = differingPixels(screen, width, height, window->getHWND()->getBackingStore(), d);
+            auto* grid = static_cast<GridContainer*>(window->getChildAt(0));
+            const CRect ok =
+                static_cast<Container*>(grid->getChild(1, 0))->getChildById(IDOK)->getWindowRect();
+            const std::string command = "xdotool mousemove " + std::to_string((ok.left + ok.right) / 2) +
+                                        " " + std::to_string((ok.top + ok.bottom) / 2) + " click 1";
+            clicker = std::thread([command] { server->run(command); });
+        } else if (ticks == 500) {
+            Platform::postQuitMessage(0);  // the click never came: end the loop, fail below
+        }
+    }
+};
+
+TEST_F(XvfbTest, AModalMessageBoxShowsOnTheScreenAndAnswersARealClick) {
+    OwnedPtr<MessageDialog> box =
+        MessageDialog::create(u"Orvanta", u"Copy 12 photographs to the catalogue?", true);
+    ModalDriver::server = server.get();
+    ModalDriver::box = box;
+    const UINT_PTR timer = Platform::setTimer(20, &ModalDriver::tick);
+    EXPECT_EQ(box->showModal(ui->window()), IDOK);
+    Platform::killTimer(timer);
+    if (ModalDriver::clicker.joinable()) ModalDriver::clicker.join();
+    EXPECT_EQ(ModalDriver::differing, 0);
 }
 
 // The X server going away is a clean error: the display reports it lost and closed, windows can no

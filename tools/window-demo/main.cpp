@@ -1,11 +1,11 @@
 // orvanta-window-demo: a small window of the toolkit's controls, drawn on SDL's offscreen display
 // (or a real one when asked), with a photograph drawn through the canvas and a button with the
-// keyboard focus; its pixels are written to a PNG.
+// keyboard focus; its pixels are written to a PNG. With --wizard, a wizard of three pages of skinned
+// controls is driven without a person instead, and each page is written to a PNG in DIR.
 //
 // Usage: orvanta-window-demo OUTPUT.png [PHOTO] [--show SECONDS]
+//        orvanta-window-demo --wizard DIR
 // With --show the window also stays on the screen for that long (needs a display server).
-
-#include <cairo.h>
 
 #include <chrono>
 #include <cstdio>
@@ -18,9 +18,7 @@
 #include "orvanta/codecs/Image.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
-#include "orvanta/foundation/File.h"
 #include "orvanta/foundation/OrvantaSystem.h"
-#include "orvanta/platform/BackingStore.h"
 #include "orvanta/platform/Canvas.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/Window.h"
@@ -28,6 +26,8 @@
 #include "orvanta/toolkit/FontCache.h"
 #include "orvanta/toolkit/Label.h"
 #include "orvanta/toolkit/TextButton.h"
+#include "tools/window-demo/DemoSupport.h"
+#include "tools/window-demo/WizardDemo.h"
 
 using namespace Orvanta;
 
@@ -50,12 +50,6 @@ private:
     OwnedPtr<Image> mImage;
 };
 
-void runUntilIdle(Container* root) {
-    MSG msg;
-    while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE))
-        if (!processMessage(&msg, root)) Platform::dispatchMessage(&msg);
-}
-
 Dib* loadPhoto(const char* path) {
     if (!path) return nullptr;
     const CString name = CString::fromUtf8(path);
@@ -63,27 +57,16 @@ Dib* loadPhoto(const char* path) {
     return codec ? codec->read(name, nullptr, 360, 480) : nullptr;
 }
 
-cairo_status_t appendBytes(void* closure, const unsigned char* data, unsigned int length) {
-    static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
-    return CAIRO_STATUS_SUCCESS;
-}
-
-bool writePng(Platform::BackingStore* store, const char* path) {
-    std::string png;
-    if (cairo_surface_write_to_png_stream(store->getSurface(), &appendBytes, &png) != CAIRO_STATUS_SUCCESS)
-        return false;
-    // The picture of an earlier run is replaced.
-    const CString name = CString::fromUtf8(path);
-    File::remove(name);
-    OwnedPtr<File> file = File::create(name);
-    return file->create(false) && file->write(png.data(), static_cast<int>(png.size()));
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 3 && std::strcmp(argv[1], "--wizard") == 0) {
+        setenv("SDL_VIDEODRIVER", "offscreen", 0);
+        return OrvantaDemo::runWizardDemo(argv[2]);
+    }
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s OUTPUT.png [PHOTO] [--show SECONDS]\n", argv[0]);
+        std::fprintf(stderr, "usage: %s OUTPUT.png [PHOTO] [--show SECONDS]\n       %s --wizard DIR\n",
+                     argv[0], argv[0]);
         return 2;
     }
     const char* output = argv[1];
@@ -148,14 +131,14 @@ int main(int argc, char** argv) {
     }
     Platform::Window::setActiveWindow(window);
     buttons[1]->setFocus();
-    runUntilIdle(root);
+    OrvantaDemo::runUntilIdle(root);
 
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(showSeconds);
     while (std::chrono::steady_clock::now() < end) {
-        runUntilIdle(root);
+        OrvantaDemo::runUntilIdle(root);
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-    const bool written = writePng(window->getBackingStore(), output);
+    const bool written = OrvantaDemo::writePng(window, output);
     root = nullptr;
     window->destroy();
     deinit();
