@@ -28,7 +28,8 @@ test-asan:
 
 # Only the test programs that exercise threads (the message queue, events, timers, tasks, the window
 # loop woken by other threads, the clipboard's own thread, asset lists changed and walked from two
-# threads) are built under ThreadSanitizer, to keep the run short.
+# threads, the thumbnail store's workers and a folder walk cancelled from another thread) are built
+# under ThreadSanitizer, to keep the run short.
 TSAN_TESTS = test_platform test_foundation test_toolkit test_assets
 test-tsan:
 	cmake -S . -B build/tsan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DORVANTA_TSAN=ON

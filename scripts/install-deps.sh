@@ -19,6 +19,8 @@ packages=(
   # catalogue's benchmark with SQLite
   libsqlite3-dev
   liblmdb-dev
+  # the thumbnail store's benchmark reads the same thumbnails as PNG files of the freedesktop cache
+  libpng-dev
   # libraries the engine links
   libicu-dev
   # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)

@@ -38,6 +38,9 @@ namespace {
       (unsigned char* data, cairo_format_t format, int width, int height, int stride),                       \
       (data, format, width, height, stride))                                                                 \
     F(unsigned char*, cairo_image_surface_get_data, (cairo_surface_t * surface), (surface))                  \
+    F(cairo_surface_t*, cairo_surface_create_for_rectangle,                                                  \
+      (cairo_surface_t * target, double x, double y, double width, double height),                           \
+      (target, x, y, width, height))                                                                         \
     F(cairo_format_t, cairo_image_surface_get_format, (cairo_surface_t * surface), (surface))                \
     F(int, cairo_image_surface_get_height, (cairo_surface_t * surface), (surface))                           \
     F(int, cairo_image_surface_get_stride, (cairo_surface_t * surface), (surface))                           \

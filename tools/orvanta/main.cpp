@@ -72,7 +72,8 @@ const std::vector<Command>& commands() {
          "dump prints every record in file order: its id, size and first block, and for a property list\n"
          "  one line per property: name, type (string, int, datetime, id, bytes), value.\n"
          "add makes FILE a catalogue if it does not exist, and stores one property list per picture or\n"
-         "  video (.mpg, .mov, .qt, .mpeg, .avi): filename, folder, timestamp (the earlier of the file's\n"
+         "  video (.mpg, .mpeg, .mov, .qt, .avi, .mp4, .m4v, .mts, .m2ts, .3gp, .mkv, .webm, .wmv):\n"
+         "  filename, folder, timestamp (the earlier of the file's\n"
          "  creation and write times, local, a time before 1980-01-02 not counting), filesize, writetime\n"
          "  (UTC), and a picture's width and height. A PICTURE that is a folder adds every picture and\n"
          "  video directly in it.\n"
@@ -110,12 +111,13 @@ const std::vector<Command>& commands() {
          "Writes a picture of SRC fitted into the box (160x160 by default) to DST, in the format of\n"
          "DST's extension. The thumbnail a camera stored in the EXIF block is used when there is one,\n"
          "unless --no-embedded is given; otherwise the picture is decoded reduced and resampled. A video\n"
-         "(.mpg, .mov, .qt, .mpeg, .avi) is not opened: its thumbnail is a picture of a film frame.\n"
+         "(.mpg, .mpeg, .mov, .qt, .avi, .mp4, .m4v, .mts, .m2ts, .3gp, .mkv, .webm, .wmv) is not opened:\n"
+         "its thumbnail is a picture of a film frame.\n"
          "Prints: DST  WIDTH  HEIGHT  embedded|decoded|stock\n"
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runThumb},
         {"catalog", "catalog import|list|thumb|check|stats  the user's catalogue of photographs and videos",
-         "usage: orvanta catalog import [--catalog FILE] FOLDER...\n"
+         "usage: orvanta catalog import [--catalog FILE] [--jobs N] [--no-embedded] [--verbose] FOLDER...\n"
          "       orvanta catalog list [--catalog FILE] [--sort timestamp|filename|folder|size] [--filter "
          "TEXT]\n"
          "                            [--json]\n"
@@ -126,7 +128,20 @@ const std::vector<Command>& commands() {
          "Every subcommand works on the catalogue FILE, or without --catalog on the user's own:\n"
          "$XDG_DATA_HOME/orvanta/catalog.db (~/.local/share/orvanta/catalog.db). A catalogue is open in one\n"
          "program at a time; another that tries is refused, and the error says so.\n"
-         "import and thumb: not built yet.\n"
+         "import walks each FOLDER (files given are taken as they are), following links, and adds every\n"
+         "  picture and video to the catalogue: added  ID  PATH, a line as each is stored. A file "
+         "catalogued\n"
+         "  before is skipped when its size and time are as recorded; a changed one is brought up to date\n"
+         "  (updated  ID  PATH) and its thumbnail made again. What cannot be added is told: skipped  PATH\n"
+         "  REASON (unreadable pictures, folders that cannot be read, hidden files and other kinds of file\n"
+         "  only with --verbose). Then the thumbnails (160 x 160) missing from the catalogue's store,\n"
+         "  FILE-thumbnails, are made on one task per core (--jobs N) with a progress bar, from a camera's\n"
+         "  embedded thumbnail where there is one (--no-embedded decodes the pictures). Ctrl-C stops after\n"
+         "  the files in hand: everything reported is kept, and the next import does the rest. A damaged\n"
+         "  thumbnail store is set aside (FILE-thumbnails-damaged) and made anew.\n"
+         "thumb writes the stored thumbnail of the asset ID, or of the catalogued file PATH, to OUT in the\n"
+         "  format of OUT's extension, making it first when the store has none (or an outdated one):\n"
+         "  OUT  WIDTH  HEIGHT  stored|made.\n"
          "list prints one asset a line, ID  TIMESTAMP  PATH separated by tabs: the id, the date it is\n"
          "  shown under as ISO 8601 local time (empty when it has none), and the file's path. --sort\n"
          "  orders by the date (the default), the file name, the folder or the file size, each then by\n"
@@ -140,7 +155,7 @@ const std::vector<Command>& commands() {
          "  of their files, the earliest and latest dates, the catalogue's format version, size and free\n"
          "  blocks.\n"
          "Exit status 0 on success, 1 if the catalogue does not open (or is missing, except for import),\n"
-         "2 for bad arguments.\n",
+         "a FOLDER cannot be read or an asset not stored, 2 for bad arguments, 130 when interrupted.\n",
          runCatalog},
     };
     return table;
