@@ -320,7 +320,7 @@ int main(int argc, char** argv) {
                                      std::string(store))
             ->Arg(100000)
             ->Arg(1000000)
-            ->Iterations(3)
+            ->Iterations(5)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);

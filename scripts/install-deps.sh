@@ -15,7 +15,8 @@ packages=(
   libgtest-dev
   libgmock-dev
   libbenchmark-dev
-  # the record store's benchmark compares with these two stores in the same program
+  # the record store's benchmark compares with these two stores in the same program, the
+  # catalogue's benchmark with SQLite
   libsqlite3-dev
   liblmdb-dev
   # the thumbnail store's benchmark reads the same thumbnails as PNG files of the freedesktop cache

@@ -1,6 +1,7 @@
 #include "orvanta/assets/AssetDb.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 
 #include "orvanta/assets/Asset.h"
@@ -156,9 +157,12 @@ void AssetDb::readEntries(const std::vector<CString>& names, bool wantLists, con
         const int at = places[static_cast<std::size_t>(database->blockToOffset(*cursor) / blockSize)];
         if (at < 0) continue;  // the info record
         auto* record = static_cast<Database::Record*>(*cursor);
-        // The records a few blocks on are on their way from memory while this one is read.
+        // The records a few blocks on are on their way from memory while this one is read (an address
+        // past the file's end is harmless to a prefetch).
+        const std::uintptr_t ahead =
+            reinterpret_cast<std::uintptr_t>(record) + 4 * static_cast<std::uintptr_t>(blockSize);
         for (int line = 0; line < blockSize / 2; line += 64)
-            __builtin_prefetch(record->getBytePtr() + 4 * blockSize + line);
+            __builtin_prefetch(reinterpret_cast<const void*>(ahead + line));
         const UniqueID id = record->getID();
         const auto cached = mCache.find(id);
         OwnedPtr<PropertyList> list;

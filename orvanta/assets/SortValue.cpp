@@ -78,42 +78,15 @@ const PropertyValue& SortValue::valueIn(PropertyValue&& scratch) const {
     return scratch;
 }
 
-bool SortValue::isLess(const SortValue& other) const {
-    switch (mType) {
-        case PropertyValue::kDateTime:
-            return mDateHigh != other.mDateHigh ? mDateHigh < other.mDateHigh : mDateLow < other.mDateLow;
-        case PropertyValue::kInt:
-            return mNumber < other.mNumber;
-        case PropertyValue::kNull:
-            if (other.mType == PropertyValue::kDateTime) return true;
-            if (other.mType == PropertyValue::kInt) return other.mNumber > 0;
-            return PropertyValue() < other.valueIn(PropertyValue());
-        default:
-            return *mValue < other.valueIn(PropertyValue());
-    }
+bool SortValue::isLessByValue(const SortValue& other) const {
+    if (mType != PropertyValue::kNull) return *mValue < other.valueIn(PropertyValue());
+    if (other.mType == PropertyValue::kDateTime) return true;
+    if (other.mType == PropertyValue::kInt) return other.mNumber > 0;
+    return PropertyValue() < other.valueIn(PropertyValue());
 }
 
-bool SortValue::isEqual(const SortValue& other) const {
-    switch (mType) {
-        case PropertyValue::kDateTime:
-            return mDateHigh == other.mDateHigh && mDateLow == other.mDateLow;
-        case PropertyValue::kInt:
-            return mNumber == other.mNumber;
-        case PropertyValue::kNull:
-            return other.mType == PropertyValue::kNull;
-        default:
-            return *mValue == other.valueIn(PropertyValue());
-    }
-}
-
-bool SortValue::goesBefore(const SortValue& other) const {
-    // Going down, "greater" is PropertyValue's: neither less nor equal.
-    return mAscending ? isLess(other) : !isLess(other) && !isEqual(other);
-}
-
-int SortValue::precedes(const SortValue& other) const {
-    if (goesBefore(other)) return 1;
-    return other.goesBefore(*this) ? -1 : 0;
+bool SortValue::isEqualByValue(const SortValue& other) const {
+    return *mValue == other.valueIn(PropertyValue());
 }
 
 }  // namespace Orvanta

@@ -26,15 +26,45 @@ public:
     SortValue(SortValue&&) noexcept = default;
     SortValue& operator=(SortValue&&) noexcept = default;
 
-    bool isLess(const SortValue& other) const;
-    bool isEqual(const SortValue& other) const;
-    // 1 when this entry goes before other, −1 when other goes first, 0 when neither does.
-    int precedes(const SortValue& other) const;
+    bool isLess(const SortValue& other) const {
+        switch (mType) {
+            case PropertyValue::kDateTime:
+                return mDateHigh != other.mDateHigh ? mDateHigh < other.mDateHigh : mDateLow < other.mDateLow;
+            case PropertyValue::kInt:
+                return mNumber < other.mNumber;
+            default:
+                return isLessByValue(other);
+        }
+    }
+    bool isEqual(const SortValue& other) const {
+        switch (mType) {
+            case PropertyValue::kDateTime:
+                return mDateHigh == other.mDateHigh && mDateLow == other.mDateLow;
+            case PropertyValue::kInt:
+                return mNumber == other.mNumber;
+            case PropertyValue::kNull:
+                return other.mType == PropertyValue::kNull;
+            default:
+                return isEqualByValue(other);
+        }
+    }
+    // 1 when this entry goes before other, −1 when other goes first, 0 when neither does. Inline, as
+    // a view's sort asks it some twenty times per asset.
+    int precedes(const SortValue& other) const {
+        if (goesBefore(other)) return 1;
+        return other.goesBefore(*this) ? -1 : 0;
+    }
     // The value, as it was given.
     PropertyValue getValue() const;
 
 private:
-    bool goesBefore(const SortValue& other) const;
+    // Going down, "greater" is PropertyValue's: neither less nor equal.
+    bool goesBefore(const SortValue& other) const {
+        return mAscending ? isLess(other) : !isLess(other) && !isEqual(other);
+    }
+    // The rules for a null, a text, an id, a byte block or an unknown type on the left.
+    bool isLessByValue(const SortValue& other) const;
+    bool isEqualByValue(const SortValue& other) const;
     // The value: the one kept, or one made again in scratch (a temporary of the caller's expression).
     const PropertyValue& valueIn(PropertyValue&& scratch) const;
 

@@ -190,26 +190,25 @@ void SortedAssetList::rebuild() {
     // Everything is gathered as the source hands it out, then sorted in one go by key and, where
     // neither key goes first, by place in the source's order: the order that inserting one by one in
     // the source's order gives, far faster. The map is then filled from its end. Items carry the first
-    // entry of the key; ids and the rest of each key (which only decides ties of the first) stay in
+    // entry of the key and the id; the rest of each key (which only decides ties of the first) stays in
     // the order of gathering.
     struct Item {
         SortValue first;
+        UniqueID id;
         int place;
         std::uint32_t gathered;
     };
     const bool keyed = !mKeyNames.empty(), multiKeyed = mKeyNames.size() > 1;
     std::vector<Item> items;
     std::vector<Key> rests;
-    std::vector<UniqueID> ids;
     const auto expected = static_cast<std::size_t>(std::max(mSource->getCount(), 0));
-    items.reserve(expected), ids.reserve(expected), rests.reserve(multiKeyed ? expected : 0);
+    items.reserve(expected), rests.reserve(multiKeyed ? expected : 0);
     mSource->readEntries(
         mKeyNames, mFilter != nullptr,
         [&](int place, const UniqueID& id, std::vector<PropertyValue>& values, PropertyList* properties) {
             if (mFilter && !mFilter->matches(properties)) return;
             items.push_back(Item{keyed ? SortValue(std::move(values[0]), mKeys[0].ascending) : SortValue(),
-                                 place, static_cast<std::uint32_t>(ids.size())});
-            ids.push_back(id);
+                                 id, place, static_cast<std::uint32_t>(rests.size())});
             if (!multiKeyed) return;
             Key& rest = rests.emplace_back();
             for (std::size_t i = 1; i < values.size(); ++i)
@@ -230,7 +229,7 @@ void SortedAssetList::rebuild() {
         if (keyed) key.reserve(mKeyNames.size()), key.push_back(std::move(item.first));
         if (multiKeyed)
             for (SortValue& entry : rests[item.gathered]) key.push_back(std::move(entry));
-        mSorted.emplace_hint(mSorted.end(), std::move(key), ids[item.gathered]);
+        mSorted.emplace_hint(mSorted.end(), std::move(key), item.id);
     }
 }
 
