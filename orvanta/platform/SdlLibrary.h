@@ -18,7 +18,8 @@ namespace Orvanta::Platform {
     F(QuitSubSystem)                                                                                        \
     F(VideoInit)                                                                                            \
     F(VideoQuit)                                                                                            \
-    F(GetCurrentVideoDriver) F(SetHint) F(RegisterEvents) F(PumpEvents) F(PeepEvents) F(WaitEventTimeout)   \
+    F(GetCurrentVideoDriver)                                                                                \
+    F(GetDesktopDisplayMode) F(SetHint) F(RegisterEvents) F(PumpEvents) F(PeepEvents) F(WaitEventTimeout)   \
         F(PushEvent) F(StartTextInput) F(SetTextInputRect) F(CreateWindow) F(DestroyWindow) F(ShowWindow)   \
             F(HideWindow) F(SetWindowInputFocus) F(GetWindowID) F(SetWindowTitle) F(GetWindowPosition)      \
                 F(SetWindowPosition) F(GetWindowSize) F(SetWindowSize) F(GetWindowSurface)                  \

@@ -4,7 +4,8 @@
 // by deriving from this class; the default is the user's home folder, then the file system's root.
 //
 // Contract: getRoots is asked when the tree is made and on each refresh. A root whose folder does not
-// exist is not shown. Reference counted: the tree holds its roots.
+// exist is not shown, and a folder already listed is not listed again (pictures that are the home
+// folder itself). Reference counted: the tree holds its roots.
 
 #include <vector>
 
@@ -21,7 +22,7 @@ public:
     };
 
     static FolderTreeRoots* create() { return new FolderTreeRoots(); }
-    // $HOME (titled by its name), then "/".
+    // The pictures and documents folders, $HOME, then "/".
     virtual std::vector<Root> getRoots() const;
 
 protected:

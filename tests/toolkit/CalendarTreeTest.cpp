@@ -230,4 +230,28 @@ TEST(FolderTreeTest, LevelsAreReadWhenOpenedAndWalkedByKeysAndMouse) {
     tree->removeCommandListener(&log);
 }
 
+// The default roots: the special folders first (those that exist), then home and the root.
+TEST(FolderTreeTest, TheSpecialFoldersComeFirst) {
+    TempDir dir;
+    std::filesystem::create_directories(dir.file("home/Bilder"));
+    std::filesystem::create_directories(dir.file("config"));
+    std::ofstream(dir.file("config/user-dirs.dirs")) << "XDG_PICTURES_DIR=\"$HOME/Bilder\"\n";
+    const std::string home = std::getenv("HOME") ? std::getenv("HOME") : "";
+    const std::string config = std::getenv("XDG_CONFIG_HOME") ? std::getenv("XDG_CONFIG_HOME") : "";
+    setenv("HOME", dir.file("home").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", dir.file("config").c_str(), 1);
+    UiHarness ui(CSize(200, 200));
+    FolderTree* tree = FolderTree::create(1);
+    std::vector<std::u16string> titles;
+    for (int i = 0; i < tree->getRowCount(); ++i) titles.push_back(tree->getTitle(i).str());
+    EXPECT_EQ(titles, (std::vector<std::u16string>{u"Bilder", u"home", u"/"}));  // no Documents folder
+    EXPECT_EQ(tree->getPath(0).toUtf8(), dir.file("home/Bilder"));
+    OwnedPtr<FolderTree> owned(tree);
+    setenv("HOME", home.c_str(), 1);
+    if (config.empty())
+        unsetenv("XDG_CONFIG_HOME");
+    else
+        setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+}
+
 }  // namespace

@@ -216,8 +216,15 @@ public:
             << " %u\nMimeType=x-scheme-handler/https;\n";
         std::ofstream(dir.file("config/mimeapps.list"))
             << "[Default Applications]\nx-scheme-handler/https=orvanta-test-browser.desktop\n";
+        for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME"})
+            if (const char* value = std::getenv(variable)) saved.emplace_back(variable, value);
         setenv("XDG_DATA_HOME", dir.file("data").c_str(), 1);
         setenv("XDG_CONFIG_HOME", dir.file("config").c_str(), 1);
+    }
+    ~FakeBrowser() {
+        unsetenv("XDG_DATA_HOME");
+        unsetenv("XDG_CONFIG_HOME");
+        for (const auto& [variable, value] : saved) setenv(variable.c_str(), value.c_str(), 1);
     }
     // What the browser was asked to open, once it has run.
     std::string opened() const {
@@ -231,6 +238,7 @@ public:
     }
 
     TempDir dir;
+    std::vector<std::pair<std::string, std::string>> saved;
 };
 
 TEST(RolloverTest, ButtonsStandOutUnderThePointerAndTheLinkOpensItsAddress) {
