@@ -26,11 +26,8 @@ namespace {
 class AssetDbTest : public ::testing::Test {
 protected:
     AssetDb* open(const std::string& name = "catalog.db") {
-        const CString path = dir.wide(name);
-        if (!std::filesystem::exists(dir.file(name))) {
-            EXPECT_TRUE(AssetDb::createFile(path));
-        }
-        return AssetDb::create(path);
+        AssetDb::createFile(dir.wide(name));  // refused when it exists
+        return AssetDb::create(dir.wide(name));
     }
     TempDir dir;
 };
