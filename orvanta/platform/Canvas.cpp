@@ -13,6 +13,7 @@
 
 #include "orvanta/platform/Bitmap.h"
 #include "orvanta/platform/FontDescription.h"
+#include "orvanta/platform/Screen.h"
 #include "orvanta/platform/Stretch.h"
 #include "orvanta/platform/TextLayout.h"
 
@@ -39,6 +40,7 @@ Canvas::Canvas(cairo_surface_t* surface, Kind kind, CPoint deviceOrigin, const R
       mKind(kind),
       mDeviceOrigin(deviceOrigin),
       mHasBaseClip(clip != nullptr) {
+    if (kind == Kind::Pdf) mCaps.dpiX = mCaps.dpiY = 72;
     if (clip) {
         mBaseClip = *clip;
         clipToRects(mCairo, clip->getRects());
@@ -63,6 +65,9 @@ std::unique_ptr<Canvas> Canvas::createPdf(WriteFunction write, double widthPoint
     auto canvas = std::make_unique<Canvas>(surface, Kind::Pdf);
     cairo_surface_destroy(surface);
     canvas->mWrite = std::move(function);
+    DeviceCaps& caps = canvas->mCaps;
+    caps.paperWidth = caps.printableWidth = static_cast<int>(std::lround(widthPoints));
+    caps.paperHeight = caps.printableHeight = static_cast<int>(std::lround(heightPoints));
     return canvas;
 }
 
@@ -97,6 +102,16 @@ std::unique_ptr<Canvas> Canvas::createForBitmap(Bitmap* bitmap, bool alpha) {
     return canvas;
 }
 
+std::unique_ptr<Canvas> Canvas::createScreenContext() {
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
+    auto canvas = std::make_unique<Canvas>(surface, Kind::Bitmap);
+    cairo_surface_destroy(surface);
+    const CSize screen = screenResolution();
+    canvas->mCaps.dpiX = screen.cx;
+    canvas->mCaps.dpiY = screen.cy;
+    return canvas;
+}
+
 int Canvas::save() {
     cairo_save(mCairo);
     mSaved.push_back(mState);
@@ -116,10 +131,71 @@ bool Canvas::restore(int level) {
     return true;
 }
 
+double Canvas::unitScaleX() const {
+    return mKind == Kind::Pdf ? 72.0 / mCaps.dpiX : 1.0;
+}
+
+double Canvas::unitScaleY() const {
+    return mKind == Kind::Pdf ? 72.0 / mCaps.dpiY : 1.0;
+}
+
+CPoint Canvas::originInDevice() const {
+    return CPoint(mDeviceOrigin.x + mCaps.offsetX + mState.viewportOrigin.x,
+                  mDeviceOrigin.y + mCaps.offsetY + mState.viewportOrigin.y);
+}
+
 void Canvas::applyMatrix() {
     cairo_identity_matrix(mCairo);
-    cairo_translate(mCairo, mDeviceOrigin.x + mState.viewportOrigin.x,
-                    mDeviceOrigin.y + mState.viewportOrigin.y);
+    cairo_scale(mCairo, unitScaleX(), unitScaleY());
+    const CPoint origin = originInDevice();
+    cairo_translate(mCairo, origin.x, origin.y);
+    if (mState.mapScale != 1.0) cairo_scale(mCairo, mState.mapScale, mState.mapScale);
+}
+
+int Canvas::getDeviceCaps(int index) const {
+    switch (index) {
+        case LOGPIXELSX:
+            return mCaps.dpiX;
+        case LOGPIXELSY:
+            return mCaps.dpiY;
+        case PHYSICALWIDTH:
+            return mCaps.paperWidth;
+        case PHYSICALHEIGHT:
+            return mCaps.paperHeight;
+        case PHYSICALOFFSETX:
+            return mCaps.offsetX;
+        case PHYSICALOFFSETY:
+            return mCaps.offsetY;
+        case HORZRES:
+            return mCaps.printableWidth;
+        case VERTRES:
+            return mCaps.printableHeight;
+        case HORZSIZE:
+            return static_cast<int>(std::lround(mCaps.printableWidth * 25.4 / mCaps.dpiX));
+        case VERTSIZE:
+            return static_cast<int>(std::lround(mCaps.printableHeight * 25.4 / mCaps.dpiY));
+        default:
+            return 0;
+    }
+}
+
+void Canvas::setDeviceCaps(const DeviceCaps& caps) {
+    mCaps = caps;
+    if (mCaps.dpiX <= 0 || mCaps.dpiY <= 0) mCaps.dpiX = mCaps.dpiY = 96;
+    if (mKind == Kind::Pdf && caps.paperWidth > 0 && caps.paperHeight > 0)
+        cairo_pdf_surface_set_size(mSurface, caps.paperWidth * unitScaleX(), caps.paperHeight * unitScaleY());
+    // A printer draws nothing outside its printable area.
+    if (caps.paperWidth > 0 && caps.paperHeight > 0) {
+        mBaseClip = Region(CRect(caps.offsetX, caps.offsetY, caps.offsetX + caps.printableWidth,
+                                 caps.offsetY + caps.printableHeight));
+        mHasBaseClip = true;
+    }
+    selectClipRegion(nullptr);
+}
+
+void Canvas::setMapScale(double scale) {
+    mState.mapScale = scale > 0 ? scale : 1.0;
+    applyMatrix();
 }
 
 CPoint Canvas::setViewportOrigin(CPoint origin) {
@@ -146,6 +222,7 @@ void Canvas::intersectClipRect(const CRect& rect) {
 void Canvas::selectClipRegion(const Region* region) {
     cairo_reset_clip(mCairo);
     cairo_identity_matrix(mCairo);
+    cairo_scale(mCairo, unitScaleX(), unitScaleY());
     if (mHasBaseClip) clipToRects(mCairo, mBaseClip.getRects());
     if (region) {
         Region device(*region);
@@ -357,7 +434,7 @@ int Canvas::stretchDIBits(int xDest, int yDest, int destWidth, int destHeight, i
                                           : GDI_ERROR;
     if (!bits) return 0;
     if (!isDrawableRowFormat(info.bmiHeader) || destWidth <= 0 || destHeight <= 0) return 0;
-    if (cairo_surface_get_type(mSurface) == CAIRO_SURFACE_TYPE_IMAGE)
+    if (cairo_surface_get_type(mSurface) == CAIRO_SURFACE_TYPE_IMAGE && mState.mapScale == 1.0)
         return stretchOntoImage(xDest, yDest, destWidth, destHeight, xSrc, ySrc, srcWidth, srcHeight, bits,
                                 info);
     return stretchThroughCairo(xDest, yDest, destWidth, destHeight, xSrc, ySrc, srcWidth, srcHeight, bits,
@@ -378,8 +455,8 @@ int Canvas::stretchOntoImage(int xDest, int yDest, int destWidth, int destHeight
     if (!target) return 0;
 
     // The clip as device rectangles: Cairo gives them in user space, which differs by a translation.
-    const int dx = mDeviceOrigin.x + mState.viewportOrigin.x;
-    const int dy = mDeviceOrigin.y + mState.viewportOrigin.y;
+    const int dx = originInDevice().x;
+    const int dy = originInDevice().y;
     Region clip;
     cairo_rectangle_list_t* list = cairo_copy_clip_rectangle_list(mCairo);
     if (list->status == CAIRO_STATUS_SUCCESS) {

@@ -8,6 +8,12 @@
 // moves stays where it was. save() pushes the whole state (clip, origin, pen, brush, colours, font,
 // modes) and returns its level; restore(-1) pops the latest, restore(n) returns to level n.
 //
+// Resolution: a canvas counts in pixels of its device. Screens and bitmaps have 96 to the inch; a
+// PDF canvas has 72 (its unit is the point) until it is given a printer's page by setDeviceCaps, after
+// which its pixels are the printer's dots and logical (0, 0) is the top left corner of the printable
+// area, outside which nothing is drawn, as on a printer. setMapScale scales everything drawn after it
+// uniformly (an isotropic mapping), which clips do not undo.
+//
 // Text is drawn with Pango in the selected font (the default font when none is). In XOR mode every
 // stroke and fill inverts what is under it (Cairo's DIFFERENCE with white), so drawing the same
 // thing twice leaves the surface as it was. stretchDIBits reads pixel rows in place: on an image
@@ -50,7 +56,33 @@ constexpr UINT DT_WORDBREAK = 0x0010;
 constexpr UINT DT_SINGLELINE = 0x0020;
 constexpr UINT DT_NOCLIP = 0x0100;
 constexpr UINT DT_CALCRECT = 0x0400;
+constexpr UINT DT_NOPREFIX = 0x0800;
 constexpr UINT DT_END_ELLIPSIS = 0x8000;
+
+// What getDeviceCaps answers, by the platform's index numbers.
+constexpr int HORZSIZE = 4;
+constexpr int VERTSIZE = 6;
+constexpr int HORZRES = 8;
+constexpr int VERTRES = 10;
+constexpr int LOGPIXELSX = 88;
+constexpr int LOGPIXELSY = 90;
+constexpr int PHYSICALWIDTH = 110;
+constexpr int PHYSICALHEIGHT = 111;
+constexpr int PHYSICALOFFSETX = 112;
+constexpr int PHYSICALOFFSETY = 113;
+
+// A device's resolution and, for a printer's page, the paper and its printable area, all in the
+// device's pixels. A canvas that is no printer's page has no paper: its printable area is its own.
+struct DeviceCaps {
+    int dpiX = 96;
+    int dpiY = 96;
+    int paperWidth = 0;
+    int paperHeight = 0;
+    int offsetX = 0;
+    int offsetY = 0;
+    int printableWidth = 0;
+    int printableHeight = 0;
+};
 
 }  // namespace Orvanta
 
@@ -82,11 +114,21 @@ public:
     // byte of each pixel is its coverage and the colours are premultiplied by it (what alphaBlend
     // draws); a new DIB section is then wholly transparent.
     static std::unique_ptr<Canvas> createForBitmap(Bitmap* bitmap, bool alpha = false);
+    // A context of the screen to measure against (the screen's resolution); what it draws goes nowhere.
+    static std::unique_ptr<Canvas> createScreenContext();
 
     Kind getKind() const { return mKind; }
     cairo_surface_t* getSurface() const { return mSurface; }
-    // Pixels per inch: 96 on screens and bitmaps, 72 on a PDF page (its unit is the point).
-    int getResolution() const { return mKind == Kind::Pdf ? 72 : 96; }
+    // GetDeviceCaps: LOGPIXELSX/Y, the paper (PHYSICALWIDTH/HEIGHT), where the printable area starts
+    // (PHYSICALOFFSETX/Y), its size in pixels (HORZRES/VERTRES) and in millimetres (HORZSIZE/VERTSIZE);
+    // 0 for any other index.
+    int getDeviceCaps(int index) const;
+    const DeviceCaps& getCaps() const { return mCaps; }
+    // Sets the device's resolution and page. On a PDF canvas this also sets the size of the current
+    // page to the paper's and maps pixels to points; call it before drawing on a page.
+    void setDeviceCaps(const DeviceCaps& caps);
+    // The isotropic mapping (1.0: none), part of the state save() keeps.
+    void setMapScale(double scale);
 
     int save();
     bool restore(int level);
@@ -162,8 +204,13 @@ private:
         int stretchMode = COLORONCOLOR;
         const FontDescription* font = nullptr;
         CPoint position;
+        double mapScale = 1.0;
     };
 
+    double unitScaleX() const;
+    double unitScaleY() const;
+    // Where logical (0, 0) lies on the surface, before the unit scale.
+    CPoint originInDevice() const;
     void applyMatrix();
     void useColor(COLORREF color);
     void applyPen();
@@ -180,6 +227,7 @@ private:
     CPoint mDeviceOrigin;
     Region mBaseClip;
     bool mHasBaseClip;
+    DeviceCaps mCaps;
     State mState;
     std::vector<State> mSaved;
     std::unique_ptr<WriteFunction> mWrite;
