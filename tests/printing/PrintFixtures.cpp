@@ -2,13 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <sstream>
 
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/foundation/UniqueID.h"
+#include "tests/support/TempDir.h"
 #include "tests/support/TestPictures.h"
 
 using namespace Orvanta;
@@ -53,6 +57,71 @@ std::unique_ptr<Platform::Canvas> deviceAt(int dpiX, int dpiY) {
     caps.dpiY = dpiY ? dpiY : dpiX;
     canvas->setDeviceCaps(caps);
     return canvas;
+}
+
+}  // namespace OrvantaTest
+
+namespace OrvantaTest {
+
+PdfDocument::PdfDocument(int dpi, int paperWidth, int paperHeight) {
+    mCanvas = Platform::Canvas::createPdf(
+        [this](const unsigned char* data, unsigned int length) {
+            mBytes.append(reinterpret_cast<const char*>(data), length);
+            return true;
+        },
+        paperWidth * 72.0 / dpi, paperHeight * 72.0 / dpi);
+    DeviceCaps caps{dpi, dpi, paperWidth, paperHeight, 0, 0, paperWidth, paperHeight};
+    mCanvas->setDeviceCaps(caps);
+}
+
+void PdfDocument::save(const std::string& path) {
+    mCanvas->finish();
+    writeFileBytes(path, mBytes);
+}
+
+std::string commandOutput(const std::string& command) {
+    std::string output;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[4096];
+        for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) output.append(buffer, n);
+        pclose(pipe);
+    }
+    return output;
+}
+
+bool haveCommand(const std::string& name) {
+    return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+std::vector<std::string> pdfJpegs(const std::string& pdf, const std::string& folder) {
+    std::vector<std::string> blocks;
+    if (!haveCommand("pdfimages")) return blocks;
+    commandOutput("mkdir -p '" + folder + "' && pdfimages -j '" + pdf + "' '" + folder + "/img'");
+    for (int i = 0;; ++i) {
+        char name[32];
+        std::snprintf(name, sizeof name, "/img-%03d.jpg", i);
+        if (!std::filesystem::exists(folder + name)) break;
+        blocks.push_back(readFileBytes(folder + name));
+    }
+    return blocks;
+}
+
+}  // namespace OrvantaTest
+
+namespace OrvantaTest {
+
+std::vector<PdfImage> pdfImages(const std::string& pdf) {
+    std::vector<PdfImage> images;
+    std::istringstream lines(commandOutput("pdfimages -list '" + pdf + "' 2>/dev/null | tail -n +3"));
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream fields(line);
+        PdfImage image;
+        std::string num, type, color, comp, bpc;
+        if (fields >> image.page >> num >> type >> image.width >> image.height >> color >> comp >> bpc >>
+            image.encoding)
+            images.push_back(image);
+    }
+    return images;
 }
 
 }  // namespace OrvantaTest

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "orvanta/assets/Asset.h"
 #include "orvanta/platform/Canvas.h"
@@ -19,5 +20,41 @@ Orvanta::Asset* assetOf(const std::string& path);
 // A canvas that measures as a device of dpiX by dpiY pixels per inch (dpiY 0: as dpiX); what it
 // draws goes nowhere.
 std::unique_ptr<Orvanta::Platform::Canvas> deviceAt(int dpiX, int dpiY = 0);
+
+}  // namespace OrvantaTest
+
+namespace OrvantaTest {
+
+// A PDF document of pages drawn at a printer's resolution, kept in memory until written out.
+class PdfDocument {
+public:
+    // Pages of paper x paper pixels at dpi, printable everywhere.
+    PdfDocument(int dpi, int paperWidth, int paperHeight);
+    Orvanta::Platform::Canvas* canvas() { return mCanvas.get(); }
+    // Finishes the document and writes it to path.
+    void save(const std::string& path);
+
+private:
+    std::string mBytes;
+    std::unique_ptr<Orvanta::Platform::Canvas> mCanvas;
+};
+
+// The JPEG blocks of a PDF file as pdfimages -j extracts them, in page order; empty when
+// poppler-utils are missing.
+std::vector<std::string> pdfJpegs(const std::string& pdf, const std::string& folder);
+// The output of a shell command line.
+std::string commandOutput(const std::string& command);
+bool haveCommand(const std::string& name);
+
+}  // namespace OrvantaTest
+
+namespace OrvantaTest {
+
+struct PdfImage {
+    int page, width, height;
+    std::string encoding;  // "jpeg" for a block embedded as it is, "image" for pixels
+};
+// What pdfimages -list tells of a PDF's pictures.
+std::vector<PdfImage> pdfImages(const std::string& pdf);
 
 }  // namespace OrvantaTest
