@@ -2,6 +2,9 @@
 
 #include <cairo.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <vector>
 
@@ -68,7 +71,16 @@ bool PrintDocument::finish() {
 }
 
 bool PrintDocument::keepAs(const std::string& target) {
-    if (mFd >= 0 || FileSystem::current().rename(mPath.c_str(), target.c_str()) != 0) return false;
+    if (mFd >= 0) return false;
+    // The temporary file was made for the owner alone; a kept document is a file like any other.
+    const mode_t mask = umask(0);
+    umask(mask);
+    const int fd = openRegularFile(mPath.c_str(), O_RDONLY);
+    if (fd >= 0) {
+        FileSystem::current().changeMode(fd, 0666 & ~mask);
+        FileSystem::current().close(fd);
+    }
+    if (FileSystem::current().rename(mPath.c_str(), target.c_str()) != 0) return false;
     mKept = true;
     return true;
 }

@@ -24,6 +24,8 @@ public:
     PrintDocument(const PrintDocument&) = delete;
     PrintDocument& operator=(const PrintDocument&) = delete;
 
+    // The canvas the document draws on; a page's settings come with startPage.
+    Canvas* canvas() { return mCanvas.get(); }
     // StartPage (with ResetDC's new settings): the canvas of the new page.
     Canvas* startPage(const DeviceCaps& caps);
     void endPage();

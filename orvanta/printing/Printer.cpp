@@ -330,8 +330,8 @@ Platform::PrintOptions Printer::getPrintOptions(const DEVMODEW* devMode) {
     if (!devMode) devMode = mDevMode.get();
     if (!devMode) return options;
     if (const Platform::PrinterMedia* media = mediaOf(devMode)) options.emplace_back("media", media->name);
-    // The document's pages are already turned: the printer is told what they are.
-    options.emplace_back("orientation-requested", devMode->dmOrientation == DMORIENT_LANDSCAPE ? "4" : "3");
+    // No orientation-requested: each page of the document already has the size and orientation it
+    // prints on, which a requested orientation would turn a second time.
     if (devMode->dmPrintQuality > 0) {
         const int y = devMode->dmYResolution > 0 ? devMode->dmYResolution : devMode->dmPrintQuality;
         options.emplace_back("printer-resolution",

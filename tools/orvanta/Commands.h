@@ -26,5 +26,7 @@ int runDb(const Arguments& arguments);
 int runConvert(const Arguments& arguments);
 int runRotate(const Arguments& arguments);
 int runThumb(const Arguments& arguments);
+int runPrint(const Arguments& arguments);
+int runPrinters(const Arguments& arguments);
 
 }  // namespace OrvantaTool

@@ -113,6 +113,29 @@ const std::vector<Command>& commands() {
          "Prints: DST  WIDTH  HEIGHT  embedded|decoded|stock\n"
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runThumb},
+        {"print", "print PHOTO...      prints photographs, one a page or in a grid, or into a PDF file",
+         "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS] [--copies N]\n"
+         "                     [--to-pdf FILE] PHOTO...\n"
+         "Prints the photographs through the print system (CUPS), on the default printer or NAME.\n"
+         "  --paper NAME        a paper of the printer by its name (see orvanta printers)\n"
+         "  --layout CxR        C columns by R rows of captioned pictures on each page (a contact\n"
+         "                      sheet); 1x1, the default, is one picture a page, turned to suit it\n"
+         "  --copies N          each picture N times, the copies side by side\n"
+         "  --to-pdf FILE       writes the pages into FILE instead of printing them (Letter, 300 dpi,\n"
+         "                      no margins; --paper A4 or \"4 x 6\" also)\n"
+         "A JPEG that is not changed on its way goes into the document as its own bytes. A progress bar\n"
+         "is drawn on a terminal. Ctrl-C stops after the page in progress: nothing is printed and no\n"
+         "file is left.\n"
+         "Prints: FILE  N pages  SECONDS, or PRINTER  job ID  N pages  SECONDS.\n"
+         "Exit status 0 when the print system took the job (or FILE was written), 1 when it did not or a\n"
+         "photo cannot be read, 2 for bad arguments, 130 when interrupted.\n",
+         runPrint},
+        {"printers", "printers            the printers, with their papers, margins and resolutions",
+         "usage: orvanta printers\n"
+         "One line per printer (NAME, \"default\" for the default one, its model), then one line per\n"
+         "paper (its name, size, the margins left, top, right and bottom in dots at the printer's\n"
+         "first resolution, and whether it is borderless) and per resolution.\n",
+         runPrinters},
     };
     return table;
 }
