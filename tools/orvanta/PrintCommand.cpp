@@ -99,8 +99,8 @@ Layout* layoutFor(const Options& options, Printer* printer) {
     if (!geometry) return nullptr;
     const int width = geometry->getPrintableWidth() * 100 / geometry->dpiX;
     const int height = geometry->getPrintableHeight() * 100 / geometry->dpiY;
-    const Size cell((width - (options.columns - 1) * kGap) / options.columns,
-                    (height - (options.rows - 1) * kGap) / options.rows - kCaptionAllowance);
+    // Each cell counts with its gap, the last one's too, so that the grid is exactly the one asked.
+    const Size cell(width / options.columns - kGap, height / options.rows - kGap - kCaptionAllowance);
     if (cell.cx <= 0 || cell.cy <= 0) return nullptr;
     return Layout::create(u"contact sheet", cell, kGap, Layout::ContactSheet);
 }
