@@ -10,6 +10,36 @@
 
 namespace Orvanta::Platform::CupsPrinters {
 
+namespace {
+
+// A name people read for a paper whose printer gives none of its own: the common sizes by their
+// usual names, others by the middle of the PWG name ("na_index-4x6_4x6in" is "index-4x6").
+std::string readableMediaName(const std::string& pwg) {
+    static const struct {
+        const char* name;
+        const char* readable;
+    } known[] = {{"letter", "US Letter"},
+                 {"legal", "US Legal"},
+                 {"a3", "A3"},
+                 {"a4", "A4"},
+                 {"a5", "A5"},
+                 {"a6", "A6"},
+                 {"index-4x6", "4 x 6"},
+                 {"5x7", "5 x 7"},
+                 {"index-5x8", "5 x 8"},
+                 {"govt-letter", "8 x 10"}};
+    const size_t first = pwg.find('_'),
+                 second = first == std::string::npos ? first : pwg.find('_', first + 1);
+    if (second == std::string::npos) return pwg;
+    std::string name = pwg.substr(first + 1, second - first - 1);
+    for (const auto& entry : known)
+        if (name == entry.name) name = entry.readable;
+    if (pwg.size() > 11 && pwg.compare(pwg.size() - 11, 11, "_borderless") == 0) name += " Borderless";
+    return name;
+}
+
+}  // namespace
+
 std::vector<std::string> destinationNames() {
     std::vector<std::string> names;
     if (!loadCups()) return names;
@@ -56,7 +86,7 @@ bool describe(const std::string& name, PrinterDescription& description) {
         media.name = size.media;
         const char* shown =
             cups().cupsLocalizeDestMedia(CUPS_HTTP_DEFAULT, dest, info, CUPS_MEDIA_FLAGS_DEFAULT, &size);
-        media.displayName = shown ? shown : size.media;
+        media.displayName = shown && media.name != shown ? shown : readableMediaName(media.name);
         media.width = size.width;
         media.height = size.length;
         media.left = size.left;

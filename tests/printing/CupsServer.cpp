@@ -66,8 +66,18 @@ const std::string& CupsServer::folder() {
     return path;
 }
 
-// Set at program start, before any test asks CUPS anything.
-static const bool gFolderMade = !CupsServer::folder().empty();
+namespace {
+
+// Made at program start, before any test asks CUPS anything, and removed at its end.
+struct FolderKeeper {
+    FolderKeeper() { CupsServer::folder(); }
+    ~FolderKeeper() {
+        std::error_code ignored;
+        fs::remove_all(CupsServer::folder(), ignored);
+    }
+} gFolder;
+
+}  // namespace
 
 bool CupsServer::available() {
     return access(kCupsd, X_OK) == 0;
@@ -80,6 +90,7 @@ CupsServer::CupsServer() {
     fs::remove_all(root + "/conf");
     fs::remove_all(root + "/bin");
     fs::remove_all(root + "/spool");
+    fs::remove_all(root + "/out");
     for (const char* sub :
          {"/conf/ppd", "/bin/backend", "/bin/filter", "/spool/tmp", "/cache", "/state", "/log", "/out"})
         fs::create_directories(root + sub);
