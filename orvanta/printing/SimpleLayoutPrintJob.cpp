@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "orvanta/codecs/Codec.h"
 #include "orvanta/codecs/ImageFile.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/pixels/DibSection.h"
@@ -226,6 +227,67 @@ Image* cropWindow(Image* image, int x, int y, int width, int height) {
 
 }  // namespace
 
+Size SimpleLayoutPrintJob::requestFor(CSize pixels, int maxDpi, int boxHundredthsW, int boxHundredthsH) {
+    if (maxDpi == -1 || boxHundredthsW <= 0 || boxHundredthsH <= 0) return Size(0, 0);
+    const int dpiX = pixels.cx * 100 / boxHundredthsW, dpiY = pixels.cy * 100 / boxHundredthsH;
+    if (dpiX <= maxDpi && dpiY <= maxDpi) return Size(0, 0);
+    const double scale = static_cast<double>(maxDpi) / std::max(dpiX, dpiY);
+    return Size(static_cast<int>(pixels.cx * scale), static_cast<int>(pixels.cy * scale));
+}
+
+// A JPEG that would come out of decoding, effect, turn and crop unchanged needs no decoding at all
+// where its bytes go to the page as they are: what is drawn is the same.
+bool SimpleLayoutPrintJob::mayPassThrough(ImageFile* file, bool isPreview, int maxDpi, int boxHundredthsW,
+                                          int boxHundredthsH, double cellAspect) {
+    const CSize pixels = file->getPictureSize();
+    if (isPreview || !mPrinter || !mPrinter->canDrawJpegs() || mEffect || pixels.cx <= 0 || pixels.cy <= 0)
+        return false;
+    Codec* codec = file->getCodec();
+    if (!codec || codec->getImageType() != ImageTypeJpeg) return false;
+    if (requestFor(pixels, maxDpi, boxHundredthsW, boxHundredthsH).cx != 0) return false;
+    const double imageAspect = static_cast<double>(pixels.cx) / pixels.cy;
+    if (getRotateToFit() && (imageAspect > 1) != (cellAspect > 1)) return false;
+    return !(getCropToFill() && imageAspect != cellAspect);
+}
+
+// The cell's picture: decoded no larger than the maximum resolution allows at the box's size, then
+// the job's effect, the turn to the cell's shape and the crop to fill it; modified tells whether
+// any of that changed the file's pixels.
+Image* SimpleLayoutPrintJob::loadCell(Asset* asset, int maxDpi, int boxHundredthsW, int boxHundredthsH,
+                                      double cellAspect, bool& modified) {
+    modified = false;
+    ImageFile* file = asset->getImageFile();
+    if (!file) return nullptr;
+    OwnedPtr<Image> image = loadPrintPicture(
+        asset, requestFor(file->getPictureSize(), maxDpi, boxHundredthsW, boxHundredthsH), &modified);
+    if (!image) return nullptr;
+    if (mEffect) {
+        OwnedPtr<Image> changed = applyToPicture(image, mEffect);
+        if (changed) image = changed, modified = true;
+    }
+    CSize size = image->getSize();
+    double imageAspect = static_cast<double>(size.cx) / size.cy;
+    if (getRotateToFit() && (imageAspect > 1) != (cellAspect > 1)) {
+        OwnedPtr<RotateOp> rotate = RotateOp::create(90);
+        OwnedPtr<Image> turned = applyToPicture(image, rotate);
+        if (turned) image = turned, modified = true;
+        size = image->getSize();
+        imageAspect = static_cast<double>(size.cx) / size.cy;
+    }
+    if (getCropToFill() && imageAspect != cellAspect) {
+        OwnedPtr<Image> cropped;
+        if (imageAspect > cellAspect) {
+            const int newW = static_cast<int>(std::floor(size.cy * cellAspect));
+            cropped = cropWindow(image, (size.cx - newW) / 2, 0, newW, size.cy);
+        } else {
+            const int newH = static_cast<int>(std::floor(size.cx / cellAspect));
+            cropped = cropWindow(image, 0, (size.cy - newH) / 2, size.cx, newH);
+        }
+        if (cropped) image = cropped, modified = true;
+    }
+    return image.detach();
+}
+
 bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
     if (mAssets.empty()) return true;
     computeGrid(dc, getCurrentDevMode());
@@ -255,61 +317,33 @@ bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
 
     int loadedIndex = -1;
     OwnedPtr<Image> image;
-    bool modified = false;
+    bool modified = false, passThrough = false;
     CString path, name;
-    CSize filePixels;
+    CSize filePixels, size;
     for (int row = 0, column = 0; !isCancelled() && assetIndex < getAssetCount() && row < mRows;) {
         if (assetIndex != loadedIndex) {
             loadedIndex = assetIndex;
             image = nullptr;
-            modified = false;
-            Asset* asset = mAssets[static_cast<size_t>(assetIndex)];
-            ImageFile* file = asset->getImageFile();
+            modified = passThrough = false;
+            size = CSize(0, 0);
+            ImageFile* file = mAssets[static_cast<size_t>(assetIndex)]->getImageFile();
             if (file) {
                 path = file->getPath();
                 name = file->getFilename();
                 filePixels = file->getPictureSize();
-                Size request(0, 0);
-                if (maxDpi != -1 && boxHundredthsW > 0 && boxHundredthsH > 0) {
-                    const int dpiX = filePixels.cx * 100 / boxHundredthsW,
-                              dpiY = filePixels.cy * 100 / boxHundredthsH;
-                    if (dpiX > maxDpi || dpiY > maxDpi) {
-                        const double scale = static_cast<double>(maxDpi) / std::max(dpiX, dpiY);
-                        request = Size(static_cast<int>(filePixels.cx * scale),
-                                       static_cast<int>(filePixels.cy * scale));
-                    }
-                }
-                image = loadPrintPicture(asset, request, &modified);
-            }
-            if (image && mEffect) {
-                OwnedPtr<Image> changed = applyToPicture(image, mEffect);
-                if (changed) image = changed, modified = true;
-            }
-            if (image) {
-                CSize size = image->getSize();
-                double imageAspect = static_cast<double>(size.cx) / size.cy;
-                if (getRotateToFit() && (imageAspect > 1) != (cellAspect > 1)) {
-                    OwnedPtr<RotateOp> rotate = RotateOp::create(90);
-                    OwnedPtr<Image> turned = applyToPicture(image, rotate);
-                    if (turned) image = turned, modified = true;
-                    size = image->getSize();
-                    imageAspect = static_cast<double>(size.cx) / size.cy;
-                }
-                if (getCropToFill() && imageAspect != cellAspect) {
-                    OwnedPtr<Image> cropped;
-                    if (imageAspect > cellAspect) {
-                        const int newW = static_cast<int>(std::floor(size.cy * cellAspect));
-                        cropped = cropWindow(image, (size.cx - newW) / 2, 0, newW, size.cy);
-                    } else {
-                        const int newH = static_cast<int>(std::floor(size.cx / cellAspect));
-                        cropped = cropWindow(image, 0, (size.cy - newH) / 2, size.cx, newH);
-                    }
-                    if (cropped) image = cropped, modified = true;
-                }
+                passThrough =
+                    mayPassThrough(file, isPreview, maxDpi, boxHundredthsW, boxHundredthsH, cellAspect);
+                if (passThrough)
+                    size = filePixels;
+                else
+                    image = loadCell(mAssets[static_cast<size_t>(assetIndex)], maxDpi, boxHundredthsW,
+                                     boxHundredthsH, cellAspect, modified);
+                if (image) size = image->getSize();
             }
         }
-        if (image) {
-            CSize draw = image->getFitSize(CSize(boxW, boxH), true, getCropToFill());
+        if (image || passThrough) {
+            CSize draw =
+                Image::scaledSize(size, Image::calcScale(size, CSize(boxW, boxH), true, getCropToFill()));
             int x = column * (mCellWidth + mHGap) + startX;
             int y = row * (mCellHeight + mVGap + mCaptionHeight) + startY;
             int innerX = 0, innerY = 0;
@@ -331,7 +365,13 @@ bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
             if (!isPreview && mPrinter && mPrinter->canDrawJpegs())
                 drawn = drawJpegFile(dc, x + innerX, y + innerY, draw.cx, draw.cy, path, filePixels, image,
                                      modified);
-            if (!drawn) image->draw(dc, x + innerX, y + innerY, draw.cx, draw.cy);
+            if (!drawn && passThrough) {
+                // The device refused the file's bytes after all: its pixels are drawn instead.
+                passThrough = false;
+                image = loadCell(mAssets[static_cast<size_t>(assetIndex)], maxDpi, boxHundredthsW,
+                                 boxHundredthsH, cellAspect, modified);
+            }
+            if (!drawn && image) image->draw(dc, x + innerX, y + innerY, draw.cx, draw.cy);
             if (isContactSheet()) {
                 CRect caption(x - mBorder, y - mBorder + mCellHeight + mCaptionGap, x - mBorder + mCellWidth,
                               y - mBorder + mCellHeight + mCaptionGap + mTextHeight);

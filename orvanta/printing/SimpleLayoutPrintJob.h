@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "orvanta/assets/Asset.h"
+#include "orvanta/codecs/ImageFile.h"
 #include "orvanta/printing/Layout.h"
 #include "orvanta/printing/PrintJob.h"
 
@@ -56,6 +57,11 @@ private:
     SimpleLayoutPrintJob(const std::vector<Asset*>& assets, const CString& title);
     void countCells(int cellWidth, int cellHeight, int printableW, int printableH, int& rows, int& columns);
     int cells() const { return mRows * mColumns; }
+    static Size requestFor(CSize pixels, int maxDpi, int boxHundredthsW, int boxHundredthsH);
+    bool mayPassThrough(ImageFile* file, bool isPreview, int maxDpi, int boxHundredthsW, int boxHundredthsH,
+                        double cellAspect);
+    Image* loadCell(Asset* asset, int maxDpi, int boxHundredthsW, int boxHundredthsH, double cellAspect,
+                    bool& modified);
 
     std::vector<OwnedPtr<Asset>> mAssets;
     OwnedPtr<Layout> mLayout;

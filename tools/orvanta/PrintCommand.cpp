@@ -36,6 +36,7 @@ struct Options {
     std::string paper;
     int columns = 1, rows = 1;
     int copies = 1;
+    int maxDpi = 0;  // 0: the job's own limit for a printer, none for a PDF file
     std::string pdf;
     std::vector<std::string> photos;
 };
@@ -55,6 +56,9 @@ bool parse(const Arguments& arguments, Options& options) {
         } else if (a == "--copies" && hasValue) {
             options.copies = std::atoi(arguments[++i].c_str());
             if (options.copies < 1) return false;
+        } else if (a == "--max-dpi" && hasValue) {
+            options.maxDpi = std::atoi(arguments[++i].c_str());
+            if (options.maxDpi < 1) return false;
         } else if (a == "--to-pdf" && hasValue) {
             options.pdf = arguments[++i];
         } else if (a.rfind("--", 0) == 0) {
@@ -119,7 +123,7 @@ int runPrint(const Arguments& arguments) {
     if (!parse(arguments, options)) {
         std::fprintf(stderr,
                      "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS] [--copies N] "
-                     "[--to-pdf FILE] PHOTO...\n");
+                     "[--max-dpi N] [--to-pdf FILE] PHOTO...\n");
         return 2;
     }
     orvantaIUInit();
@@ -170,6 +174,11 @@ int runPrint(const Arguments& arguments) {
     }
     job->setLayout(layout);
     job->setCopies(options.copies);
+    // A PDF file keeps each photo as it is unless a limit is asked for; a printer gets the job's own.
+    if (options.maxDpi > 0)
+        job->setMaxDpi(options.maxDpi);
+    else if (!options.pdf.empty())
+        job->setMaxDpi(-1);
 
     const auto start = std::chrono::steady_clock::now();
     OwnedPtr<PrintSpooler> spooler = PrintSpooler::create(nullptr);

@@ -115,12 +115,14 @@ const std::vector<Command>& commands() {
          runThumb},
         {"print", "print PHOTO...      prints photographs, one a page or in a grid, or into a PDF file",
          "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS] [--copies N]\n"
-         "                     [--to-pdf FILE] PHOTO...\n"
+         "                     [--max-dpi N] [--to-pdf FILE] PHOTO...\n"
          "Prints the photographs through the print system (CUPS), on the default printer or NAME.\n"
          "  --paper NAME        a paper of the printer by its name (see orvanta printers)\n"
          "  --layout CxR        C columns by R rows of captioned pictures on each page (a contact\n"
          "                      sheet); 1x1, the default, is one picture a page, turned to suit it\n"
          "  --copies N          each picture N times, the copies side by side\n"
+         "  --max-dpi N         photos finer than N dots per inch on the page are reduced to it (default\n"
+         "                      300 on a printer; with --to-pdf photos are kept as they are)\n"
          "  --to-pdf FILE       writes the pages into FILE instead of printing them (Letter, 300 dpi,\n"
          "                      no margins; --paper A4 or \"4 x 6\" also)\n"
          "A JPEG that is not changed on its way goes into the document as its own bytes. A progress bar\n"
