@@ -581,10 +581,13 @@ bool Canvas::alphaBlend(const CRect& to, const Bitmap* source, const CRect& from
     return true;
 }
 
-void Canvas::replayOnto(Canvas& target, CPoint at) const {
+void Canvas::replayOnto(Canvas& target, CPoint at, double scale) const {
     cairo_surface_flush(mSurface);
     cairo_save(target.mCairo);
-    cairo_set_source_surface(target.mCairo, mSurface, at.x, at.y);
+    cairo_translate(target.mCairo, at.x, at.y);
+    if (scale != 1.0) cairo_scale(target.mCairo, scale, scale);
+    cairo_set_source_surface(target.mCairo, mSurface, 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(target.mCairo), CAIRO_FILTER_GOOD);
     cairo_paint(target.mCairo);
     cairo_restore(target.mCairo);
 }

@@ -180,8 +180,9 @@ public:
     // an empty rectangle.
     bool alphaBlend(const CRect& to, const Bitmap* source, const CRect& from);
 
-    // Draws this recording onto another canvas with its top left at `at`.
-    void replayOnto(Canvas& target, CPoint at) const;
+    // Draws this recording onto another canvas with its top left at `at`, its units scaled by
+    // `scale` (filtered where pictures are reduced).
+    void replayOnto(Canvas& target, CPoint at, double scale = 1.0) const;
     // Ends the page of a PDF canvas and starts the next one.
     void showPage();
     // Writes out everything drawn; a PDF document is complete after this.
