@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "orvanta/platform/Bitmap.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/FontDescription.h"
 #include "orvanta/platform/Screen.h"
 #include "orvanta/platform/Stretch.h"
@@ -520,8 +521,30 @@ int Canvas::stretchThroughCairo(int xDest, int yDest, int destWidth, int destHei
     return srcHeight;
 }
 
-// The JPEG's bytes ride on a source surface of its size as MIME data, which the PDF surface writes
-// into the file as they are; the surface's own pixels are never looked at there.
+// The JPEG's bytes ride as MIME data on a source surface of one pixel, which the PDF surface writes
+// into the file as they are, at the JPEG's own size, across the square that pixel covers. A surface
+// of the picture's size would serve as well, but the page takes a snapshot of every source it
+// paints: its blank pixels would be copied for nothing.
+int Canvas::paintJpegBlock(int xDest, int yDest, int destWidth, int destHeight, const unsigned char* data,
+                           unsigned long size, void (*release)(void*), void* closure) {
+    cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
+    if (cairo_surface_status(image) != CAIRO_STATUS_SUCCESS ||
+        cairo_surface_set_mime_data(image, CAIRO_MIME_TYPE_JPEG, data, size, release, closure) !=
+            CAIRO_STATUS_SUCCESS) {
+        release(closure);
+        cairo_surface_destroy(image);
+        return GDI_ERROR;
+    }
+    cairo_save(mCairo);
+    cairo_translate(mCairo, xDest, yDest);
+    cairo_scale(mCairo, destWidth, destHeight);
+    cairo_set_source_surface(mCairo, image, 0, 0);
+    cairo_paint(mCairo);
+    cairo_restore(mCairo);
+    cairo_surface_destroy(image);
+    return cairo_status(mCairo) == CAIRO_STATUS_SUCCESS ? 1 : GDI_ERROR;
+}
+
 int Canvas::drawJpeg(int xDest, int yDest, int destWidth, int destHeight, const void* bits,
                      const BITMAPINFO& info) {
     const BITMAPINFOHEADER& header = info.bmiHeader;
@@ -529,26 +552,35 @@ int Canvas::drawJpeg(int xDest, int yDest, int destWidth, int destHeight, const 
     const int height = std::abs(header.biHeight);
     if (width <= 0 || height <= 0 || header.biSizeImage == 0 || destWidth <= 0 || destHeight <= 0)
         return GDI_ERROR;
-    cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
-    if (cairo_surface_status(image) != CAIRO_STATUS_SUCCESS) {
-        cairo_surface_destroy(image);
-        return GDI_ERROR;
-    }
     auto* copy = static_cast<unsigned char*>(std::malloc(header.biSizeImage));
-    if (!copy) {
-        cairo_surface_destroy(image);
-        return GDI_ERROR;
-    }
+    if (!copy) return GDI_ERROR;
     std::memcpy(copy, bits, header.biSizeImage);
-    cairo_surface_set_mime_data(image, CAIRO_MIME_TYPE_JPEG, copy, header.biSizeImage, std::free, copy);
-    cairo_save(mCairo);
-    cairo_translate(mCairo, xDest, yDest);
-    cairo_scale(mCairo, static_cast<double>(destWidth) / width, static_cast<double>(destHeight) / height);
-    cairo_set_source_surface(mCairo, image, 0, 0);
-    cairo_paint(mCairo);
-    cairo_restore(mCairo);
-    cairo_surface_destroy(image);
-    return cairo_status(mCairo) == CAIRO_STATUS_SUCCESS ? height : GDI_ERROR;
+    return paintJpegBlock(xDest, yDest, destWidth, destHeight, copy, header.biSizeImage, std::free, copy) ==
+                   GDI_ERROR
+               ? GDI_ERROR
+               : height;
+}
+
+namespace {
+
+void releaseContents(void* closure) {
+    delete static_cast<FileContents*>(closure);
+}
+
+}  // namespace
+
+// Read rather than mapped: a file that another program cuts short meanwhile gives fewer bytes, never
+// a fault while the page is written out.
+bool Canvas::drawJpegFile(int xDest, int yDest, int destWidth, int destHeight, const std::string& path) {
+    if (mKind != Kind::Pdf || destWidth <= 0 || destHeight <= 0) return false;
+    auto contents = std::make_unique<FileContents>();
+    if (!contents->open(path) || contents->size() < 3 || contents->data()[0] != 0xFF ||
+        contents->data()[1] != 0xD8)
+        return false;
+    const unsigned char* data = contents->data();
+    const unsigned long size = static_cast<unsigned long>(contents->size());
+    return paintJpegBlock(xDest, yDest, destWidth, destHeight, data, size, releaseContents,
+                          contents.release()) != GDI_ERROR;
 }
 
 bool Canvas::alphaBlend(const CRect& to, const Bitmap* source, const CRect& from) {

@@ -26,6 +26,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "orvanta/platform/CRect.h"
@@ -174,6 +175,11 @@ public:
     int stretchDIBits(int xDest, int yDest, int destWidth, int destHeight, int xSrc, int ySrc, int srcWidth,
                       int srcHeight, const void* bits, const BITMAPINFO& info);
 
+    // A JPEG file drawn as its own bytes, as a JPEG block is (PDF canvases only): the page keeps the
+    // bytes until it is written out, so the file may be deleted meanwhile. False when the canvas
+    // takes no JPEG blocks or the file is no JPEG.
+    bool drawJpegFile(int xDest, int yDest, int destWidth, int destHeight, const std::string& path);
+
     // AlphaBlend with the source's own alpha: the `from` part of a 32-bit top-down DIB section of
     // premultiplied pixels, scaled into `to` (the nearest pixel in COLORONCOLOR, filtered in
     // HALFTONE, never reaching outside `from`), over what is there. False for any other bitmap or
@@ -221,6 +227,10 @@ private:
                             int srcWidth, int srcHeight, const void* bits, const BITMAPINFO& info);
     int drawJpeg(int xDest, int yDest, int destWidth, int destHeight, const void* bits,
                  const BITMAPINFO& info);
+    // Paints a surface of width x height carrying the JPEG block as its MIME data (Cairo then calls
+    // release(closure) once it no longer needs the bytes).
+    int paintJpegBlock(int xDest, int yDest, int destWidth, int destHeight, const unsigned char* data,
+                       unsigned long size, void (*release)(void*), void* closure);
 
     cairo_surface_t* mSurface;
     cairo_t* mCairo;

@@ -125,14 +125,13 @@ void PrintTemplatePageRenderer::drawPicture(HDC dc, const CString& slot, unsigne
     const int width = static_cast<int>(size.cx * zoom), height = static_cast<int>(size.cy * zoom);
     ImageFile* file = asset ? asset->getImageFile() : nullptr;
     const bool drawn =
-        directJpeg && file &&
-        drawJpegFile(dc, x, y, width, height, file->getPath(), file->getPictureSize(), image, modified);
+        directJpeg && file && drawJpegFile(dc, x, y, width, height, file->getPath(), image, modified);
     if (!drawn) image->draw(dc, x, y, zoom);
     dc->restore(level);
 }
 
-bool drawJpegFile(HDC dc, int x, int y, int width, int height, const CString& sourcePath, CSize sourcePixels,
-                  Image* picture, bool modified) {
+bool drawJpegFile(HDC dc, int x, int y, int width, int height, const CString& sourcePath, Image* picture,
+                  bool modified) {
     if (!dc || dc->getKind() != Platform::Canvas::Kind::Pdf) return false;
     CString path = sourcePath;
     if (modified) {
@@ -142,20 +141,9 @@ bool drawJpegFile(HDC dc, int x, int y, int width, int height, const CString& so
             return false;
         }
     }
-    bool drawn = false;
-    OwnedPtr<File> file = File::create(path);
-    if (file->open(true)) {
-        const int size = file->getSize();
-        unsigned char* contents = size > 0 ? file->readAll() : nullptr;
-        if (contents && canDrawJpegDirect(dc, contents, size)) {
-            // The block keeps its file's pixel size (a reduced decode of an unchanged file is smaller);
-            // only its placement is the picture's.
-            const CSize pixels = modified ? picture->getSize() : sourcePixels;
-            drawn = Image::drawJpegDirect(dc, x, y, contents, size, pixels.cx, pixels.cy, width, height);
-        }
-        delete[] contents;
-        file->close();
-    }
+    // The block keeps its file's own pixels (a reduced decode of an unchanged file is smaller); only
+    // its placement is the picture's. The page has read the file, so a temporary one may go at once.
+    const bool drawn = dc->drawJpegFile(x, y, width, height, path.toUtf8());
     if (path != sourcePath) File::remove(path);
     return drawn;
 }

@@ -49,9 +49,9 @@ private:
 // Draws a JPEG file's bytes (or, when `picture` differs from the file, the picture encoded anew into
 // a temporary JPEG, deleted after) as a block the device embeds as it is, filling x, y, width x
 // height. False when the device takes no JPEG blocks or the bytes could not be had; the caller then
-// draws the pixels. sourcePath, of sourcePixels, is the file drawn unchanged, and the one whose
-// metadata a re-encoded picture keeps.
-bool drawJpegFile(HDC dc, int x, int y, int width, int height, const CString& sourcePath, CSize sourcePixels,
-                  Image* picture, bool modified);
+// draws the pixels. sourcePath is the file drawn unchanged, and the one whose metadata a re-encoded
+// picture keeps.
+bool drawJpegFile(HDC dc, int x, int y, int width, int height, const CString& sourcePath, Image* picture,
+                  bool modified);
 
 }  // namespace Orvanta

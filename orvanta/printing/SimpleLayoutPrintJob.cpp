@@ -363,8 +363,7 @@ bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
             }
             bool drawn = false;
             if (!isPreview && mPrinter && mPrinter->canDrawJpegs())
-                drawn = drawJpegFile(dc, x + innerX, y + innerY, draw.cx, draw.cy, path, filePixels, image,
-                                     modified);
+                drawn = drawJpegFile(dc, x + innerX, y + innerY, draw.cx, draw.cy, path, image, modified);
             if (!drawn && passThrough) {
                 // The device refused the file's bytes after all: its pixels are drawn instead.
                 passThrough = false;
