@@ -27,9 +27,9 @@ test-asan:
 	  ctest --output-on-failure -j $(JOBS)
 
 # Only the test programs that exercise threads (the message queue, events, timers, tasks, the window
-# loop woken by other threads, the clipboard's own thread) are built under ThreadSanitizer, to keep
-# the run short.
-TSAN_TESTS = test_platform test_foundation test_toolkit
+# loop woken by other threads, the clipboard's own thread, the print spooler's and preview's workers)
+# are built under ThreadSanitizer, to keep the run short.
+TSAN_TESTS = test_platform test_foundation test_toolkit test_printing
 test-tsan:
 	cmake -S . -B build/tsan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DORVANTA_TSAN=ON
 	cmake --build build/tsan -j $(JOBS) --target $(TSAN_TESTS)

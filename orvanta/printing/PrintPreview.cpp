@@ -2,7 +2,6 @@
 
 #include "orvanta/foundation/MulDiv.h"
 #include "orvanta/foundation/OrvantaSystem.h"
-#include "orvanta/foundation/Shell.h"
 #include "orvanta/platform/Canvas.h"
 
 namespace Orvanta {
@@ -69,8 +68,8 @@ void PrintPreview::stopWorker() {
     mWorker.join();
 }
 
-// On the worker: the page drawn by the job's own code into a recording at the screen's resolution,
-// with the printer's paper and printable area.
+// On the worker: the page drawn by the job's own code into a recording in the printer's own dots
+// (as a metafile made against the printer's context), paper and printable area; played back scaled.
 void PrintPreview::render(int page) {
     mJob->begin(mPrinter, 1);
     std::unique_ptr<Platform::Canvas> recording;
@@ -78,18 +77,7 @@ void PrintPreview::render(int page) {
     bool blank = false;
     if (mJob->canContinue(page)) {
         blank = mJob->isPageBlank(page);
-        const DEVMODEW* devMode = mJob->getDevModeForPrint(page, page);
-        const DeviceCaps printer = mPrinter->getPageCaps(devMode);
-        const Size screen = getScreenResolution();
-        DeviceCaps caps;
-        caps.dpiX = screen.cx;
-        caps.dpiY = screen.cy;
-        caps.paperWidth = MulDiv(printer.paperWidth, screen.cx, printer.dpiX);
-        caps.paperHeight = MulDiv(printer.paperHeight, screen.cy, printer.dpiY);
-        caps.offsetX = MulDiv(printer.offsetX, screen.cx, printer.dpiX);
-        caps.offsetY = MulDiv(printer.offsetY, screen.cy, printer.dpiY);
-        caps.printableWidth = MulDiv(printer.printableWidth, screen.cx, printer.dpiX);
-        caps.printableHeight = MulDiv(printer.printableHeight, screen.cy, printer.dpiY);
+        const DeviceCaps caps = mPrinter->getPageCaps(mJob->getDevModeForPrint(page, page));
         paper = CSize(caps.paperWidth, caps.paperHeight);
         if (paper.cx > 0 && paper.cy > 0) {
             recording = Platform::Canvas::createRecording(CRect(0, 0, paper.cx, paper.cy));
