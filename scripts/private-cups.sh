@@ -1,22 +1,27 @@
 #!/usr/bin/env bash
-# A private CUPS server of one printer, "Demo", that saves each job as DIR/out/job-ID.pdf: its own
-# folder, socket and configuration, nothing of the system's print setup touched. The printer
-# description and the saving backend are the printing tests' own (tests/printing/cups).
-# Usage: private-cups.sh start DIR    (prints the CUPS_SERVER value to use)
-#        private-cups.sh stop DIR     (stops it by its process id)
+# A private CUPS server whose printers (the first one the default; "Demo" when none is named) save
+# each job as DIR/out/job-ID.pdf: its own folder, socket and configuration, nothing of the system's
+# print setup touched. The printer description and the saving backend are the printing tests' own
+# (tests/printing/cups); the tests run the server themselves from the configuration made here.
+# Usage: private-cups.sh configure DIR [PRINTER...]   (writes DIR/conf: cupsd -f -c DIR/conf/cupsd.conf
+#                                                     -s DIR/conf/cups-files.conf serves DIR/cups.sock)
+#        private-cups.sh start DIR [PRINTER...]       (configures, starts it, prints the CUPS_SERVER value)
+#        private-cups.sh stop DIR                     (stops it by its process id)
 set -euo pipefail
 action=$1
 dir=$(mkdir -p "$2" && cd "$2" && pwd)
+shift 2
+printers=("$@")
+[ ${#printers[@]} -gt 0 ] || printers=(Demo)
 here=$(cd "$(dirname "$0")" && pwd)
 cups="$here/../tests/printing/cups"
 
-case "$action" in
-start)
+configure() {
   rm -rf "$dir/conf" "$dir/bin" "$dir/spool" "$dir/out"
   mkdir -p "$dir"/{conf/ppd,bin/backend,bin/filter,spool/tmp,cache,state,log,out}
   ln -s /usr/lib/cups/daemon "$dir/bin/daemon"
   install -m 755 "$cups/save-backend" "$dir/bin/backend/save"
-  cp "$cups/orvanta-test.ppd" "$dir/conf/ppd/Demo.ppd"
+  for printer in "${printers[@]}"; do cp "$cups/orvanta-test.ppd" "$dir/conf/ppd/$printer.ppd"; done
   # The server runs its backend as lp, which must reach the folders and write the jobs.
   chmod 755 "$dir" "$dir/bin" "$dir/bin/backend" "$dir/conf" "$dir/conf/ppd"
   chmod 777 "$dir/out" "$dir/spool" "$dir/spool/tmp" "$dir/cache" "$dir/state" "$dir/log"
@@ -53,16 +58,21 @@ PageLog $dir/log/page_log
 Sandboxing Relaxed
 FileDevice Yes
 CONF
-  cat > "$dir/conf/printers.conf" <<CONF
-<DefaultPrinter Demo>
-Info Demo
-MakeModel Orvanta Test Printer
-DeviceURI save:$dir/out
-State Idle
-Accepting Yes
-Shared No
-</DefaultPrinter>
-CONF
+  : > "$dir/conf/printers.conf"
+  tag=DefaultPrinter
+  for printer in "${printers[@]}"; do
+    printf '<%s %s>\nInfo %s\nMakeModel Orvanta Test Printer\nDeviceURI save:%s\nState Idle\nAccepting Yes\nShared No\n</%s>\n' \
+      "$tag" "$printer" "$printer" "$dir/out" "$tag" >> "$dir/conf/printers.conf"
+    tag=Printer
+  done
+}
+
+case "$action" in
+configure)
+  configure
+  ;;
+start)
+  configure
   # Its output goes to a file: an open standard output would keep the caller's $(...) waiting.
   /usr/sbin/cupsd -f -c "$dir/conf/cupsd.conf" -s "$dir/conf/cups-files.conf" > "$dir/log/cupsd.out" 2>&1 &
   echo $! > "$dir/cupsd.pid"

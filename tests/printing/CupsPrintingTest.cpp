@@ -157,50 +157,47 @@ TEST_F(Spooling, AJobReachesThePrinterWholeAndOnlyThenIsReportedPrinted) {
     EXPECT_EQ(0u, leftovers());
 }
 
-TEST_F(Spooling, NoServerAServerGoneMidJobOrAnAbortEndWithoutTheEventOrLeftovers) {
+// No server, a server gone mid-job or an abort end without the event, and leave nothing behind; a
+// job's own cancel completes the page it is on, and what it drew is printed.
+TEST_F(Spooling, FailuresAndAbortsEndWithoutTheEventOrLeftoversWhileACancelledJobStillPrints) {
     REQUIRE_CUPSD();
-    enum Fault { NoServer, ServerStops, Abort };
-    for (Fault fault : {NoServer, ServerStops, Abort}) {
+    enum Fault { NoServer, ServerStops, Abort, Cancel };
+    for (Fault fault : {NoServer, ServerStops, Abort, Cancel}) {
         SCOPED_TRACE(fault);
+        listener.codes.clear();
         CupsServer server;
         OwnedPtr<PrinterManager> manager = PrinterManager::create();
         OwnedPtr<Printer> printer = manager->getDefaultPrinter();
         ASSERT_TRUE(printer);
         printer->getDevMode();
         OwnedPtr<PrintSpooler> spooler = PrintSpooler::create(&listener);
+        OwnedPtr<SimpleLayoutPrintJob> job = onePerPage();
         if (fault == NoServer) server.stop();
         struct Context {
             Fault fault;
             CupsServer* server;
             PrintSpooler* spooler;
-        } context{fault, &server, spooler};
+            PrintJob* job;
+        } context{fault, &server, spooler, job};
         spooler->setPageCallback(
             [](void* c, int done, int) {
                 auto* context = static_cast<Context*>(c);
                 if (done != 1) return;
                 if (context->fault == ServerStops) context->server->stop();
                 if (context->fault == Abort) context->spooler->abort();
+                if (context->fault == Cancel) context->job->cancel();
             },
             &context);
-        OwnedPtr<SimpleLayoutPrintJob> job = onePerPage();
-        EXPECT_TRUE(print(spooler, job, printer).empty());
-        EXPECT_FALSE(spooler->wasPrinted());
-        EXPECT_FALSE(spooler->getError().empty());
+        const bool printed = fault == Cancel;
+        EXPECT_EQ(printed, !print(spooler, job, printer).empty());
+        EXPECT_EQ(printed, spooler->wasPrinted());
+        EXPECT_EQ(printed, spooler->getError().empty());
         EXPECT_EQ(0u, leftovers());
-        EXPECT_TRUE(fs::is_empty(server.outputFolder()));
+        if (printed)
+            EXPECT_FALSE(server.waitForJob(spooler->getJobId()).empty());
+        else
+            EXPECT_TRUE(fs::is_empty(server.outputFolder()));
     }
-}
-
-// A cancelled job completes the page it is on, and what it drew is printed.
-TEST_F(Spooling, ACancelledJobStillSendsWhatItDrew) {
-    REQUIRE_CUPSD();
-    CupsServer server;
-    OwnedPtr<PrinterManager> manager = PrinterManager::create();
-    OwnedPtr<PrintSpooler> spooler = PrintSpooler::create(&listener);
-    OwnedPtr<SimpleLayoutPrintJob> job = onePerPage();
-    spooler->setPageCallback([](void* job, int, int) { static_cast<PrintJob*>(job)->cancel(); }, job.get());
-    EXPECT_EQ(std::vector<int>{PrintSpooler::kPrinted}, print(spooler, job, manager->getDefaultPrinter()));
-    EXPECT_FALSE(server.waitForJob(spooler->getJobId()).empty());
 }
 
 TEST(PrintCommand, PrintersAreListedWithPapersAndAPrintGoesToTheNamedPrinter) {

@@ -98,30 +98,6 @@ TEST_F(LayoutGrid, PagesHoldTheCopiesOfOnePictureTogetherOrOnePictureEachWhenFil
     }
 }
 
-TEST_F(LayoutGrid, ContactSheetsAndWholeListSheetsPrintEachPictureOnceUnturned) {
-    const struct {
-        Layout::Category category;
-        int copies;
-        bool fill, rotate, crop;
-    } cases[] = {
-        {Layout::ContactSheet, 1, false, false, false},
-        {Layout::AllOnOnePage, 1, false, true, true},
-        {Layout::PrintSize, 3, true, true, true},
-    };
-    for (const auto& c : cases) {
-        OwnedPtr<Layout> layout = Layout::create(u"", Size(100, 100), 0, c.category);
-        OwnedPtr<SimpleLayoutPrintJob> job = jobOf(1, layout);
-        job->setCopies(3);
-        job->setFillPage(true);
-        job->setRotateToFit(true);
-        job->setCropToFill(true);
-        EXPECT_EQ(c.copies, job->getCopies()) << c.category;
-        EXPECT_EQ(c.fill, job->getFillPage()) << c.category;
-        EXPECT_EQ(c.rotate, job->getRotateToFit()) << c.category;
-        EXPECT_EQ(c.crop, job->getCropToFill()) << c.category;
-    }
-}
-
 TEST(TemplatePrintJob, PagesAreAddedInsertedAndRemovedAndEachTakesItsTemplatesOrientation) {
     OwnedPtr<TemplatePrintJob> job = TemplatePrintJob::create(u"t");
     OwnedPtr<PrintTemplate> wide = PrintTemplate::create(u"w", u"", 11000, 8500);

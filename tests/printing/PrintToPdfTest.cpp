@@ -58,6 +58,9 @@ TEST_F(PrintToPdf, GridsCopiesAndLimitsMakeTheirPagesAndReencodeOnlyWhatTheyShri
     writeQuadrantJpeg(dir.file("a.jpg"), 1600, 1200);
     writeQuadrantJpeg(dir.file("b.jpg"), 1200, 1600);
     const std::string a = " '" + dir.file("a.jpg") + "'", b = " '" + dir.file("b.jpg") + "'";
+    writeFileBytes(dir.file("two.tpl"),
+                   "# two photos side by side\npaper 11000 8500\nimage left 500 500 5250 6500\n"
+                   "image right 5750 500 10500 6500\ntext title 500 7000 10500 8000 Holidays\n");
     const struct {
         std::string options;
         int pages;
@@ -70,6 +73,8 @@ TEST_F(PrintToPdf, GridsCopiesAndLimitsMakeTheirPagesAndReencodeOnlyWhatTheyShri
         // 1600 dots across 11 inches is 145 dpi: a limit of 100 shrinks and encodes anew
         {"--max-dpi 100" + a, 1, 1, false},
         {"--paper A4" + a, 1, 1, true},
+        // the photos fill the template's two slots page after page
+        {"--template '" + dir.file("two.tpl") + "'" + a + b + a, 2, 3, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.options);
@@ -92,6 +97,7 @@ TEST_F(PrintToPdf, BadArgumentsAndUnreadablePhotosWriteNothing) {
         {"", 2},
         {"--layout 0x3 '" + dir.file("broken.jpg") + "'", 2},
         {"--paper Tabloid '" + dir.file("broken.jpg") + "'", 2},
+        {"--template '" + dir.file("missing.tpl") + "' '" + dir.file("broken.jpg") + "'", 1},
         {"'" + dir.file("broken.jpg") + "'", 1},
         {"'" + dir.file("missing.jpg") + "'", 1},
     };

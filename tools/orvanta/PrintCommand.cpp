@@ -11,6 +11,7 @@
 #include "Commands.h"
 #include "InterruptWatcher.h"
 #include "ProgressBar.h"
+#include "TemplateFile.h"
 #include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/OrvantaSystem.h"
@@ -38,6 +39,7 @@ struct Options {
     int copies = 1;
     int maxDpi = 0;  // 0: the job's own limit for a printer, none for a PDF file
     std::string pdf;
+    std::string templateFile;
     std::vector<std::string> photos;
 };
 
@@ -56,6 +58,8 @@ bool parse(const Arguments& arguments, Options& options) {
         } else if (a == "--copies" && hasValue) {
             options.copies = std::atoi(arguments[++i].c_str());
             if (options.copies < 1) return false;
+        } else if (a == "--template" && hasValue) {
+            options.templateFile = arguments[++i];
         } else if (a == "--max-dpi" && hasValue) {
             options.maxDpi = std::atoi(arguments[++i].c_str());
             if (options.maxDpi < 1) return false;
@@ -121,9 +125,10 @@ struct Progress {
 int runPrint(const Arguments& arguments) {
     Options options;
     if (!parse(arguments, options)) {
-        std::fprintf(stderr,
-                     "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS] [--copies N] "
-                     "[--max-dpi N] [--to-pdf FILE] PHOTO...\n");
+        std::fprintf(
+            stderr,
+            "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS | --template FILE] "
+            "[--copies N] [--max-dpi N] [--to-pdf FILE] PHOTO...\n");
         return 2;
     }
     orvantaIUInit();
@@ -164,16 +169,30 @@ int runPrint(const Arguments& arguments) {
         }
         assets.push_back(asset);
     }
-    OwnedPtr<SimpleLayoutPrintJob> job = SimpleLayoutPrintJob::create(assets, u"orvanta print");
-    OwnedPtr<Layout> layout = layoutFor(options, printer);
-    if (!layout) {
-        std::fprintf(stderr, "orvanta print: a %dx%d grid does not fit the paper\n", options.columns,
-                     options.rows);
-        orvantaIUDeInit();
-        return 2;
+    OwnedPtr<PrintJob> job;
+    if (!options.templateFile.empty()) {
+        std::string error;
+        job = readTemplateJob(options.templateFile, assets, error);
+        if (!job) {
+            std::fprintf(stderr, "orvanta print: %s\n", error.c_str());
+            for (Asset* asset : assets) OwnedPtr<Asset> drop(asset);
+            orvantaIUDeInit();
+            return 2;
+        }
+    } else {
+        OwnedPtr<Layout> layout = layoutFor(options, printer);
+        if (!layout) {
+            std::fprintf(stderr, "orvanta print: a %dx%d grid does not fit the paper\n", options.columns,
+                         options.rows);
+            for (Asset* asset : assets) OwnedPtr<Asset> drop(asset);
+            orvantaIUDeInit();
+            return 2;
+        }
+        OwnedPtr<SimpleLayoutPrintJob> layoutJob = SimpleLayoutPrintJob::create(assets, u"orvanta print");
+        layoutJob->setLayout(layout);
+        layoutJob->setCopies(options.copies);
+        job = layoutJob;
     }
-    job->setLayout(layout);
-    job->setCopies(options.copies);
     // A PDF file keeps each photo as it is unless a limit is asked for; a printer gets the job's own.
     if (options.maxDpi > 0)
         job->setMaxDpi(options.maxDpi);

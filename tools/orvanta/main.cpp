@@ -114,12 +114,19 @@ const std::vector<Command>& commands() {
          "Exit status 0 on success, 1 if a file could not be read or written, 2 on bad arguments.\n",
          runThumb},
         {"print", "print PHOTO...      prints photographs, one a page or in a grid, or into a PDF file",
-         "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS] [--copies N]\n"
-         "                     [--max-dpi N] [--to-pdf FILE] PHOTO...\n"
+         "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS | --template FILE]\n"
+         "                     [--copies N] [--max-dpi N] [--to-pdf FILE] PHOTO...\n"
          "Prints the photographs through the print system (CUPS), on the default printer or NAME.\n"
          "  --paper NAME        a paper of the printer by its name (see orvanta printers)\n"
          "  --layout CxR        C columns by R rows of captioned pictures on each page (a contact\n"
          "                      sheet); 1x1, the default, is one picture a page, turned to suit it\n"
+         "  --template FILE     pages of a print template instead of a grid: FILE has the lines\n"
+         "                        paper WIDTH HEIGHT\n"
+         "                        image NAME LEFT TOP RIGHT BOTTOM\n"
+         "                        text NAME LEFT TOP RIGHT BOTTOM TEXT...\n"
+         "                      in thousandths of an inch from the paper's corner (# starts a comment);\n"
+         "                      the photos fill the image slots in name order, page after page, each\n"
+         "                      filling its slot, centred\n"
          "  --copies N          each picture N times, the copies side by side\n"
          "  --max-dpi N         photos finer than N dots per inch on the page are reduced to it (default\n"
          "                      300 on a printer; with --to-pdf photos are kept as they are)\n"
