@@ -63,22 +63,6 @@ std::unique_ptr<Platform::Canvas> deviceAt(int dpiX, int dpiY) {
 
 namespace OrvantaTest {
 
-PdfDocument::PdfDocument(int dpi, int paperWidth, int paperHeight) {
-    mCanvas = Platform::Canvas::createPdf(
-        [this](const unsigned char* data, unsigned int length) {
-            mBytes.append(reinterpret_cast<const char*>(data), length);
-            return true;
-        },
-        paperWidth * 72.0 / dpi, paperHeight * 72.0 / dpi);
-    DeviceCaps caps{dpi, dpi, paperWidth, paperHeight, 0, 0, paperWidth, paperHeight};
-    mCanvas->setDeviceCaps(caps);
-}
-
-void PdfDocument::save(const std::string& path) {
-    mCanvas->finish();
-    writeFileBytes(path, mBytes);
-}
-
 std::string commandOutput(const std::string& command) {
     std::string output;
     if (FILE* pipe = popen(command.c_str(), "r")) {

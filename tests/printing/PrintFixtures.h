@@ -25,20 +25,6 @@ std::unique_ptr<Orvanta::Platform::Canvas> deviceAt(int dpiX, int dpiY = 0);
 
 namespace OrvantaTest {
 
-// A PDF document of pages drawn at a printer's resolution, kept in memory until written out.
-class PdfDocument {
-public:
-    // Pages of paper x paper pixels at dpi, printable everywhere.
-    PdfDocument(int dpi, int paperWidth, int paperHeight);
-    Orvanta::Platform::Canvas* canvas() { return mCanvas.get(); }
-    // Finishes the document and writes it to path.
-    void save(const std::string& path);
-
-private:
-    std::string mBytes;
-    std::unique_ptr<Orvanta::Platform::Canvas> mCanvas;
-};
-
 // The JPEG blocks of a PDF file as pdfimages -j extracts them, in page order; empty when
 // poppler-utils are missing.
 std::vector<std::string> pdfJpegs(const std::string& pdf, const std::string& folder);

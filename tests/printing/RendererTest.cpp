@@ -10,6 +10,7 @@
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/pixels/DibSection.h"
+#include "orvanta/platform/PrintDocument.h"
 #include "orvanta/printing/PrintTemplatePageRenderer.h"
 #include "tests/printing/PrintFixtures.h"
 #include "tests/support/TempDir.h"
@@ -114,6 +115,13 @@ protected:
         else
             setenv("TMPDIR", oldTmp.c_str(), 1);
     }
+    // The page drawn on Letter at 300 dpi, printable everywhere, into page.pdf.
+    void printPage(unsigned maxDpi, bool directJpeg) {
+        auto document = Platform::PrintDocument::create(dir.path());
+        renderer->draw(document->startPage(DeviceCaps{300, 300, 2550, 3300, 0, 0, 2550, 3300}), 0, 0, page,
+                       maxDpi, directJpeg);
+        ASSERT_TRUE(document->finish() && document->keepAs(dir.file("page.pdf")));
+    }
     void place(const char16_t* slot, const std::string& file) {
         OwnedPtr<Asset> asset = assetOf(dir.file(file));
         page->setAsset(Platform::Canvas::createScreenContext().get(), slot, asset);
@@ -137,9 +145,7 @@ TEST_F(PageRendering, APdfPageTakesUnchangedFilesAsTheyAreAndChangedOrCappedOnes
     place(u"b", "small.jpg");
     page->rotateSlot(Platform::Canvas::createScreenContext().get(), u"b", 90);
     place(u"c", "large.jpg");
-    PdfDocument pdf(300, 2550, 3300);
-    renderer->draw(pdf.canvas(), 0, 0, page, 300, true);
-    pdf.save(dir.file("page.pdf"));
+    printPage(300, true);
 
     const std::vector<PdfImage> images = pdfImages(dir.file("page.pdf"));
     ASSERT_EQ(3u, images.size());
@@ -172,9 +178,7 @@ TEST_F(PageRendering, TheLimitChoosesWorkingCopyOrFileAndAFileThatCannotBeReadBe
                  {300, true, {}}};
     for (const auto& c : cases) {
         if (c.fileGone) std::filesystem::remove(dir.file("large.jpg"));
-        PdfDocument pdf(300, 2550, 3300);
-        renderer->draw(pdf.canvas(), 0, 0, page, c.maxDpi, false);
-        pdf.save(dir.file("page.pdf"));
+        printPage(c.maxDpi, false);
         std::vector<std::pair<int, int>> sizes;
         for (const PdfImage& image : pdfImages(dir.file("page.pdf"))) {
             sizes.emplace_back(image.width, image.height);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <tuple>
 
 #include "orvanta/foundation/MulDiv.h"
 #include "orvanta/pixels/ByteDib.h"
@@ -99,16 +100,11 @@ TEST(PrintTemplate, SlotsGoInCodeUnitOrderAndALookUpOfAnUnknownNameAddsAnEmptyEn
     EXPECT_EQ(nullptr, design->getSlot(u"Z"));
     EXPECT_EQ(5, design->getSlotCount());
     EXPECT_EQ("AB", walk());
-}
-
-TEST(PrintTemplate, OrientationIsLandscapeOnlyWhenWiderThanHigh) {
-    const struct {
-        int width, height, orientation;
-    } cases[] = {{8500, 11000, 1}, {11000, 8500, 2}, {5000, 5000, 1}};
-    for (const auto& c : cases)
-        EXPECT_EQ(
-            c.orientation,
-            OwnedPtr<PrintTemplate>(PrintTemplate::create(u"", u"", c.width, c.height))->getOrientation());
+    // Landscape only when wider than high: a square is portrait.
+    for (const auto& [width, height, orientation] :
+         {std::tuple{8500, 11000, 1}, {11000, 8500, 2}, {5000, 5000, 1}})
+        EXPECT_EQ(orientation,
+                  OwnedPtr<PrintTemplate>(PrintTemplate::create(u"", u"", width, height))->getOrientation());
 }
 
 TEST(PrintTemplate, TheSlotAtAPointIsTheFirstByNameWhoseRectangleHoldsItRightAndBottomEdgesOut) {
@@ -172,33 +168,29 @@ protected:
 
 // 3000 x 2000 in a 2 x 1 inch slot prints at 1500 x 2000 dpi; the screen's 96 asks for the larger
 // ratio (0.064): 192 x 128, resampled from the codec's eighth (375 x 250). Filling the slot on each
-// device, the picture overhangs vertically, and the offset is kept in thousandths.
+// device, the picture overhangs vertically; the offset is kept in thousandths (-16 px at 96 and -200
+// at 1200 are both -167). A picture smaller than the slot at 96 dpi loads whole and is enlarged.
 TEST_F(TemplatePage, AWorkingCopyIsAtScreenResolutionFilledAndCentredOnEachDevice) {
-    const struct {
-        int dpi;
-        double zoom;
-        CPoint offset;
-    } cases[] = {{96, 1.0, {0, -16}}, {1200, 12.5, {0, -200}}};
-    for (const auto& c : cases) {
-        auto dc = deviceAt(c.dpi);
-        page->setAsset(dc.get(), u"p", big);
-        ASSERT_TRUE(page->getImage(u"p"));
-        EXPECT_EQ(CSize(192, 128), page->getImage(u"p")->getSize());
-        EXPECT_DOUBLE_EQ(c.zoom, page->getZoom(u"p"));
-        EXPECT_EQ(c.offset, page->getOffset(dc.get(), u"p")) << c.dpi;
-        // -16 px at 96 and -200 px at 1200 are both -167 thousandths.
-        EXPECT_EQ(CPoint(0, -167), page->getOffset(deviceAt(1000).get(), u"p"));
-    }
-}
-
-TEST_F(TemplatePage, ASmallPictureLoadsAtItsOwnSizeAndIsEnlargedToFill) {
     writeQuadrantJpeg(dir.file("small.jpg"), 100, 50);
     OwnedPtr<Asset> small = assetOf(dir.file("small.jpg"));
-    auto dc = deviceAt(96);
-    page->setAsset(dc.get(), u"p", small);
-    EXPECT_EQ(CSize(100, 50), page->getImage(u"p")->getSize());
-    EXPECT_DOUBLE_EQ(1.92, page->getZoom(u"p"));
-    EXPECT_EQ(CPoint(0, 0), page->getOffset(dc.get(), u"p"));
+    const struct {
+        Asset* asset;
+        int dpi;
+        CSize copy;
+        double zoom;
+        int offsetY, thousandths;
+    } cases[] = {{big, 96, {192, 128}, 1.0, -16, -167},
+                 {big, 1200, {192, 128}, 12.5, -200, -167},
+                 {small, 96, {100, 50}, 1.92, 0, 0}};
+    for (const auto& c : cases) {
+        auto dc = deviceAt(c.dpi);
+        page->setAsset(dc.get(), u"p", c.asset);
+        ASSERT_TRUE(page->getImage(u"p"));
+        EXPECT_EQ(c.copy, page->getImage(u"p")->getSize());
+        EXPECT_DOUBLE_EQ(c.zoom, page->getZoom(u"p"));
+        EXPECT_EQ(CPoint(0, c.offsetY), page->getOffset(dc.get(), u"p")) << c.dpi;
+        EXPECT_EQ(CPoint(0, c.thousandths), page->getOffset(deviceAt(1000).get(), u"p"));
+    }
 }
 
 TEST_F(TemplatePage, TurnsAddUpModuloThreeSixtyAndEachRefitsAndRecentres) {
