@@ -27,9 +27,11 @@ test-asan:
 	  ctest --output-on-failure -j $(JOBS)
 
 # Only the test programs that exercise threads (the message queue, events, timers, tasks, the window
-# loop woken by other threads, the clipboard's own thread, the print spooler's and preview's workers)
-# are built under ThreadSanitizer, to keep the run short.
-TSAN_TESTS = test_platform test_foundation test_toolkit test_printing
+# loop woken by other threads, the clipboard's own thread, asset lists changed and walked from two
+# threads, the thumbnail store's workers, a folder walk cancelled from another thread, the
+# single-instance socket's thread, the print spooler's and preview's workers) are built under
+# ThreadSanitizer, to keep the run short.
+TSAN_TESTS = test_platform test_foundation test_toolkit test_assets test_desktop test_printing
 test-tsan:
 	cmake -S . -B build/tsan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DORVANTA_TSAN=ON
 	cmake --build build/tsan -j $(JOBS) --target $(TSAN_TESTS)
@@ -46,6 +48,9 @@ fuzz: deps
 demo: build
 	bash scripts/demo.sh build/release/bin/orvanta
 
+# The benchmark programs and the comparisons with the reference tools, ending with the speed table.
+# BENCH_BASELINE=<folder> adds the figures of an earlier version built there the same way (its
+# release build with -DORVANTA_BENCH=ON), each beside the figure of this one.
 bench:
 	@bash scripts/install-deps.sh --bench
 	cmake -S . -B build/bench $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DORVANTA_TESTS=OFF -DORVANTA_BENCH=ON

@@ -90,6 +90,22 @@ rm -f "$out/catalogue.db"
 "$orvanta" db dump "$out/catalogue.db" | head -n 14
 
 echo
+echo "== The wallpaper photographs and the test videos imported into a catalogue with their thumbnails (orvanta catalog)"
+rm -rf "$out/catalog.db" "$out/catalog.db-thumbnails" "$out/catalog-thumbnails"
+videos=()
+[ -d ../shared/testdata/video ] && videos=(../shared/testdata/video)
+"$orvanta" catalog import --catalog "$out/catalog.db" /usr/share/backgrounds "${videos[@]}" | tail -n 1
+echo "-- by date (ID, date, path), the first 12:"
+"$orvanta" catalog list --catalog "$out/catalog.db" | head -n 12
+echo "-- their stored thumbnails, exported:"
+mkdir -p "$out/catalog-thumbnails"
+while IFS=$'\t' read -r id _ path; do
+  name=$(basename "$path")
+  "$orvanta" catalog thumb --catalog "$out/catalog.db" "$id" "$out/catalog-thumbnails/${name%.*}.jpg"
+done < <("$orvanta" catalog list --catalog "$out/catalog.db" | head -n 12)
+"$orvanta" catalog stats --catalog "$out/catalog.db" | grep -E '^(assets|photos|videos|earliest|latest)'
+
+echo
 echo "== A window of the toolkit's controls, drawn offscreen with the first photograph (orvanta-window-demo)"
 "$(dirname "$orvanta")/orvanta-window-demo" "$out/window.png" "$first"
 

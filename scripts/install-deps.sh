@@ -15,14 +15,21 @@ packages=(
   libgtest-dev
   libgmock-dev
   libbenchmark-dev
-  # the record store's benchmark compares with these two stores in the same program
+  # the record store's benchmark compares with these two stores in the same program, the
+  # catalogue's benchmark with SQLite
   libsqlite3-dev
   liblmdb-dev
+  # the thumbnail store's benchmark reads the same thumbnails as PNG files of the freedesktop cache
+  libpng-dev
   # libraries the engine links
   libicu-dev
-  # identifiers (libuuid) and desktop services: opening documents, display settings (GIO)
+  # identifiers (libuuid) and desktop services: opening documents, display settings, the
+  # preferences file (GLib's key files), the wallpaper (GNOME's settings schemas, read back by the
+  # tests with gsettings)
   uuid-dev
   libglib2.0-dev
+  gsettings-desktop-schemas
+  libglib2.0-bin
   # picture scaling by the platform (pixman compositing)
   libpixman-1-dev
   # JPEG and TIFF codecs: libjpeg-turbo (scaled decoding, the coefficients of lossless turns),

@@ -497,19 +497,48 @@ int IntelJpegCodec::writeKeepingMetadata(Dib* dib, const char16_t* path, const c
     return last > 0 ? last : 1;
 }
 
-Dib* IntelJpegCodec::readEmbeddedThumbnail(const char16_t* path) {
-    if (!hasEmbeddedThumbnail()) return nullptr;
+std::vector<unsigned char> IntelJpegCodec::readEmbeddedThumbnailBytes(const char16_t* path) {
     try {
-        const JpegMarkerMap map(path);
+        const JpegMarkerMap map(path, JpegMarkerMap::kSegments);
         const JpegMarkerMap::Segment* segment = findExifSegment(map);
-        if (!segment) return nullptr;
+        if (!segment) return {};
         const std::unique_ptr<ExifThumbnail> exif =
             ExifThumbnail::load(map.getData() + segment->offset, segment->length);
-        if (!exif || exif->getThumbnailSize() <= 0) return nullptr;
-        return readFromMemory(exif->getThumbnail(), exif->getThumbnailSize(), nullptr, 0, 0);
+        if (!exif || exif->getThumbnailSize() <= 0) return {};
+        return std::vector<unsigned char>(exif->getThumbnail(),
+                                          exif->getThumbnail() + exif->getThumbnailSize());
+    } catch (...) {
+        return {};
+    }
+}
+
+Dib* IntelJpegCodec::readEmbeddedThumbnail(const char16_t* path) {
+    if (!hasEmbeddedThumbnail()) return nullptr;
+    const std::vector<unsigned char> thumbnail = readEmbeddedThumbnailBytes(path);
+    if (thumbnail.empty()) return nullptr;
+    try {
+        return readFromMemory(thumbnail.data(), static_cast<int>(thumbnail.size()), nullptr, 0, 0);
     } catch (...) {
         return nullptr;
     }
+}
+
+int IntelJpegCodec::copyEmbeddedThumbnail(const char16_t* source, const char16_t* destination, int maxWidth,
+                                          int maxHeight, CSize* size) {
+    if (!hasEmbeddedThumbnail()) return 0;
+    const std::vector<unsigned char> thumbnail = readEmbeddedThumbnailBytes(source);
+    if (thumbnail.empty()) return 0;
+    CSize stored(0, 0);
+    try {
+        getInfoFromMemory(thumbnail.data(), static_cast<int>(thumbnail.size()), &stored, nullptr);
+    } catch (...) {
+        return 0;
+    }
+    if (stored.cx > maxWidth || stored.cy > maxHeight) return 0;
+    ReplacementFile out(CString(destination).toUtf8());
+    if (!out.open() || !out.write(thumbnail.data(), thumbnail.size()) || !out.commit()) return -1;
+    if (size) *size = stored;
+    return 1;
 }
 
 void IntelJpegCodec::writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail) {
@@ -579,9 +608,10 @@ bool IntelJpegCodec::rotateFile(const char16_t* path, RotateOp* op) {
     FileContents source;
     if (!source.open(target) || source.size() == 0) throw Exception(u"Cannot read src file");
     keepTimes(out);
-    std::vector<unsigned char> rotated;
-    return rotateJpeg(source.data(), static_cast<std::size_t>(source.size()), angle, &rotated) &&
-           out.write(rotated.data(), rotated.size()) && out.commit();
+    const JpegWriter write = [&out](const unsigned char* bytes, std::size_t count) {
+        return out.write(bytes, count);
+    };
+    return rotateJpeg(source.data(), static_cast<std::size_t>(source.size()), angle, write) && out.commit();
 }
 
 }  // namespace Orvanta

@@ -14,6 +14,8 @@
 // Files are never reported as draft: the engine does not recover the quality a file was written
 // at, so getInfo reports ImageQualityHigh for every readable file.
 
+#include <vector>
+
 #include "orvanta/codecs/ImageCodec.h"
 
 namespace Orvanta {
@@ -26,7 +28,16 @@ public:
     bool hasEmbeddedThumbnail() override { return true; }
     bool useEmbeddedThumbnail() override;
     // The picture stored in the file's EXIF block, decoded; null when there is none or it is unusable.
+    // Only the file's segments before the scan are read.
     Dib* readEmbeddedThumbnail(const char16_t* path) override;
+    // The JPEG picture stored in the file's EXIF block, byte for byte; empty when there is none.
+    std::vector<unsigned char> readEmbeddedThumbnailBytes(const char16_t* path);
+    // Writes the picture stored in source's EXIF block to destination as it is stored, neither
+    // decoded nor encoded again, when its header reads and it fits in maxWidth x maxHeight; *size
+    // is then its size. Answers above 0 when written; 0, with nothing written, when there is no
+    // such picture; below 0 when destination could not be written (the reason is the last error).
+    int copyEmbeddedThumbnail(const char16_t* source, const char16_t* destination, int maxWidth,
+                              int maxHeight, CSize* size);
     // Replaces the EXIF thumbnail by the given picture, or removes it when thumbnail is null. A file
     // without an EXIF block is left alone. The file's times are kept.
     void writeEmbeddedThumbnail(const char16_t* path, Dib* thumbnail) override;

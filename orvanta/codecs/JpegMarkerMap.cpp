@@ -11,11 +11,36 @@ namespace Orvanta {
 
 using namespace JpegFormat;
 
-JpegMarkerMap::JpegMarkerMap(const char16_t* path) {
-    if (!path || !mFile.open(CString(path).toUtf8())) return;
+namespace {
+
+// Enough for the segments before the scan of nearly every photograph: an EXIF block with its
+// thumbnail fills one segment of at most 64 KiB.
+constexpr std::size_t kSegmentsPrefix = 128 * 1024;
+
+}  // namespace
+
+JpegMarkerMap::JpegMarkerMap(const char16_t* path, Reach reach) {
+    if (!path || !mFile.open(CString(path).toUtf8(),
+                             reach == kSegments ? kSegmentsPrefix : Platform::FileContents::kWhole))
+        return;
     mData = mFile.data();
     mSize = mFile.size();
-    parse();
+    if (mFile.isComplete()) {
+        parse();
+        return;
+    }
+    try {
+        parse();
+    } catch (const std::domain_error&) {
+        // The segments run on past the beginning read: the whole file decides. A file that can no
+        // longer be read gives an empty map, as one that could not be opened does.
+        mData = nullptr;
+        mSize = 0;
+        if (!mFile.extend()) return;
+        mData = mFile.data();
+        mSize = mFile.size();
+        parse();
+    }
 }
 
 JpegMarkerMap::JpegMarkerMap(const void* data, int size)

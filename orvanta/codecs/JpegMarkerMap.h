@@ -6,8 +6,10 @@
 // Input that starts like a JPEG but whose segments run past its end, or end before a scan, throws
 // std::domain_error "Cannot load JPEG file". Every marker is taken to carry a length. After the
 // first SOS segment comes one pseudo-segment, marker kEntropyData, holding the rest of the bytes.
-// A memory block must outlive the map; a file is read whole and kept for the map's lifetime. The EXIF block
-// (the first APP1, when it is an EXIF segment) is copied from its TIFF header on.
+// A memory block must outlive the map; a file is read whole, or with kSegments only as far as its
+// segments before the scan need (the pseudo-segment then holds what was read of the rest), and kept
+// for the map's lifetime. The EXIF block (the first APP1, when it is an EXIF segment) is copied from
+// its TIFF header on.
 
 #include <map>
 #include <vector>
@@ -24,7 +26,9 @@ public:
         int length;  // of the contents
     };
 
-    explicit JpegMarkerMap(const char16_t* path);
+    enum Reach { kWholeFile, kSegments };
+
+    explicit JpegMarkerMap(const char16_t* path, Reach reach = kWholeFile);
     JpegMarkerMap(const void* data, int size);
     JpegMarkerMap(const JpegMarkerMap&) = delete;
     JpegMarkerMap& operator=(const JpegMarkerMap&) = delete;

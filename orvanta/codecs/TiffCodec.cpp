@@ -94,6 +94,13 @@ int mapStream(thandle_t handle, void** base, toff_t* size) {
 void unmapStream(thandle_t, void*, toff_t) {}
 
 TIFF* openStream(const std::string& name, const char* mode, TiffStream& stream) {
+    // libtiff is told to keep quiet on its first use rather than when the codec is made, so that a
+    // process that never reads a TIFF file never loads it.
+    static std::once_flag silenced;
+    std::call_once(silenced, [] {
+        TIFFSetErrorHandler(dropError);
+        TIFFSetWarningHandler(ignoreWarning);
+    });
     return TIFFClientOpen(name.c_str(), mode, &stream, readStream, writeStream, seekStream, closeStream,
                           sizeOfStream, mapStream, unmapStream);
 }
@@ -171,11 +178,6 @@ TiffCodec* TiffCodec::create() {
 TiffCodec::TiffCodec() {
     mExtensions.push_back(u"tif");
     mExtensions.push_back(u"tiff");
-    static std::once_flag silenced;
-    std::call_once(silenced, [] {
-        TIFFSetErrorHandler(dropError);
-        TIFFSetWarningHandler(ignoreWarning);
-    });
 }
 
 Dib* TiffCodec::read(const char16_t* path, CSize* originalSize, int maxHeight, int maxWidth) {

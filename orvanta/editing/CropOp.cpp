@@ -21,7 +21,7 @@ Dib* CropOp::doOp(Dib* dib, UndoOp** undo) {
     const int h = bottomRight.y - topLeft.y;
     if (w <= 0 || h <= 0) return nullptr;
     DibWalker source(dib, rect);
-    OwnedPtr<Dib> result(newEditedDib(w, h, 3));
+    OwnedPtr<Dib> result(newOverwrittenDib(w, h, 3));
     DibWalker target(result.get());
     target.copyFrom(&source, false);
     if (undo) *undo = UndoOp::create(this, dib, false);

@@ -9,10 +9,23 @@ void EditingOp::doOpInPlace(Dib* dib, UndoOp** undo) {
     throw Exception(u"EditingOp does not support InPlaceOp");
 }
 
-DibSection* newEditedDib(int width, int height, int channels) {
-    DibSection* dib = DibSection::create(width, height, channels);
+namespace {
+
+DibSection* made(DibSection* dib) {
     if (!dib) throw Exception(u"Not enough memory for the edited picture.");
     return dib;
+}
+
+}  // namespace
+
+DibSection* newEditedDib(int width, int height, int channels) {
+    return made(DibSection::create(width, height, channels));
+}
+
+DibSection* newOverwrittenDib(int width, int height, int channels) {
+    return made(DibSection::create(
+        width, height, channels,
+        channels == 3 ? Platform::PixelBlocks::kUndefined : Platform::PixelBlocks::kZeroed));
 }
 
 }  // namespace Orvanta

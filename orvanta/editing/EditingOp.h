@@ -40,5 +40,9 @@ private:
 // "Not enough memory for the edited picture." when the block cannot be had, so that a failed
 // allocation never reads as "nothing to do" and never loses the picture being edited.
 DibSection* newEditedDib(int width, int height, int channels);
+// The same for a result whose every pixel the operation writes before anything reads it: a
+// 3-channel picture's block is then not cleared first (a 4-channel one is, as the operations write
+// three bytes of each pixel and leave the fourth at 0).
+DibSection* newOverwrittenDib(int width, int height, int channels);
 
 }  // namespace Orvanta

@@ -14,7 +14,7 @@ MirrorOp* MirrorOp::create(bool vertical) {
 Dib* MirrorOp::doOp(Dib* dib, UndoOp** undo) {
     DibWalker view(dib);
     view.mirror(mVertical);
-    OwnedPtr<Dib> result(newEditedDib(view.width(), view.height(), 3));
+    OwnedPtr<Dib> result(newOverwrittenDib(view.width(), view.height(), 3));
     DibWalker(result.get()).copyFrom(&view, false);
     if (undo) *undo = UndoOp::create(this, MirrorOp::create(mVertical));
     return result.detach();

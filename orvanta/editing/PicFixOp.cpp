@@ -16,7 +16,7 @@ PicFixOp* PicFixOp::create() {
 
 Dib* PicFixOp::doOp(Dib* dib, UndoOp** undo) {
     const CSize size = dib->getSize();
-    OwnedPtr<Dib> result(newEditedDib(size.cx, size.cy, dib->getBytesPerPixel()));
+    OwnedPtr<Dib> result(newOverwrittenDib(size.cx, size.cy, dib->getBytesPerPixel()));
     DibWalker source(dib);
     DibWalker dest(result.get());
     fix(source, dest);

@@ -6,8 +6,8 @@
 //
 // Contract: doOp returns a new picture of the input's form and records the input itself as the saved
 // bitmap, usable in place. doOpInPlace changes the input's pixels; with undo, it first keeps a copy
-// for the record. Both forms give the same colour bytes; black pixels are never written (so a new
-// picture's fourth bytes are 0 while the in-place form keeps them). A 1-byte picture throws the
+// for the record. Both forms give the same colour bytes; a pixel's fourth byte is never written (so a
+// new picture's are 0 while the in-place form keeps them). A 1-byte picture throws the
 // pixel layer's Exception.
 
 #include "orvanta/editing/EditingOp.h"

@@ -13,20 +13,6 @@ namespace {
 
 constexpr unsigned kResultCount = 256 * 257 * 258 / 6;
 
-// The result index of each channel of a row of packed blue-green-red pixels (deltaX 3).
-ORVANTA_AVX2_CLONE
-void resultIndexes(const unsigned char* __restrict pixels, std::uint32_t* __restrict indexes, int width) {
-    for (int x = 0; x < width; ++x) {
-        const std::uint32_t b = pixels[3 * x], g = pixels[3 * x + 1], r = pixels[3 * x + 2];
-        const std::uint32_t top = std::max(std::max(r, g), b);
-        const std::uint32_t chroma = top - std::min(std::min(r, g), b);
-        const std::uint32_t start = top * (top + 1) * (top + 2) / 6 + chroma * (chroma + 1) / 2 + top;
-        indexes[3 * x] = start - b;
-        indexes[3 * x + 1] = start - g;
-        indexes[3 * x + 2] = start - r;
-    }
-}
-
 // The results of one row (M, d): for a = M - c from 0 to d, the formula itself in its stated order
 // (-ffp-contract=off keeps the compiler from fusing it). The curve is at most 255, so the value is
 // below 256 and its conversion in range.
@@ -52,7 +38,11 @@ PicFixPixelMap::PicFixPixelMap(const PicFixCurve& curve) : mResults(new unsigned
         mS[d] = d / 255.0;
         mOneMinusS[d] = 1 - mS[d];
     }
-    // Brightness 0 is black, never mapped; its one entry is black too.
+    for (unsigned m = 0; m < 256; ++m) {
+        mRowStarts[m] = resultIndex(m, 0, 0);
+        mChromaStarts[m] = m * (m + 1) / 2;
+    }
+    // Brightness 0 is black, whose one entry is black too.
     mResults[0] = 0;
     for (int m = 1; m < 256; ++m)
         for (int d = 0; d <= m; ++d)
@@ -74,7 +64,6 @@ bool PicFixPixelMap::mapPixel(unsigned char& r, unsigned char& g, unsigned char&
 void PicFixPixelMap::mapView(const unsigned char* src, int srcDeltaX, int srcDeltaY, unsigned char* dst,
                              int dstDeltaX, int dstDeltaY, int width, int height) const {
     const unsigned char* results = mResults.get();
-    std::vector<std::uint32_t> indexes(static_cast<std::size_t>(width) * 3);
     std::vector<unsigned char> packed;
     for (int y = 0; y < height; ++y) {
         const unsigned char* s = src + static_cast<ptrdiff_t>(srcDeltaY) * y;
@@ -86,13 +75,14 @@ void PicFixPixelMap::mapView(const unsigned char* src, int srcDeltaX, int srcDel
                 std::copy_n(s + static_cast<ptrdiff_t>(srcDeltaX) * x, 3, &packed[3 * x]);
             s = packed.data();
         }
-        resultIndexes(s, indexes.data(), width);
-        const std::uint32_t* index = indexes.data();
-        for (int x = 0; x < width; ++x, s += 3, d += dstDeltaX, index += 3) {
-            if ((s[0] | s[1] | s[2]) == 0) continue;
-            d[0] = results[index[0]];
-            d[1] = results[index[1]];
-            d[2] = results[index[2]];
+        // A black pixel's results are the table's first entry, black: written like any other.
+        for (int x = 0; x < width; ++x, s += 3, d += dstDeltaX) {
+            const unsigned b = s[0], g = s[1], r = s[2];
+            const unsigned top = std::max(std::max(r, g), b);
+            const unsigned row = mRowStarts[top] + mChromaStarts[top - std::min(std::min(r, g), b)];
+            d[0] = results[row - b];
+            d[1] = results[row - g];
+            d[2] = results[row - r];
         }
     }
 }

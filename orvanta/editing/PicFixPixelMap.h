@@ -25,7 +25,8 @@ public:
 
     // Maps a view of pixels into another of the same size; the two may be the same memory. Views are
     // given by the address of pixel (0, 0) and the byte steps across and down; channel bytes are blue,
-    // green, red. Black source pixels leave their destination untouched.
+    // green, red. The three bytes of every destination pixel are written, a black one's with black
+    // (as it stands in the source); a fourth byte is left alone.
     void mapView(const unsigned char* src, int srcDeltaX, int srcDeltaY, unsigned char* dst, int dstDeltaX,
                  int dstDeltaY, int width, int height) const;
 
@@ -44,6 +45,9 @@ private:
     std::array<double, 256> mS{};
     std::array<double, 256> mOneMinusS{};
     std::unique_ptr<unsigned char[]> mResults;
+    // resultIndex(M, d, c) as mRowStarts[M] + mChromaStarts[d] - c.
+    std::array<unsigned, 256> mRowStarts{};
+    std::array<unsigned, 256> mChromaStarts{};
 };
 
 }  // namespace Orvanta

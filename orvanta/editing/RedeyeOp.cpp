@@ -23,7 +23,7 @@ RedeyeOp* RedeyeOp::create(DibPoint click, int radius) {
 Dib* RedeyeOp::doOp(Dib* dib, UndoOp** undo) {
     if (undo) *undo = nullptr;
     const CSize size = dib->getSize();
-    OwnedPtr<Dib> result(newEditedDib(size.cx, size.cy, dib->getBytesPerPixel()));
+    OwnedPtr<Dib> result(newOverwrittenDib(size.cx, size.cy, dib->getBytesPerPixel()));
     DibWalker whole(dib);
     DibWalker(result.get()).copyFrom(&whole, false);
 

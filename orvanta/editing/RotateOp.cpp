@@ -15,7 +15,7 @@ Dib* RotateOp::doOp(Dib* dib, UndoOp** undo) {
     // The view turns without moving a pixel; the one copy through it does the work.
     DibWalker view(dib);
     view.rotate(this);
-    OwnedPtr<Dib> result(newEditedDib(view.width(), view.height(), 3));
+    OwnedPtr<Dib> result(newOverwrittenDib(view.width(), view.height(), 3));
     DibWalker(result.get()).copyFrom(&view, false);
     if (undo) *undo = UndoOp::create(this, RotateOp::create(360 - mAngle));
     return result.detach();

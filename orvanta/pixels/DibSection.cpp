@@ -21,7 +21,8 @@ DibSection* DibSection::adopt(const BITMAPINFO& info, HBITMAP bitmap) {
     return dib;
 }
 
-DibSection* DibSection::create(int width, int height, int channels) {
+DibSection* DibSection::create(int width, int height, int channels,
+                               Platform::PixelBlocks::Contents contents) {
     if (channels != 3 && channels != 4) throw Exception(u"DibSection only supports 3 or 4 channels.");
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
@@ -30,7 +31,7 @@ DibSection* DibSection::create(int width, int height, int channels) {
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = static_cast<WORD>(channels * 8);
     info.bmiHeader.biCompression = BI_RGB;
-    return adopt(info, Platform::Bitmap::createDibSection(info));
+    return adopt(info, Platform::Bitmap::createDibSection(info, contents));
 }
 
 DibSection* DibSection::create(const BITMAPINFO& info) {

@@ -3,19 +3,18 @@
 // (a StaticDib frees what it is given with release()).
 //
 // Contract: allocate returns zeroed memory, or null when the block cannot be had; release(null)
-// does nothing.
+// does nothing. Blocks of photograph size lie on huge pages (platform/PixelBlocks).
 
 #include <cstddef>
-#include <cstdlib>
+
+#include "orvanta/platform/PixelBlocks.h"
 
 namespace Orvanta {
 
 class PixelHeap {
 public:
-    static unsigned char* allocate(std::size_t size) {
-        return static_cast<unsigned char*>(std::calloc(size ? size : 1, 1));
-    }
-    static void release(void* block) { std::free(block); }
+    static unsigned char* allocate(std::size_t size) { return Platform::PixelBlocks::allocate(size); }
+    static void release(void* block) { Platform::PixelBlocks::release(static_cast<unsigned char*>(block)); }
 };
 
 }  // namespace Orvanta

@@ -1,8 +1,10 @@
 #pragma once
 // Bitmap: a picture the display layer can draw, behind the handle type HBITMAP.
 //
-// Contract: a DIB section holds top-down or bottom-up pixel rows on the heap (zeroed, rows on 4-byte
-// boundaries), addressable by the library, and is drawn straight from those rows. A device bitmap
+// Contract: a DIB section holds top-down or bottom-up pixel rows (rows on 4-byte boundaries) in a
+// picture's block of PixelBlocks, addressable by the library, and is drawn straight from those rows.
+// Its pixels are zeroed, or with kUndefined left as the reused block held them for a caller that
+// writes every byte of every pixel; the bytes padding each row are zero either way. A device bitmap
 // is one whose pixels belong to the display and cannot be addressed; getObject tells the two apart
 // as the platform does, by the size of the record it fills. Creation answers null when the pixel
 // block cannot be had (no memory, or a size beyond what an int can count). The handle is deleted
@@ -10,6 +12,7 @@
 
 #include <cstddef>
 
+#include "orvanta/platform/PixelBlocks.h"
 #include "orvanta/platform/WinTypes.h"
 
 namespace Orvanta {
@@ -17,7 +20,8 @@ namespace Platform {
 
 class Bitmap {
 public:
-    static Bitmap* createDibSection(const BITMAPINFO& info);
+    static Bitmap* createDibSection(const BITMAPINFO& info,
+                                    PixelBlocks::Contents contents = PixelBlocks::kZeroed);
     static Bitmap* createDeviceBitmap(int width, int height);
 
     // Fills up to size bytes of a BITMAP or DIBSECTION record and returns the bytes filled:
@@ -37,7 +41,6 @@ private:
 
     BITMAPINFOHEADER mHeader{};
     unsigned char* mBits = nullptr;
-    std::size_t mMappedSize = 0;  // bytes mapped from the kernel; 0 when the bits came from the heap
     bool mIsDibSection = false;
 };
 

@@ -23,7 +23,9 @@ public:
     CString(std::u16string text) : mText(std::move(text)) {}
     CString(std::u16string_view text) : mText(text) {}
 
-    // Conversion at the borders. Invalid sequences become U+FFFD.
+    // Conversion at the borders. Invalid sequences become U+FFFD: in UTF-8, one for each maximal
+    // part of a sequence that could have begun a character (as ICU converts); in UTF-16, one for
+    // each unpaired surrogate.
     static CString fromUtf8(std::string_view utf8);
     std::string toUtf8() const;
 

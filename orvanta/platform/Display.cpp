@@ -89,6 +89,12 @@ void Display::checkConnection() {
     mServerName.clear();
 }
 
+CSize Display::getScreenSize() {
+    SDL_DisplayMode mode{};
+    if (!open() || sdl().GetDesktopDisplayMode(0, &mode) != 0) return CSize(0, 0);
+    return CSize(mode.w, mode.h);
+}
+
 CRect Display::getWorkArea() {
     SDL_Rect usable;
     if (open() && sdl().GetDisplayUsableBounds(0, &usable) == 0 && usable.w > 0 && usable.h > 0)

@@ -26,6 +26,7 @@
 #include <string>
 
 #include "orvanta/platform/CRect.h"
+#include "orvanta/platform/CSize.h"
 #include "orvanta/platform/EventTranslator.h"
 #include "orvanta/platform/MessageQueue.h"
 
@@ -49,6 +50,10 @@ public:
     // Ends the connection; the next need opens it anew (tests that change displays call it). A
     // lost display stays lost for the life of the process.
     void close();
+
+    // The size in pixels of the first screen's desktop, opening the display if need be; (0, 0) when
+    // it does not open. The offscreen driver has one screen of SDL's own size.
+    CSize getScreenSize();
 
     // Joins the calling thread's queue to the display, once per thread.
     void attachToCurrentThread();

@@ -52,6 +52,10 @@ int FileSystem::truncate(int fd, off_t size) {
 int FileSystem::sync(int fd) {
     return retryOnInterrupt([&] { return ::fsync(fd); });
 }
+
+int FileSystem::startWriteback(int fd, off_t offset, off_t length) {
+    return retryOnInterrupt([&] { return ::sync_file_range(fd, offset, length, SYNC_FILE_RANGE_WRITE); });
+}
 int FileSystem::stat(int fd, struct stat* info) {
     return ::fstat(fd, info);
 }
@@ -66,6 +70,12 @@ void* FileSystem::map(std::size_t size, int protection, int flags, int fd, off_t
 }
 int FileSystem::unmap(void* address, std::size_t size) {
     return ::munmap(address, size);
+}
+int FileSystem::preferHugePages(void* address, std::size_t size) {
+    return ::madvise(address, size, MADV_HUGEPAGE);
+}
+int FileSystem::mapAllPages(void* address, std::size_t size) {
+    return ::madvise(address, size, MADV_POPULATE_READ);
 }
 int FileSystem::setTimes(int fd, const struct timespec times[2]) {
     return ::futimens(fd, times);

@@ -27,11 +27,20 @@ public:
     virtual off_t seek(int fd, off_t offset, int whence);
     virtual int truncate(int fd, off_t size);
     virtual int sync(int fd);
+    // sync_file_range(SYNC_FILE_RANGE_WRITE): starts writing a range's dirty pages to the device
+    // without waiting, so that a later sync has less to wait for. A hint: it guarantees nothing.
+    virtual int startWriteback(int fd, off_t offset, off_t length);
     virtual int stat(int fd, struct stat* info);
     virtual int stat(const char* path, struct stat* info);
     virtual int lock(int fd, int operation);
     virtual void* map(std::size_t size, int protection, int flags, int fd, off_t offset);
     virtual int unmap(void* address, std::size_t size);
+    // madvise(MADV_HUGEPAGE) on a mapping of a file: the pages the file's cache takes through it
+    // come in 2 MiB pieces where the file system allows, and are mapped as such. A hint.
+    virtual int preferHugePages(void* address, std::size_t size);
+    // madvise(MADV_POPULATE_READ): maps every page of a file mapping now, in one call, rather than
+    // at the faults a walk over all of it would take. A hint.
+    virtual int mapAllPages(void* address, std::size_t size);
     virtual int setTimes(int fd, const struct timespec times[2]);
     virtual int rename(const char* from, const char* to);
     // rename that fails with EEXIST instead of replacing an existing file, as the platform's

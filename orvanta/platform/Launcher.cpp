@@ -29,8 +29,9 @@ bool isAddress(const std::string& target) {
     if (colon == std::string::npos || colon < 2) return false;
     for (std::size_t i = 0; i < colon; ++i) {
         const char c = target[i];
-        const bool allowed = g_ascii_isalnum(c) || c == '+' || c == '-' || c == '.';
-        if (!allowed || (i == 0 && !g_ascii_isalpha(c))) return false;
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        const bool allowed = letter || (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.';
+        if (!allowed || (i == 0 && !letter)) return false;
     }
     return true;
 }

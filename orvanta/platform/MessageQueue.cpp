@@ -35,8 +35,32 @@ DWORD tickCountAt(Clock::time_point t) {
         std::chrono::duration_cast<std::chrono::milliseconds>(t.time_since_epoch()).count());
 }
 
-// One thread's queue. Posted messages, the quit request and the timers are shared with other threads
-// and kept under `lock`; the key state, message position and hooks belong to the owning thread alone.
+// A message another thread sent, and the wait of its sender. Shared by the two, so that either may
+// give up on the other.
+struct SentMessage {
+    SentMessage(const MSG& msg, std::shared_ptr<const void> keepAlive)
+        : msg(msg), keepAlive(std::move(keepAlive)) {}
+
+    void finish(bool wasDelivered, LRESULT value) {
+        std::lock_guard<std::mutex> guard(lock);
+        finished = true;
+        delivered = wasDelivered;
+        result = value;
+        done.notify_all();
+    }
+
+    const MSG msg;
+    const std::shared_ptr<const void> keepAlive;
+    std::mutex lock;
+    std::condition_variable_any done;
+    bool finished = false;
+    bool delivered = false;
+    LRESULT result = 0;
+};
+
+// One thread's queue. Posted and sent messages, the quit request and the timers are shared with
+// other threads and kept under `lock`; the key state, message position and hooks belong to the
+// owning thread alone.
 class MessageQueue {
 public:
     struct Filter {
@@ -56,6 +80,32 @@ public:
         posted.push_back(msg);
         wake.notify_all();
         wakeDisplayLocked();
+    }
+
+    // False once the thread has ended: nobody would deliver it.
+    bool send(const std::shared_ptr<SentMessage>& message) {
+        std::lock_guard<std::mutex> guard(lock);
+        if (ended) return false;
+        sent.push_back(message);
+        wake.notify_all();
+        wakeDisplayLocked();
+        return true;
+    }
+
+    void withdraw(const std::shared_ptr<SentMessage>& message) {
+        std::lock_guard<std::mutex> guard(lock);
+        std::erase(sent, message);
+    }
+
+    // The owning thread ends: its senders stop waiting.
+    void end() {
+        std::deque<std::shared_ptr<SentMessage>> undelivered;
+        {
+            std::lock_guard<std::mutex> guard(lock);
+            ended = true;
+            undelivered.swap(sent);
+        }
+        for (auto& message : undelivered) message->finish(false, 0);
     }
 
     // A thread asleep in its display server is woken once per wait, however many posts arrive.
@@ -105,7 +155,7 @@ public:
 
     // Whether a wait on input should end now. Caller holds lock.
     bool hasInputLocked(Clock::time_point now) const {
-        if (!posted.empty() || quitPending) return true;
+        if (!posted.empty() || !sent.empty() || quitPending) return true;
         for (const auto& [id, timer] : timers)
             if (timer.due <= now) return true;
         return false;
@@ -140,6 +190,8 @@ public:
     std::mutex lock;
     std::condition_variable wake;
     std::deque<MSG> posted;
+    std::deque<std::shared_ptr<SentMessage>> sent;
+    bool ended = false;
     bool quitPending = false;
     int quitCode = 0;
     std::map<UINT_PTR, Timer> timers;
@@ -170,10 +222,13 @@ struct QueueOwner {
 
     ~QueueOwner() {
         if (!queue) return;
-        Registry& r = registry();
-        std::lock_guard<std::mutex> guard(r.lock);
-        auto it = r.queues.find(queue->threadId);
-        if (it != r.queues.end() && it->second == queue) r.queues.erase(it);
+        {
+            Registry& r = registry();
+            std::lock_guard<std::mutex> guard(r.lock);
+            auto it = r.queues.find(queue->threadId);
+            if (it != r.queues.end() && it->second == queue) r.queues.erase(it);
+        }
+        queue->end();
     }
 };
 
@@ -216,13 +271,23 @@ void collectInput(MessageQueue& queue, QueueInput* input) {
 
 // One look at the queue in its order: posted messages and quit, display input (collected only when
 // nothing posted waits), paint, timers. A posted message, the common case, costs one lock.
+// Messages sent from other threads are delivered on the way, whatever the filter.
 bool takeNext(MessageQueue& queue, MSG* found, const MessageQueue::Filter& filter, bool remove) {
     QueueInput* input = nullptr;
-    {
-        std::lock_guard<std::mutex> guard(queue.lock);
-        if (queue.takeLocked(found, filter, remove, Clock::now())) return true;
-        input = queue.input;
-        if (!queue.posted.empty()) input = nullptr;  // input waits behind what is posted
+    for (;;) {
+        std::shared_ptr<SentMessage> incoming;
+        {
+            std::lock_guard<std::mutex> guard(queue.lock);
+            if (queue.sent.empty()) {
+                if (queue.takeLocked(found, filter, remove, Clock::now())) return true;
+                input = queue.input;
+                if (!queue.posted.empty()) input = nullptr;  // input waits behind what is posted
+                break;
+            }
+            incoming = std::move(queue.sent.front());
+            queue.sent.pop_front();
+        }
+        incoming->finish(true, dispatchMessage(&incoming->msg));
     }
     if (input) {
         input->collect();
@@ -326,6 +391,27 @@ bool postQueueMessage(DWORD threadId, const MSG& msg) {
     if (!queue) return false;
     queue->post(msg);
     return true;
+}
+
+bool sendQueueMessage(DWORD threadId, const MSG& msg, LRESULT* result, std::stop_token stop,
+                      std::shared_ptr<const void> keepAlive) {
+    if (threadId == currentThreadId()) {
+        const LRESULT value = dispatchMessage(&msg);
+        if (result) *result = value;
+        return true;
+    }
+    auto queue = queueOf(threadId);
+    if (!queue) return false;
+    auto message = std::make_shared<SentMessage>(msg, std::move(keepAlive));
+    if (!queue->send(message)) return false;
+    std::unique_lock<std::mutex> guard(message->lock);
+    if (!message->done.wait(guard, stop, [&] { return message->finished; })) {
+        guard.unlock();
+        queue->withdraw(message);
+        return false;
+    }
+    if (result) *result = message->result;
+    return message->delivered;
 }
 
 std::vector<MSG> removeQueueMessages(DWORD threadId, const std::function<bool(const MSG&)>& which) {

@@ -3,15 +3,17 @@
 // each thread, and the wait that wakes on a thread's end or on its input.
 //
 // Contract: every thread has at most one queue, made the first time the thread calls one of these
-// functions (or ensureMessageQueue) and gone when the thread ends. Anyone may post to a thread that
-// has a queue; everything else acts on the calling thread's own queue. Messages come out in the
-// order they were posted; a quit request comes after all posted messages, then a made-up WM_PAINT for
-// a window that needs painting, and timer messages after that, one per due timer, so a busy queue
-// delays its paints and timers rather than piling them up.
-// A message that leaves the queue sets the thread's message position and, for key messages, its
-// key state, both as of that message.
+// functions (or ensureMessageQueue) and gone when the thread ends. Anyone may post or send to a
+// thread that has a queue; everything else acts on the calling thread's own queue. Messages sent from
+// other threads are delivered first, inside the calls that take messages, and never returned by
+// them. Posted messages come out in the order they were posted; a quit request comes after all posted
+// messages, then a made-up WM_PAINT for a window that needs painting, and timer messages after that, one per
+// due timer, so a busy queue delays its paints and timers rather than piling them up. A message that leaves
+// the queue sets the thread's message position and, for key messages, its key state, both as of that message.
 
 #include <functional>
+#include <memory>
+#include <stop_token>
 #include <vector>
 
 #include "orvanta/platform/Messages.h"
@@ -60,6 +62,16 @@ void ensureMessageQueue();
 bool postThreadMessage(DWORD threadId, UINT message, WPARAM wParam, LPARAM lParam);
 // Posts a complete message (window, position and time as given), as input arrives from the display.
 bool postQueueMessage(DWORD threadId, const MSG& msg);
+// Sends a message to a thread and waits until that thread has delivered it through dispatchMessage,
+// which it does inside its next getMessage, peekMessage or peekThreadMessage (whatever their
+// filter), before any posted message: the way messages sent between threads are delivered. From
+// the thread itself the message is dispatched at once. True, with the dispatch's result in
+// *result, once it was delivered. False when the thread has no queue or ends first, and when stop
+// is requested before the delivery is over; then a message not yet begun is withdrawn, and one under
+// way goes on without the sender. keepAlive is held until the delivery is over, for whatever the
+// message points at.
+bool sendQueueMessage(DWORD threadId, const MSG& msg, LRESULT* result, std::stop_token stop = {},
+                      std::shared_ptr<const void> keepAlive = nullptr);
 // Takes out of a thread's queue every posted message that `which` selects, and returns them in order.
 std::vector<MSG> removeQueueMessages(DWORD threadId, const std::function<bool(const MSG&)>& which);
 

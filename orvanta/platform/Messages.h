@@ -22,6 +22,7 @@ using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
 using UINT_PTR = std::uintptr_t;
+using ULONG_PTR = std::uintptr_t;
 using HWND = Platform::Window*;
 using HHOOK = Platform::MessageHook*;
 
@@ -32,6 +33,13 @@ struct MSG {
     LPARAM lParam = 0;
     DWORD time = 0;  // milliseconds of the monotonic clock when the message was posted
     CPoint pt;       // the pointer's screen position that goes with the message
+};
+
+// WM_COPYDATA's payload: a tag the two programs agree on and cbData bytes at lpData.
+struct COPYDATASTRUCT {
+    ULONG_PTR dwData = 0;
+    DWORD cbData = 0;
+    void* lpData = nullptr;
 };
 
 // Called for a timer message with no window: (window, WM_TIMER, timer id, time).
@@ -54,6 +62,8 @@ constexpr UINT WM_QUIT = 0x0012;
 constexpr UINT WM_ERASEBKGND = 0x0014;
 constexpr UINT WM_SHOWWINDOW = 0x0018;
 constexpr UINT WM_SETCURSOR = 0x0020;
+// Bytes handed from another program: wParam 0 here, lParam a COPYDATASTRUCT* valid during the call.
+constexpr UINT WM_COPYDATA = 0x004A;
 constexpr UINT WM_KEYFIRST = 0x0100;
 constexpr UINT WM_KEYDOWN = 0x0100;
 constexpr UINT WM_KEYUP = 0x0101;

@@ -15,6 +15,9 @@ namespace Orvanta::Platform {
 
 namespace {
 
+// How much is written before it is sent on to the device.
+constexpr off_t kWritebackStep = 1 << 20;
+
 // A name no other writer in this or another process is using, short whatever the target's name:
 // a random start per process, then a counter.
 std::string temporaryName() {
@@ -114,6 +117,7 @@ bool ReplacementFile::open() {
         return false;
     }
     mFailed = false;
+    mWritten = mSentToDevice = 0;
     if (replacing && !carryOver()) return fail();
     return true;
 }
@@ -140,6 +144,11 @@ bool ReplacementFile::write(const void* data, std::size_t size) {
             return false;
         }
         done += static_cast<std::size_t>(n);
+    }
+    mWritten += static_cast<off_t>(size);
+    if (mWritten - mSentToDevice >= kWritebackStep) {
+        FileSystem::current().startWriteback(mHandle, mSentToDevice, mWritten - mSentToDevice);
+        mSentToDevice = mWritten;
     }
     return true;
 }

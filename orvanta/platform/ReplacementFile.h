@@ -10,7 +10,8 @@
 // bits and extended attributes, ACLs among them, where the file system allows them. Nothing touches
 // the target until commit, which flushes the temporary file to the device, closes it, renames it
 // over the target and then lets go of the lock: readers, and a machine that stops at any moment,
-// see either the old file whole or the new one whole.
+// see either the old file whole or the new one whole. Each megabyte written is sent on its way to
+// the device at once, so that the flush at commit waits for little more than the last of it.
 //
 // A file with other hard links is refused (kErrorHardLinked): renaming over one name would split
 // the photo in two, and writing through the shared inode instead could leave it half-written (a
@@ -58,6 +59,8 @@ private:
     std::string mTemporary;
     RewriteLock mLock;
     int mHandle = -1;
+    off_t mWritten = 0;
+    off_t mSentToDevice = 0;
     bool mFailed = false;
     bool mKeepTimes = false;
     struct timespec mTimes[2] = {};

@@ -13,18 +13,20 @@
 namespace Orvanta::Platform {
 
 // Every SDL function the display layer calls.
-#define ORVANTA_SDL_FUNCTIONS(F)                                                                           \
-    F(Init)                                                                                                \
-    F(QuitSubSystem)                                                                                       \
-    F(VideoInit)                                                                                           \
-    F(VideoQuit) F(GetCurrentVideoDriver) F(SetHint) F(RegisterEvents) F(PumpEvents) F(PeepEvents)         \
-        F(WaitEventTimeout) F(PushEvent) F(StartTextInput) F(CreateWindow) F(DestroyWindow) F(ShowWindow)  \
-            F(HideWindow) F(GetWindowID) F(SetWindowTitle) F(GetWindowPosition) F(SetWindowPosition)       \
-                F(GetWindowSize) F(SetWindowSize) F(GetWindowSurface) F(UpdateWindowSurfaceRects)          \
-                    F(CaptureMouse) F(GetModState) F(CreateRGBSurfaceWithFormatFrom) F(FreeSurface)        \
-                        F(UpperBlit) F(CreateSystemCursor) F(CreateColorCursor) F(FreeCursor) F(SetCursor) \
-                            F(ShowCursor) F(SetClipboardText) F(GetClipboardText) F(HasClipboardText)      \
-                                F(GetDisplayUsableBounds) F(free)
+#define ORVANTA_SDL_FUNCTIONS(F)                                                                            \
+    F(Init)                                                                                                 \
+    F(QuitSubSystem)                                                                                        \
+    F(VideoInit)                                                                                            \
+    F(VideoQuit)                                                                                            \
+    F(GetCurrentVideoDriver) F(GetDesktopDisplayMode) F(SetHint) F(RegisterEvents) F(PumpEvents)            \
+        F(PeepEvents) F(WaitEventTimeout) F(PushEvent) F(StartTextInput) F(CreateWindow) F(DestroyWindow)   \
+            F(ShowWindow) F(HideWindow) F(GetWindowID) F(SetWindowTitle) F(GetWindowPosition)               \
+                F(SetWindowPosition) F(GetWindowSize) F(SetWindowSize) F(GetWindowSurface)                  \
+                    F(UpdateWindowSurfaceRects) F(CaptureMouse) F(GetModState)                              \
+                        F(CreateRGBSurfaceWithFormatFrom) F(FreeSurface) F(UpperBlit) F(CreateSystemCursor) \
+                            F(CreateColorCursor) F(FreeCursor) F(SetCursor) F(ShowCursor)                   \
+                                F(SetClipboardText) F(GetClipboardText) F(HasClipboardText)                 \
+                                    F(GetDisplayUsableBounds) F(free)
 
 struct SdlApi {
 #define ORVANTA_SDL_POINTER(name) decltype(&::SDL_##name) name = nullptr;

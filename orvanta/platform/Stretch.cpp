@@ -2,6 +2,8 @@
 
 #include <pixman.h>
 
+#include "orvanta/platform/SeparableFilter.h"
+
 #include <cstdint>
 #include <cstdlib>
 
@@ -60,26 +62,39 @@ pixman_kernel_t reconstructionFor(double scale) {
     return scale >= kPointSourceFrom ? PIXMAN_KERNEL_IMPULSE : PIXMAN_KERNEL_BOX;
 }
 
-void setGoodFilter(pixman_image_t* image, double scaleX, double scaleY) {
-    if (scaleX <= 1.0 && scaleY <= 1.0) {
-        pixman_image_set_filter(image, PIXMAN_FILTER_BILINEAR, nullptr, 0);
-        return;
-    }
+// The separable filter for a reduction along either axis: null when both enlarge (bilinear then)
+// or when pixman cannot make one (its general filter then). Freed with std::free.
+pixman_fixed_t* separableFilter(double scaleX, double scaleY, int* count) {
+    if (scaleX <= 1.0 && scaleY <= 1.0) return nullptr;
     const pixman_kernel_t reconstructX = reconstructionFor(scaleX);
     const pixman_kernel_t sampleX = scaleX > 1.0 ? PIXMAN_KERNEL_BOX : PIXMAN_KERNEL_IMPULSE;
     const pixman_kernel_t reconstructY = reconstructionFor(scaleY);
     const pixman_kernel_t sampleY = scaleY > 1.0 ? PIXMAN_KERNEL_BOX : PIXMAN_KERNEL_IMPULSE;
-    int count = 0;
-    pixman_fixed_t* params = pixman_filter_create_separable_convolution(
-        &count, pixman_double_to_fixed(scaleX > 1.0 ? scaleX : 1.0),
+    return pixman_filter_create_separable_convolution(
+        count, pixman_double_to_fixed(scaleX > 1.0 ? scaleX : 1.0),
         pixman_double_to_fixed(scaleY > 1.0 ? scaleY : 1.0), reconstructX, reconstructY, sampleX, sampleY,
         subsampleBitsFor(scaleX), subsampleBitsFor(scaleY));
-    if (params) {
-        pixman_image_set_filter(image, PIXMAN_FILTER_SEPARABLE_CONVOLUTION, params, count);
-        std::free(params);
-    } else {
+}
+
+void setGoodFilter(pixman_image_t* image, double scaleX, double scaleY, const pixman_fixed_t* filter,
+                   int count) {
+    if (filter)
+        pixman_image_set_filter(image, PIXMAN_FILTER_SEPARABLE_CONVOLUTION, filter, count);
+    else if (scaleX <= 1.0 && scaleY <= 1.0)
+        pixman_image_set_filter(image, PIXMAN_FILTER_BILINEAR, nullptr, 0);
+    else
         pixman_image_set_filter(image, PIXMAN_FILTER_GOOD, nullptr, 0);
-    }
+}
+
+// Rows of a bitmap, top row first whichever way round they are stored.
+SeparableFilter::Pixels pixelsOf(const BITMAPINFOHEADER& header, const void* bits) {
+    const int height = std::abs(header.biHeight);
+    const int stride = strideOf(header);
+    auto* base = static_cast<unsigned char*>(const_cast<void*>(bits));
+    if (header.biHeight > 0)
+        return SeparableFilter::Pixels{base + static_cast<std::ptrdiff_t>(height - 1) * stride, -stride,
+                                       header.biWidth, height, header.biBitCount / 8};
+    return SeparableFilter::Pixels{base, stride, header.biWidth, height, header.biBitCount / 8};
 }
 
 }  // namespace
@@ -106,15 +121,20 @@ int stretchRowsOnto(pixman_image* target, const pixman_region32* clip, int xDest
     pixman_transform transform;
     pixman_transform_from_pixman_f_transform(&transform, &ft);
     pixman_image_set_transform(source, &transform);
-    if (filter)
-        setGoodFilter(source, scaleX, scaleY);
-    else
+    pixman_fixed_t* separable = nullptr;
+    if (filter) {
+        int count = 0;
+        separable = separableFilter(scaleX, scaleY, &count);
+        setGoodFilter(source, scaleX, scaleY, separable, count);
+    } else {
         pixman_image_set_filter(source, PIXMAN_FILTER_NEAREST, nullptr, 0);
+    }
     pixman_image_set_repeat(source, PIXMAN_REPEAT_PAD);
     pixman_image_set_clip_region32(target, const_cast<pixman_region32_t*>(clip));
     pixman_image_composite32(PIXMAN_OP_SRC, source, nullptr, target, 0, 0, 0, 0, xDest, yDest, destWidth,
                              destHeight);
     pixman_image_set_clip_region32(target, nullptr);
+    std::free(separable);
     pixman_image_unref(source);
     return srcHeight;
 }
@@ -145,12 +165,18 @@ int stretchDIBits(Bitmap* dest, int xDest, int yDest, int destWidth, int destHei
     pixman_f_transform_translate(&ft, nullptr, xSrc, topSrc);
     pixman_transform transform;
     pixman_transform_from_pixman_f_transform(&transform, &ft);
-    pixman_image_set_transform(source, &transform);
-    setGoodFilter(source, scaleX, scaleY);
-    pixman_image_set_repeat(source, PIXMAN_REPEAT_PAD);
-
-    pixman_image_composite32(PIXMAN_OP_SRC, source, nullptr, target, 0, 0, 0, 0, xDest, yDest, destWidth,
-                             destHeight);
+    int count = 0;
+    pixman_fixed_t* filter = separableFilter(scaleX, scaleY, &count);
+    // A reduction is computed here, to the bytes pixman would give, several times faster.
+    if (!filter || !SeparableFilter::draw(filter, transform, pixelsOf(from, bits), pixelsOf(to, dest->bits()),
+                                          xDest, yDest, destWidth, destHeight)) {
+        pixman_image_set_transform(source, &transform);
+        setGoodFilter(source, scaleX, scaleY, filter, count);
+        pixman_image_set_repeat(source, PIXMAN_REPEAT_PAD);
+        pixman_image_composite32(PIXMAN_OP_SRC, source, nullptr, target, 0, 0, 0, 0, xDest, yDest, destWidth,
+                                 destHeight);
+    }
+    std::free(filter);
     pixman_image_unref(source);
     pixman_image_unref(target);
     return srcHeight;

@@ -98,6 +98,27 @@ struct GUID {
 };
 static_assert(sizeof(GUID) == 16);
 
+// File attribute bits, as a folder listing reports them (WIN32_FIND_DATA).
+constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
+constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;
+constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
+constexpr DWORD FILE_ATTRIBUTE_DEVICE = 0x40;  // not a regular file: a pipe, a socket, a device
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;  // a symbolic link
+constexpr int MAX_PATH = 260;
+
+// One entry of a folder listing: cFileName holds the entry's name, or, where the library hands an
+// entry on, its full path; a name that does not fit is never stored cut short.
+struct WIN32_FIND_DATA {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    char16_t cFileName[MAX_PATH];
+};
+
 // Error numbers the library compares, with their Windows values.
 constexpr int ERROR_FILE_NOT_FOUND = 2;
 constexpr int ERROR_PATH_NOT_FOUND = 3;

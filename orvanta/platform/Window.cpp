@@ -107,6 +107,20 @@ LRESULT Window::sendMessage(Window* window, UINT message, WPARAM wParam, LPARAM 
     return window->mHandler->windowProc(window, message, wParam, lParam);
 }
 
+bool Window::sendFromThread(Window* window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result,
+                            std::stop_token stop, std::shared_ptr<const void> keepAlive) {
+    DWORD thread = 0;
+    {
+        LiveWindows& live = liveWindows();
+        std::lock_guard<std::mutex> guard(live.lock);
+        auto it = live.threads.find(window);
+        if (it == live.threads.end()) return false;
+        thread = it->second;
+    }
+    return sendQueueMessage(thread, MSG{window, message, wParam, lParam, getTickCount(), CPoint()}, result,
+                            std::move(stop), std::move(keepAlive));
+}
+
 LRESULT Window::dispatch(const MSG* msg) {
     Window* window = msg->hwnd;
     if (!isWindow(window)) return 0;

@@ -21,6 +21,7 @@
 //  - Mouse capture, keyboard focus and the active window are per process, on the user-interface thread.
 
 #include <memory>
+#include <stop_token>
 #include <vector>
 
 #include "orvanta/platform/CRect.h"
@@ -53,6 +54,12 @@ public:
     static bool postMessage(Window* window, UINT message, WPARAM wParam, LPARAM lParam);
     // Calls the handler at once (SendMessage, same thread only); 0 when the window does not exist.
     static LRESULT sendMessage(Window* window, UINT message, WPARAM wParam, LPARAM lParam);
+    // SendMessage from any thread: on the window's own thread the handler is called at once; from
+    // another, the message waits for the window's thread to deliver it (see sendQueueMessage for
+    // stop and keepAlive) and the caller waits too. False when the window does not exist or the
+    // message was not delivered; the handler's result is then not set.
+    static bool sendFromThread(Window* window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result,
+                               std::stop_token stop = {}, std::shared_ptr<const void> keepAlive = nullptr);
 
     void destroy();
 

@@ -218,6 +218,15 @@ IdIndex::Position IdIndex::next(Position position) const {
     return position;
 }
 
+IdIndex::Position IdIndex::advance(Position position, std::size_t count) const {
+    position.index += count;
+    while (!atEnd(position) && position.index >= static_cast<std::size_t>(mChunks[position.chunk]->count)) {
+        position.index -= static_cast<std::size_t>(mChunks[position.chunk]->count);
+        ++position.chunk;
+    }
+    return position;
+}
+
 bool IdIndex::previous(Position& position) const {
     if (position.index > 0) {
         --position.index;

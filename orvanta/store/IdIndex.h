@@ -65,6 +65,8 @@ public:
         return Entry{Key{chunk.hi[position.index], chunk.lo[position.index]}, chunk.offsets[position.index]};
     }
     Position next(Position position) const;
+    // The position count steps on, or the end.
+    Position advance(Position position, std::size_t count) const;
     // The position before; returns false at the first one.
     bool previous(Position& position) const;
 

@@ -18,6 +18,28 @@ std::int32_t loadInt(const unsigned char* at) {
     return value;
 }
 
+// Whether every unit is printable ASCII: two such texts are equal under the platform's comparison
+// only when they are equal unit for unit, since none of their characters is ignorable.
+bool isPlainAscii(const char16_t* units, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        if (units[i] < 0x20 || units[i] > 0x7e) return false;
+    return true;
+}
+
+// Whether the name of units code units stored at bytes (unaligned, little-endian) is name, as a
+// PropertyList matches names. plainName: whether name is plain ASCII.
+bool sameName(const unsigned char* bytes, std::size_t units, const CString& name, bool plainName) {
+    if (units == name.length() && std::memcmp(bytes, name.c_str(), units * sizeof(char16_t)) == 0)
+        return true;
+    bool plainStored = plainName;
+    for (std::size_t i = 0; plainStored && i < units; ++i)
+        plainStored = bytes[2 * i + 1] == 0 && bytes[2 * i] >= 0x20 && bytes[2 * i] <= 0x7e;
+    if (plainStored) return false;
+    std::u16string stored(units, u'\0');
+    std::memcpy(stored.data(), bytes, units * sizeof(char16_t));
+    return Platform::compareText(stored.c_str(), name) == 0;
+}
+
 }  // namespace
 
 PropertyDatabase::PropertyDatabase(Database* database) : mDatabase(database) {}
@@ -33,7 +55,6 @@ bool PropertyDatabase::createFile(const char16_t* path, int blockSize, int forma
 
 PropertyList* PropertyDatabase::decode(const UniqueID& id, const void* body, int size) {
     OwnedPtr<PropertyList> list = PropertyList::create();
-    list->set(PropertyList::kPropID, PropertyValue(id), true);
     const auto* cursor = static_cast<const unsigned char*>(body);
     const unsigned char* end = cursor + (size > 0 ? size : 0);
     while (cursor != end) {
@@ -55,7 +76,40 @@ PropertyList* PropertyDatabase::decode(const UniqueID& id, const void* body, int
         list->set(CString(std::move(name)), value, true);
         cursor += kEntryValueOffset + length;
     }
+    // The record's id, unless the body holds an "id" of its own, which wins. Set last, it leaves the
+    // body's names to arrive in order.
+    if (!list->contains(PropertyList::kPropID)) list->set(PropertyList::kPropID, PropertyValue(id), true);
     return list.detach();
+}
+
+bool PropertyDatabase::decodeValues(const void* body, int size, const std::vector<CString>& names,
+                                    std::vector<PropertyValue>& values) {
+    values.assign(names.size(), PropertyValue());
+    std::vector<bool> plain(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i)
+        plain[i] = isPlainAscii(names[i].c_str(), names[i].length());
+    const auto* cursor = static_cast<const unsigned char*>(body);
+    const unsigned char* end = cursor + (size > 0 ? size : 0);
+    while (cursor != end) {
+        const unsigned char* name = cursor;
+        for (;;) {
+            if (end - cursor < 2) return false;
+            cursor += 2;
+            if (cursor[-2] == 0 && cursor[-1] == 0) break;
+        }
+        const auto units = static_cast<std::size_t>(cursor - name) / 2 - 1;
+        if (end - cursor < kEntryValueOffset) return false;
+        const std::int32_t length = loadInt(cursor + kEntryLengthOffset);
+        if (length < 0 || length > end - cursor - kEntryValueOffset) return false;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (!sameName(name, units, names[i], plain[i])) continue;
+            // Assigning a wrapped value makes the owned copy.
+            values[i] = PropertyValue(const_cast<unsigned char*>(cursor + kEntryValueOffset), length,
+                                      static_cast<PropertyValue::Type>(loadInt(cursor + kEntryTypeOffset)));
+        }
+        cursor += kEntryValueOffset + length;
+    }
+    return true;
 }
 
 PropertyList* PropertyDatabase::load(Database::Record* record) {

@@ -18,6 +18,7 @@
 // persistent: the owner sets them up after every open. One thread at a time; no lock.
 
 #include <map>
+#include <vector>
 
 #include "orvanta/foundation/IOwned.h"
 #include "orvanta/foundation/OwnedPtr.h"
@@ -54,6 +55,12 @@ public:
     // A list from a record body of size bytes, with id as its "id"; null when the body does not hold
     // together. The bytes are only read.
     static PropertyList* decode(const UniqueID& id, const void* body, int size);
+    // The values of the named properties in a record body, values[i] for names[i] (a null value where
+    // the body lacks the name), for a reader that wants a few properties and not the list. Names
+    // match as a PropertyList matches them, and where a name stands twice the later entry wins. False
+    // when the body does not hold together.
+    static bool decodeValues(const void* body, int size, const std::vector<CString>& names,
+                             std::vector<PropertyValue>& values);
 
     virtual PropertyList* getList(int index);
     virtual PropertyList* getList(const UniqueID& id);

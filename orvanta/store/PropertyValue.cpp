@@ -35,6 +35,15 @@ int leadingNumber(const std::u16string& text) {
 
 PropertyValue::PropertyValue(const PropertyValue& other) : mBytes(other.mBytes), mType(other.mType) {}
 
+PropertyValue::PropertyValue(PropertyValue&& other) noexcept : mType(other.mType) {
+    if (other.mBytes.isOwned()) {
+        mBytes = std::move(other.mBytes);
+        other.mType = kNull;
+    } else {
+        mBytes = other.mBytes;
+    }
+}
+
 PropertyValue::PropertyValue(void* data, int size, Type type) : mBytes(data, size, false), mType(type) {}
 
 PropertyValue::PropertyValue(int value) {
@@ -60,6 +69,15 @@ PropertyValue& PropertyValue::operator=(const PropertyValue& other) {
     if (this == &other) return *this;
     mBytes = other.mBytes;
     mType = other.mType;
+    return *this;
+}
+
+PropertyValue& PropertyValue::operator=(PropertyValue&& other) noexcept {
+    if (this == &other) return *this;
+    if (!other.mBytes.isOwned()) return *this = other;
+    mBytes = std::move(other.mBytes);
+    mType = other.mType;
+    other.mType = kNull;
     return *this;
 }
 

@@ -29,6 +29,9 @@ public:
 
     PropertyValue() = default;
     PropertyValue(const PropertyValue& other);
+    // Takes other's bytes over when other owns them (other is left null); a wrapped value is copied,
+    // so that the new value owns its bytes as a copy's would.
+    PropertyValue(PropertyValue&& other) noexcept;
     // Wraps data without copying or owning it; the value must not outlive the bytes.
     PropertyValue(void* data, int size, Type type);
     PropertyValue(int value);
@@ -39,6 +42,7 @@ public:
     PropertyValue(const Bytes& value);
 
     PropertyValue& operator=(const PropertyValue& other);
+    PropertyValue& operator=(PropertyValue&& other) noexcept;
     PropertyValue& operator=(int value) {
         setValue(value);
         return *this;

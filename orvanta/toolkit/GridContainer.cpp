@@ -150,15 +150,15 @@ float GridContainer::getRowSpec(int row) const {
     return row >= 0 && row < mRows ? mRowSpecs[row] : kFlexible;
 }
 
-void GridContainer::setColSpec(int col, double spec) {
+void GridContainer::setColSpec(int col, double sizing) {
     if (col < 0 || col >= mCols) return;
-    mColSpecs[col] = static_cast<float>(spec);
+    mColSpecs[col] = static_cast<float>(sizing);
     layout();
 }
 
-void GridContainer::setRowSpec(int row, double spec) {
+void GridContainer::setRowSpec(int row, double sizing) {
     if (row < 0 || row >= mRows) return;
-    mRowSpecs[row] = static_cast<float>(spec);
+    mRowSpecs[row] = static_cast<float>(sizing);
     layout();
 }
 
@@ -190,14 +190,14 @@ void GridContainer::computeSizes(bool rows) {
     int remaining = available;
     int flexCount = 0;
     for (int i = 0; i < n; ++i) {
-        const float spec = specs[i];
+        const float sizing = specs[i];
         int size = 0;
-        if (spec >= 0.0f && spec < 1.0f) {
+        if (sizing >= 0.0f && sizing < 1.0f) {
             // The fraction is of the space available, not of what remains.
-            size = static_cast<int>(static_cast<float>(available) * spec);
-        } else if (spec == kFlexible) {
+            size = static_cast<int>(static_cast<float>(available) * sizing);
+        } else if (sizing == kFlexible) {
             ++flexCount;
-        } else if (spec == kFit) {
+        } else if (sizing == kFit) {
             for (const auto& [cell, child] : mCells) {
                 if ((rows ? cell.first : cell.second) != i) continue;
                 const CSize wanted = child->getLayoutSize();
@@ -205,7 +205,7 @@ void GridContainer::computeSizes(bool rows) {
                 size = std::max(size, rows ? wanted.cy + m.top + m.bottom : wanted.cx + m.left + m.right);
             }
         } else {
-            size = static_cast<int>(spec);
+            size = static_cast<int>(sizing);
         }
         sizes[i] = size;
         remaining -= size;

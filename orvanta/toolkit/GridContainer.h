@@ -1,8 +1,8 @@
 #pragma once
 // GridContainer: children in the cells of a grid of rows and columns, each row and column sized by a
-// spec: kFlexible (−1) shares what is left, kFit (−2) is as large as its largest child needs (the
+// sizing: kFlexible (−1) shares what is left, kFit (−2) is as large as its largest child needs (the
 // child's layout size, its fixed or else its minimum size, plus its margins on that axis), a value
-// in [0, 1) is that fraction of the space available (the product taken in the spec's own float
+// in [0, 1) is that fraction of the space available (the product taken in the sizing's own float
 // precision, then truncated), and 1 or more a fixed size in pixels (truncated).
 //
 // Contract:
@@ -54,12 +54,12 @@ public:
     virtual void setCellPadding(int padding);
     int getCellPadding() const { return mCellPadding; }
     virtual int getColWidth(int col) const;
-    virtual void setColSpec(int col, double spec);
+    virtual void setColSpec(int col, double sizing);
     float getColSpec(int col) const;
     // Gives every child of a column (row) this alignment.
     virtual void setCellAlignCol(int col, int horizontal, int vertical);
     virtual int getRowHeight(int row) const;
-    virtual void setRowSpec(int row, double spec);
+    virtual void setRowSpec(int row, double sizing);
     float getRowSpec(int row) const;
     virtual void setCellAlignRow(int row, int horizontal, int vertical);
     virtual Control* getChild(int row, int col) const;

@@ -7,8 +7,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <random>
 #include <stdexcept>
 
+#include "orvanta/codecs/ExifThumbnail.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/codecs/JpegFormat.h"
 #include "orvanta/codecs/JpegMarkerMap.h"
@@ -206,6 +211,31 @@ TEST(JpegMarkerMap, SegmentsComeInFileOrderWithTheRestAsOnePseudoSegment) {
     EXPECT_EQ(nullptr, JpegMarkerMap(noOrder.data(), static_cast<int>(noOrder.size())).getExifBlock());
 }
 
+// A map of the segments alone reads the file's beginning, and on to the scan when the segments run
+// past it: the same segments and EXIF block as the whole file's map, wherever the scan starts.
+TEST(JpegMarkerMap, SegmentsAloneAreTheWholeFilesSegments) {
+    TempDir dir;
+    const std::string exif = segment(0xE1, std::string("Exif\0\0II\x2A\x00\x08\x00\x00\x00", 14) + "block");
+    const std::string icc = segment(0xE2, std::string(65000, 'i'));
+    const std::string scan(300000, '\x55');
+    for (const std::string& head : {exif, exif + icc, icc + icc + exif, icc + icc + icc + exif + icc}) {
+        writeFileBytes(dir.file("p.jpg"), jpegOf(head, scan));
+        const JpegMarkerMap whole(dir.wide("p.jpg")), segments(dir.wide("p.jpg"), JpegMarkerMap::kSegments);
+        ASSERT_EQ(whole.getSegments().size(), segments.getSegments().size());
+        for (std::size_t i = 0; i + 1 < whole.getSegments().size(); ++i)
+            EXPECT_EQ(bytesOf(whole, whole.getSegments()[i], true),
+                      bytesOf(segments, segments.getSegments()[i], true));
+        EXPECT_EQ(
+            std::string(reinterpret_cast<const char*>(whole.getExifBlock()), whole.getExifBlockSize()),
+            std::string(reinterpret_cast<const char*>(segments.getExifBlock()), segments.getExifBlockSize()));
+        EXPECT_EQ(head.size() > 200000, segments.getSize() == whole.getSize())
+            << "the scan is read only when the segments run on";
+    }
+    // Segments that run past the end of the file throw as the whole file's map does.
+    writeFileBytes(dir.file("cut.jpg"), std::string("\xFF\xD8", 2) + icc + icc + icc);
+    EXPECT_THROW(JpegMarkerMap(dir.wide("cut.jpg"), JpegMarkerMap::kSegments), std::domain_error);
+}
+
 TEST(JpegMarkerMap, ShortOrForeignInputIsEmptyAndSegmentsPastTheEndThrow) {
     const std::string small = jpegOf("", "").substr(0, 30), png = "\x89PNG" + std::string(100, 'x');
     EXPECT_TRUE(JpegMarkerMap(small.data(), static_cast<int>(small.size())).isEmpty());
@@ -235,22 +265,96 @@ TEST(JpegMarkerMap, RealFilesParseAsAnIndependentReaderSeesThem) {
     }
 }
 
+// The thumbnail is read from the segments before the scan alone: for every real JPEG file it is the
+// stored preview byte for byte as exiftool extracts it (none where exiftool finds none), and it
+// decodes to a picture.
 TEST_F(JpegCodec, CameraFilesGiveTheirThumbnailAsExiftoolExtractsItOthersNull) {
     ORVANTA_REQUIRE_TESTDATA();
-    for (const char* name : {"jpeg/canon-ixus-640x480.jpg", "jpeg/nikon-d70-app13-after-dht.jpg",
-                             "jpeg/apple-iphone5-orient3.jpg", "jpeg/iptc-app13-before-exif.jpg",
-                             "jpeg-awkward/ycck-adobe2-100x100.jpg"}) {
-        OwnedPtr<Dib> thumbnail = codec->readEmbeddedThumbnail(CString::fromUtf8(testDataPath(name)));
-        ASSERT_TRUE(thumbnail) << name;
-        const auto extracted = capture("exiftool -b -ThumbnailImage '" + testDataPath(name) + "'");
-        if (!extracted) continue;
-        OwnedPtr<Dib> reference =
-            codec->readFromMemory(extracted->data(), static_cast<int>(extracted->size()), nullptr, 0, 0);
-        EXPECT_TRUE(*thumbnail == *reference) << name;
+    if (!haveTool("exiftool")) GTEST_SKIP() << "exiftool is not installed";
+    std::vector<std::string> files;
+    for (const char* folder : {"jpeg", "jpeg-awkward", "large"})
+        for (const std::string& file : testDataFiles(folder, {".jpg"})) files.push_back(file);
+    std::string names;
+    for (const std::string& file : files) names += " '" + file + "'";
+    // One exiftool run writes each file's preview into the folder, named as the file.
+    ASSERT_TRUE(
+        capture("exiftool -q -q -b -ThumbnailImage -w '" + dir.file("%f.%e") + "'" + names + " 2>&1"));
+    int withThumbnail = 0;
+    for (const std::string& file : files) {
+        const std::string name = file.substr(file.rfind('/') + 1);
+        const std::string extracted =
+            std::filesystem::exists(dir.file(name)) ? readFileBytes(dir.file(name)) : std::string();
+        const std::vector<unsigned char> bytes = codec->readEmbeddedThumbnailBytes(CString::fromUtf8(file));
+        EXPECT_TRUE(std::string(bytes.begin(), bytes.end()) == extracted) << name;
+        OwnedPtr<Dib> thumbnail = codec->readEmbeddedThumbnail(CString::fromUtf8(file));
+        EXPECT_EQ(!extracted.empty(), thumbnail != nullptr) << name;
+        withThumbnail += !extracted.empty();
     }
-    for (const char* name : {"jpeg/orientation-1-landscape.jpg", "jpeg/kodak-dc210-com.jpg",
-                             "jpeg-awkward/missing-sos.jpg", "tiff/rgba-8bit-le-162x20.tif", "missing.jpg"})
+    EXPECT_GE(withThumbnail, 20);
+    for (const char* name : {"tiff/rgba-8bit-le-162x20.tif", "missing.jpg"})
         EXPECT_FALSE(codec->readEmbeddedThumbnail(CString::fromUtf8(testDataPath(name)))) << name;
+}
+
+// Read from the segments, files cut short anywhere or with bytes of their EXIF block scrambled give
+// the thumbnail the whole file's EXIF segment gives, or none; copied out, it is written byte for
+// byte, and where there is none nothing is written and the answer says so.
+TEST_F(JpegCodec, AThumbnailFromTheSegmentsIsTheWholeFilesOnCutAndScrambledFiles) {
+    ORVANTA_REQUIRE_TESTDATA();
+    // The preview the whole file's first EXIF segment carries, read as the codec always read it.
+    const auto wholeFiles = [](const std::string& bytes) {
+        try {
+            const JpegMarkerMap map(bytes.data(), static_cast<int>(bytes.size()));
+            for (int i = 0; const JpegMarkerMap::Segment* s = map.getSegment(kApp1, i); ++i) {
+                if (s->length < JpegFormat::kMinimumExifSegment ||
+                    std::memcmp(map.getData() + s->offset, JpegFormat::kExifHeader,
+                                JpegFormat::kExifHeaderSize))
+                    continue;
+                const auto exif = ExifThumbnail::load(map.getData() + s->offset, s->length);
+                if (!exif || exif->getThumbnailSize() <= 0) return std::string();
+                return std::string(reinterpret_cast<const char*>(exif->getThumbnail()),
+                                   static_cast<std::size_t>(exif->getThumbnailSize()));
+            }
+        } catch (const std::domain_error&) {
+        }
+        return std::string();
+    };
+    std::mt19937 random(2027);
+    std::vector<std::string> variants;
+    for (const char* name : {"jpeg/canon-ixus-640x480.jpg", "jpeg/canon-eos7d-photoshop-allsegs.jpg",
+                             "jpeg/iptc-app13-before-exif.jpg", "large/oppo-r7plus-13mp-portrait.jpg"}) {
+        const std::string photo = readFileBytes(testDataPath(name));
+        for (std::size_t cut = 0; cut < 140000; cut += 1 + random() % 6000)
+            variants.push_back(photo.substr(0, cut));
+        for (int round = 0; round < 25; ++round) {
+            std::string scrambled = photo;
+            for (int flips = 0; flips < 1 + round % 4; ++flips)
+                scrambled[4 + random() % 20000] = static_cast<char>(random());
+            variants.push_back(scrambled);
+        }
+    }
+    int copies = 0;
+    for (std::size_t i = 0; i < variants.size(); ++i) {
+        writeFileBytes(dir.file("v.jpg"), variants[i]);
+        const std::string expected = wholeFiles(variants[i]);
+        const std::vector<unsigned char> bytes = codec->readEmbeddedThumbnailBytes(dir.wide("v.jpg"));
+        ASSERT_TRUE(std::string(bytes.begin(), bytes.end()) == expected) << "variant " << i;
+        std::remove(dir.file("t.jpg").c_str());
+        CSize size(0, 0);
+        const int copied =
+            codec->copyEmbeddedThumbnail(dir.wide("v.jpg"), dir.wide("t.jpg"), 1000, 1000, &size);
+        ASSERT_GE(copied, 0) << "variant " << i;
+        EXPECT_EQ(copied > 0, std::filesystem::exists(dir.file("t.jpg"))) << "variant " << i;
+        // Written, it is the preview itself; where there is none, nothing is.
+        EXPECT_TRUE(copied == 0 || readFileBytes(dir.file("t.jpg")) == expected) << "variant " << i;
+        EXPECT_TRUE(copied == 0 || !expected.empty()) << "variant " << i;
+        copies += copied > 0;
+    }
+    EXPECT_GT(copies, 20);
+    // A destination that cannot be written is an error of its own, with the reason.
+    writeFileBytes(dir.file("v.jpg"), readFileBytes(testDataPath("jpeg/canon-ixus-640x480.jpg")));
+    Platform::setLastError(0);
+    EXPECT_LT(codec->copyEmbeddedThumbnail(dir.wide("v.jpg"), dir.wide("no/t.jpg"), 1000, 1000, nullptr), 0);
+    EXPECT_EQ(ENOENT, Platform::getLastError());
 }
 
 TEST_F(JpegCodec, QualitiesChooseChromaSamplingAndAWrittenPictureIsWhatDjpegDecodes) {

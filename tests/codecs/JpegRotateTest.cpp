@@ -42,6 +42,17 @@ protected:
         EXPECT_GT(codec->write(blocks, dir.wide("made.jpg"), ImageQualityHigh), 0);
         return readFileBytes(dir.file("made.jpg"));
     }
+    // A picture of noise whose turned file comes out in many pieces, over two megabytes of them
+    // (each megabyte sent on to the device as it is written).
+    std::string large() {
+        OwnedPtr<Dib> noise = makeDib(2400, 1600, [](int x, int y) {
+            const unsigned h = (static_cast<unsigned>(x) * 2654435761u) ^ (static_cast<unsigned>(y) * 40503u);
+            return Rgb{static_cast<int>(h >> 24), static_cast<int>((h >> 16) & 255),
+                       static_cast<int>(h & 255)};
+        });
+        EXPECT_GT(codec->write(noise, dir.wide("made.jpg"), ImageQualityHigh), 0);
+        return readFileBytes(dir.file("made.jpg"));
+    }
     bool rotate(const std::string& path, int angle) {
         OwnedPtr<RotateOp> op = RotateOp::create(angle);
         return codec->rotateFile(CString::fromUtf8(path), op);
@@ -122,19 +133,21 @@ TEST_F(JpegRotate, TurnsEachWayAndTrimsTheEdgeThatCannotTurn) {
 }
 
 TEST_F(JpegRotate, AFailureAtAnyStepLeavesTheOriginalAndSaysWhy) {
-    const std::string before = synthetic(), path = place(before);
+    const std::string small = synthetic(), big = large();
+    ASSERT_GT(big.size(), 2u << 20);
+    const std::string path = place(small);
     EXPECT_TRUE(rotate(path, 0));
     EXPECT_EQ(u"Angle not supported", messageOf([&] { rotate(path, 45); }));
     EXPECT_EQ(u"Cannot read src file", messageOf([&] { rotate(dir.file("missing.jpg"), 90); }));
     const struct {
+        const std::string* before;
         long long budget;  // bytes written before the disk is full; -1: no limit
         int renameError, createError, error;
-    } cases[] = {{0, 0, 0, ENOSPC},
-                 {500, 0, 0, ENOSPC},
-                 {-1, EXDEV, 0, EXDEV},
-                 {-1, 0, 0, EIO},
-                 {-1, 0, EROFS, EROFS}};
+    } cases[] = {{&small, 0, 0, 0, ENOSPC},     {&small, 500, 0, 0, ENOSPC},   {&small, -1, EXDEV, 0, EXDEV},
+                 {&small, -1, 0, 0, EIO},       {&small, -1, 0, EROFS, EROFS}, {&big, 300000, 0, 0, ENOSPC},
+                 {&big, 1800000, 0, 0, ENOSPC}, {&big, -1, 0, 0, EIO}};
     for (const auto& c : cases) {
+        writeFileBytes(path, *c.before);
         FaultyFileSystem disk;
         disk.failWritesAfter(c.budget);
         disk.failRenames(c.renameError);
@@ -146,21 +159,28 @@ TEST_F(JpegRotate, AFailureAtAnyStepLeavesTheOriginalAndSaysWhy) {
         EXPECT_FALSE(done) << c.error;
         EXPECT_EQ(c.createError ? u"Cannot open destination file" : u"(nothing thrown)", thrown);
         EXPECT_EQ(c.error, Platform::getLastError());
-        EXPECT_EQ(before, readFileBytes(path));
+        EXPECT_TRUE(*c.before == readFileBytes(path)) << c.budget;
         EXPECT_EQ(2u, dir.count()) << "no temporary file is left";
     }
 }
 
+// Killed before its first byte, in the middle of a large file, or at the rename, the turn leaves
+// the original byte for byte.
 TEST_F(JpegRotate, AProcessKilledMidwayLeavesTheOriginal) {
-    const std::string before = synthetic(), path = place(before);
-    for (bool atWrite : {true, false}) {
+    const std::string small = synthetic(), big = large();
+    const struct {
+        const std::string* before;
+        long long written;  // bytes written before the end; -1: at the rename
+    } cases[] = {{&small, 0}, {&small, -1}, {&big, 1300000}, {&big, -1}};
+    for (const auto& c : cases) {
+        const std::string path = place(*c.before);
         EXPECT_EXIT(
             {
                 FaultyFileSystem dying;
-                atWrite ? dying.dieAfterWriting(0) : dying.dieAtRename(1);
+                c.written < 0 ? dying.dieAtRename(1) : dying.dieAfterWriting(c.written);
                 rotate(path, 90);
             },
             ::testing::ExitedWithCode(9), "");
-        EXPECT_EQ(before, readFileBytes(path));
+        EXPECT_TRUE(*c.before == readFileBytes(path)) << c.written;
     }
 }

@@ -3,6 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -12,6 +16,8 @@
 #include "orvanta/editing/DownsizeOp.h"
 #include "orvanta/editing/EditableDib.h"
 #include "orvanta/editing/MirrorOp.h"
+#include "orvanta/editing/PicFixOp.h"
+#include "orvanta/editing/RedeyeOp.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/editing/SepiaOp.h"
 #include "orvanta/editing/UndoOp.h"
@@ -80,6 +86,74 @@ TEST(Moves, RotationDirectionMirrorAndCropPixels) {
     for (const CSize size : {CSize(7, 5), CSize(4, 9)}) {
         OwnedPtr<Dib> picture(makePatternDib(size.cx, size.cy, 3));
         checkMoves(picture, "pattern");
+    }
+}
+
+// The moves, the red-eye removal and the picture fix write every byte of their result into a block taken as
+// it was left (a picture's block is reused without clearing): the same bytes, row padding included, whatever
+// the block held before.
+TEST(Moves, EveryByteOfAResultIsWrittenWhateverTheBlockHeld) {
+    // Odd sides, so that rows carry padding both ways round, and photograph-sized, so that blocks
+    // are kept for reuse; a pupil in one corner for the red-eye click.
+    const CSize size(2001, 1999);
+    OwnedPtr<Dib> picture(makePatternDib(size.cx, size.cy, 3));
+    DibWalker corner(picture, 0, 0, 13, 13);
+    for (int y = 0; y < 13; ++y)
+        for (int x = 0; x < 13; ++x) {
+            const int d = std::max(std::abs(x - 6), std::abs(y - 6));
+            corner.setPixel(d <= 1 ? 0x1E28C8 : d == 2 ? 0x283C96 : 0x3C3C3C, x, y);  // pupil, rim, grey
+        }
+    std::vector<std::function<EditingOp*()>> makers;
+    for (int move = 0; move < kMoves; ++move) makers.push_back([move, size] { return makeMove(move, size); });
+    makers.push_back([size] { return RedeyeOp::create(DibPoint(6.5 / size.cx, 6.5 / size.cy), 6); });
+    makers.push_back([] { return PicFixOp::create(); });
+    for (std::size_t i = 0; i < makers.size(); ++i) {
+        std::vector<std::string> results;
+        for (const unsigned char fill : {0x00, 0xFF}) {
+            OwnedPtr<EditingOp> op(makers[i]());
+            OwnedPtr<Dib> first(op->doOp(picture, nullptr));
+            ASSERT_TRUE(first) << "edit " << i;
+            const CSize resultSize = first->getSize();
+            first = nullptr;
+            // Left for the result to take: a released block of its size full of the fill.
+            OwnedPtr<Dib> block(DibSection::create(resultSize.cx, resultSize.cy, 3));
+            std::memset(block->getBits(), fill, static_cast<std::size_t>(block->getBitsSize()));
+            const unsigned char* const bits = block->getBits();
+            block = nullptr;
+            OwnedPtr<Dib> result(op->doOp(picture, nullptr));
+            ASSERT_EQ(bits, result->getBits()) << "the released block is reused";
+            results.emplace_back(reinterpret_cast<const char*>(result->getBits()), result->getBitsSize());
+        }
+        EXPECT_TRUE(results[0] == results[1]) << "edit " << i;
+    }
+}
+
+// A picture the history holds (the picture fix records its input itself) keeps its block when the
+// picture under edit moves on: the edits of its size made meanwhile, whose own released blocks are
+// reused, never take it, and undo gives back every state's bytes.
+TEST(Moves, AHeldPictureKeepsItsBlockWhileEditsOfItsSizeComeAndGo) {
+    const CSize size(1501, 1203);  // photograph-sized: its blocks are kept for reuse
+    OwnedPtr<EditableDib> picture(new EditableDib(OwnedPtr<Dib>(makePatternDib(size.cx, size.cy, 3))));
+    std::vector<std::string> states{packedPixels(*picture)};
+    std::vector<const unsigned char*> held;  // the blocks of the pictures only the history holds
+    const struct {
+        std::function<EditingOp*()> make;
+        bool recordsInput;
+    } edits[] = {{[] { return PicFixOp::create(); }, true},
+                 {[] { return RotateOp::create(180); }, false},
+                 {[] { return RotateOp::create(180); }, false},
+                 {[] { return PicFixOp::create(); }, true},
+                 {[] { return MirrorOp::create(false); }, false}};
+    for (const auto& edit : edits) {
+        const unsigned char* input = picture->getBits();
+        ASSERT_TRUE(picture->doOp(OwnedPtr<EditingOp>(edit.make())));
+        EXPECT_EQ(held.end(), std::find(held.begin(), held.end(), picture->getBits())) << states.size();
+        if (edit.recordsInput) held.push_back(input);
+        states.push_back(packedPixels(*picture));
+    }
+    for (std::size_t i = states.size() - 1; i-- > 0;) {
+        ASSERT_TRUE(picture->undo(true));
+        ASSERT_TRUE(packedPixels(*picture) == states[i]) << "undo to state " << i;
     }
 }
 

@@ -1,13 +1,17 @@
-// The per-thread message queue: posting, filters, quit and timers. (Registered messages, key state,
-// message positions and filter hooks are tested through the library's event loop, in foundation.)
+// The per-thread message queue: posting, filters, quit, timers and messages sent between threads.
+// (Registered messages, key state, message positions and filter hooks are tested through the
+// library's event loop, in foundation.)
 
 #include "orvanta/platform/MessageQueue.h"
 
 #include <gtest/gtest.h>
 
 #include <future>
+#include <stop_token>
 #include <thread>
 #include <vector>
+
+#include "orvanta/platform/Window.h"
 
 using namespace Orvanta;
 using namespace Orvanta::Platform;
@@ -113,4 +117,45 @@ TEST_F(MessageQueueTest, ATimerWaitsBehindPostedMessagesNeverPilesUpAndStopsWhen
     EXPECT_EQ(std::vector<UINT_PTR>{id}, gTimerCalls);
     EXPECT_FALSE(peekMessage(&msg, 0, 0, PM_REMOVE));
     killTimer(id);
+}
+
+TEST_F(MessageQueueTest, ASentMessageIsHandledInsideTheReceiversNextLookAndItsSenderGetsTheResult) {
+    struct Doubler : Window::Handler {
+        LRESULT windowProc(HWND, UINT message, WPARAM wParam, LPARAM) override {
+            handled.push_back(message);
+            return static_cast<LRESULT>(wParam * 2);
+        }
+        std::vector<UINT> handled;
+    } doubler;
+    HWND window = Window::create(nullptr, CRect(0, 0, 10, 10), WS_OVERLAPPED, &doubler);
+    postThreadMessage(me, WM_USER + 1, 0, 0);
+    LRESULT result = 0;
+    bool sent = false;
+    std::thread sender([&] { sent = Window::sendFromThread(window, WM_USER + 2, 21, 0, &result); });
+    // A look that matches nothing posted still delivers it.
+    for (MSG msg; doubler.handled.empty();) peekMessage(&msg, WM_APP, WM_APP, PM_NOREMOVE);
+    sender.join();
+    EXPECT_TRUE(sent);
+    EXPECT_EQ(42, result);
+    EXPECT_EQ((std::vector<std::pair<UINT, WPARAM>>{{WM_USER + 1, 0}}), takeAll()) << "never returned";
+
+    // A sender that gives up takes its message back; a receiver that ends answers every waiting sender.
+    std::stop_source stop;
+    stop.request_stop();
+    std::thread([&] {
+        sent = Window::sendFromThread(window, WM_USER + 3, 0, 0, &result, stop.get_token());
+    }).join();
+    EXPECT_FALSE(sent);
+    takeAll();
+    EXPECT_EQ(std::vector<UINT>{WM_USER + 2}, doubler.handled);
+    std::promise<DWORD> receiverId;
+    std::thread receiver([&] {
+        ensureMessageQueue();
+        receiverId.set_value(currentThreadId());
+        msgWaitForMultipleObjects(0, nullptr, INFINITE, QS_ALLINPUT);  // the message is there: end
+    });
+    EXPECT_FALSE(
+        sendQueueMessage(receiverId.get_future().get(), MSG{nullptr, WM_USER, 0, 0, 0, CPoint()}, &result));
+    receiver.join();
+    window->destroy();
 }

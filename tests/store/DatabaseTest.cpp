@@ -252,6 +252,42 @@ TEST_F(DatabaseTest, DamagedOrBusyFilesDoNotOpen) {
     EXPECT_EQ(OwnedPtr<Database>(Database::create(dir.wide("bad"), 1))->getRecordCount(), 4);
 }
 
+// A file of several megabytes, whose length is no multiple of the 2 MiB pages it is mapped on and
+// which has bytes past its last block, opens with every record as written; a record head damaged far
+// into it, its run reaching past the last block, keeps the file closed.
+TEST_F(DatabaseTest, ALargeFileOfAnyLengthOpensWholeAndDamageFarInKeepsItClosed) {
+    std::map<int, std::string> written;
+    {
+        OwnedPtr<Database> db = make(1024, 100, "large");
+        std::mt19937 random(5);
+        for (int n = 1; n <= 2500; ++n) {
+            written[n] = pattern(1 + static_cast<int>(random() % 3000), n);
+            ASSERT_TRUE(db->addRecord(idFor(n), written[n].data(), static_cast<int>(written[n].size())));
+        }
+        for (int n = 3; n <= 2500; n += 7) {
+            db->removeRecord(idFor(n));
+            written.erase(n);
+        }
+    }
+    std::string bytes = readFileBytes(dir.file("large")) + std::string(4097, '\x11');
+    ASSERT_GT(bytes.size(), 4u << 20);
+    ASSERT_NE(0u, bytes.size() % (2u << 20));
+    writeFileBytes(dir.file("large"), bytes);
+    {
+        OwnedPtr<Database> db = Database::create(dir.wide("large"), 100);
+        ASSERT_EQ(static_cast<int>(written.size()), db->getRecordCount());
+        for (const auto& [n, payload] : written) ASSERT_EQ(payload, payloadOf(db->getRecord(idFor(n)))) << n;
+    }
+    // The last record's head, found by its id: its size now runs past the last block.
+    unsigned char id[16];
+    idFor(2500).writeBytes(id);
+    const std::size_t head = bytes.rfind(std::string(reinterpret_cast<char*>(id), 16)) - 12;
+    ASSERT_GT(head, 4u << 20);
+    putInt(bytes, head + 28, 1 << 24);
+    writeFileBytes(dir.file("large"), bytes);
+    EXPECT_EQ(kCannot, opens("large"));
+}
+
 TEST_F(DatabaseTest, OrderingFileLayoutGrowthAndMoves) {
     {
         OwnedPtr<DatabaseOrdering> ordering = makeOrdering();
@@ -293,12 +329,24 @@ using Model = std::map<std::pair<std::uint64_t, std::uint64_t>, int>;
 // The index walked forwards holds what the model holds, and walked back from the end too.
 void expectSame(const IdIndex& index, const Model& model) {
     ASSERT_EQ(index.size(), model.size());
+    std::vector<std::int32_t> offsets;
+    for (const auto& entry : model) offsets.push_back(entry.second);
     auto position = index.begin();
+    std::size_t i = 0;
     for (const auto& [key, offset] : model) {
         ASSERT_FALSE(index.atEnd(position));
         EXPECT_TRUE(index.at(position).key == (IdIndex::Key{key.first, key.second}));
         EXPECT_EQ(index.at(position).offset, offset);
+        // A jump of any length, within a chunk, to its end, across several, or past the last key.
+        for (const std::size_t jump : {std::size_t(1), std::size_t(IdIndex::kChunkSize), std::size_t(300)}) {
+            const auto ahead = index.advance(position, jump);
+            if (i + jump < offsets.size())
+                EXPECT_EQ(index.at(ahead).offset, offsets[i + jump]) << i << "+" << jump;
+            else
+                EXPECT_TRUE(index.atEnd(ahead)) << i << "+" << jump;
+        }
         position = index.next(position);
+        ++i;
     }
     EXPECT_TRUE(index.atEnd(position));
     for (auto it = model.rbegin(); it != model.rend(); ++it) {

@@ -75,4 +75,25 @@ int FaultyFileSystem::birthTime(const char* path, struct timespec* time) {
     return FileSystem::birthTime(path, time);
 }
 
+namespace {
+
+int failureFor(const std::map<std::string, int>& errors, const char* path) {
+    const auto it = errors.find(path);
+    if (it == errors.end()) return 0;
+    errno = it->second;
+    return -1;
+}
+
+}  // namespace
+
+int FaultyFileSystem::listDirectory(const char* path, std::vector<std::string>* names) {
+    if (failureFor(mListingErrors, path)) return -1;
+    return FileSystem::listDirectory(path, names);
+}
+
+int FaultyFileSystem::linkStat(const char* path, struct stat* info) {
+    if (failureFor(mExamineErrors, path)) return -1;
+    return FileSystem::linkStat(path, info);
+}
+
 }  // namespace OrvantaTest

@@ -11,6 +11,8 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <map>
+#include <string>
 
 #include "orvanta/platform/FileSystem.h"
 
@@ -32,6 +34,11 @@ public:
     void dieAfterWriting(long long bytes) { mDieBudget = bytes; }
     void dieAtRename(int n) { mRenamesToDie = n; }
     void hideBirthTimes(bool hide) { mHideBirthTimes = hide; }
+    // Listing the folder at exactly this path fails with error (a folder that may not be read).
+    void failListing(const std::string& path, int error) { mListingErrors[path] = error; }
+    // Examining the file at exactly this path without following it fails with error (a file that
+    // went away after its folder was listed).
+    void failExamining(const std::string& path, int error) { mExamineErrors[path] = error; }
 
     int open(const char* path, int flags, mode_t mode) override;
     ssize_t write(int fd, const void* data, std::size_t size) override;
@@ -40,6 +47,8 @@ public:
     int sync(int fd) override;
     int birthTime(const char* path, struct timespec* time) override;
     using FileSystem::birthTime;
+    int listDirectory(const char* path, std::vector<std::string>* names) override;
+    int linkStat(const char* path, struct stat* info) override;
 
     long long bytesWritten() const { return mBytesWritten; }
 
@@ -52,6 +61,8 @@ private:
     long long mDieBudget = -1;
     int mRenamesToDie = 0;
     bool mHideBirthTimes = false;
+    std::map<std::string, int> mListingErrors;
+    std::map<std::string, int> mExamineErrors;
 };
 
 }  // namespace OrvantaTest

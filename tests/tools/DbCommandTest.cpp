@@ -108,4 +108,8 @@ TEST_F(DbCommand, AddCataloguesReadablePicturesAndReportsTheRest) {
     }
     for (const std::string& line : lines)
         EXPECT_NE(dump.find(line), std::string::npos) << line << "\n" << dump;
+    // A catalogue as the library makes it: format version 2, grown by 100 blocks.
+    const std::string stats = runTool("db stats '" + added + "'").output;
+    EXPECT_NE(stats.find("format version\t2\nrecords\t3\n"), std::string::npos) << stats;
+    EXPECT_NE(stats.find("block count\t100\n"), std::string::npos) << stats;
 }

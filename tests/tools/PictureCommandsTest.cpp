@@ -144,6 +144,47 @@ TEST_F(PictureCommands, EachCommandPrintsWhatItDidOrFailsWithTheReason) {
     EXPECT_EQ(before, readFileBytes(damaged));
 }
 
+// A JPEG thumbnail of a JPEG photo that carries one fitting the box is the stored preview, byte for
+// byte as exiftool extracts it; a smaller box has it decoded and fitted.
+TEST_F(PictureCommands, TheEmbeddedThumbnailIsCopiedWhenItFitsTheBox) {
+    const ToolRun stored = runShell("exiftool -b -ThumbnailImage '" + photo + "'");
+    if (stored.status != 0 || stored.output.empty()) GTEST_SKIP() << "exiftool is not installed";
+    EXPECT_EQ(out + "1.jpg\t160\t120\tembedded\n", run("thumb '" + photo + "' '" + out + "1.jpg'"));
+    EXPECT_TRUE(stored.output == readFileBytes(out + "1.jpg"));
+    EXPECT_EQ(out + "2.jpg\t64\t48\tembedded\n", run("thumb '" + photo + "' '" + out + "2.jpg' --box 64x64"));
+    OwnedPtr<Dib> fitted(readPicture(out + "2.jpg"));
+    EXPECT_EQ(CSize(64, 48), fitted->getSize());
+}
+
+// The host loads a system library on the first call into it: a help text or a JPEG's header load
+// none beyond the linked libjpeg; its thumbnail, and its turn (which writes the turned file a new
+// thumbnail), libexif; the rest (ICU, GIO, libtiff, pixman, the display's libraries) wait.
+TEST_F(PictureCommands, ACommandLoadsOnlyTheSystemLibrariesItUses) {
+    const struct {
+        std::string arguments;
+        std::string loaded;  // the libraries loaded, without their versions, sorted, each followed by a space
+    } cases[] = {
+        {"--help", ""},
+        {"help thumb", ""},
+        {"info '" + photo + "'", ""},
+        {"thumb '" + photo + "' '" + out + ".jpg'", "libexif "},
+        {"rotate '" + copyOf("jpeg/canon-ixus-640x480.jpg", "turn.jpg") + "' 90", "libexif "},
+    };
+    for (const auto& c : cases) {
+        const ToolRun r = runShell("LD_DEBUG=files {tool} " + c.arguments + " 2>&1 >/dev/null");
+        // Lines such as "file=libjpeg.so.62 [0];  dynamically loaded by /.../liborvanta.so.1 [0]" (by
+        // the sanitizer's runtime, which sees every dlopen, in a sanitized build).
+        std::vector<std::string> loaded;
+        const std::regex line(R"(file=(\S+) \[0\];\s+dynamically loaded by)");
+        for (std::sregex_iterator it(r.output.begin(), r.output.end(), line), end; it != end; ++it)
+            loaded.push_back((*it)[1].str().substr(0, (*it)[1].str().find(".so")));
+        std::sort(loaded.begin(), loaded.end());
+        std::string names;
+        for (const std::string& name : loaded) names += name + " ";
+        EXPECT_EQ(c.loaded, names) << c.arguments;
+    }
+}
+
 TEST_F(PictureCommands, EditsEqualTheLibrarysOperationsAndReportTheHistory) {
     using Make = std::function<EditingOp*()>;
     const Make turn = [] { return RotateOp::create(90); }, fix = [] { return PicFixOp::create(); };

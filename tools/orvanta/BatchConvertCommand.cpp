@@ -13,14 +13,12 @@
 
 #include "Commands.h"
 #include "ConversionTask.h"
-#include "InterruptWatcher.h"
 #include "ProgressBar.h"
+#include "TaskRunner.h"
 #include "orvanta/codecs/Codec.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/OrvantaIU.h"
-#include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/LastError.h"
-#include "orvanta/platform/MessageQueue.h"
 
 namespace OrvantaTool {
 
@@ -28,9 +26,6 @@ using namespace Orvanta;
 namespace fs = std::filesystem;
 
 namespace {
-
-// Posted by the interrupt watcher to the main thread.
-constexpr UINT kInterruptMessage = WM_APP + 1;
 
 struct Options {
     fs::path source;
@@ -116,6 +111,7 @@ bool planBatch(const Options& options, Batch* batch) {
         std::fprintf(stderr, "orvanta batch-convert: no codec writes %s files\n", options.extension.c_str());
         return false;
     }
+    batch->queue.reset(batch->files.size());
     batch->maxWidth = options.maxWidth;
     batch->maxHeight = options.maxHeight;
     batch->quality = options.quality;
@@ -161,21 +157,6 @@ private:
     ProgressBar& mBar;
 };
 
-// Takes every waiting message through the library, as a host's loop does. Returns true if an
-// interrupt was among them.
-bool pumpMessages() {
-    bool interrupted = false;
-    MSG msg;
-    while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE)) {
-        if (!msg.hwnd && msg.message == kInterruptMessage) {
-            interrupted = true;
-            continue;
-        }
-        if (!processMessage(&msg, nullptr)) Platform::dispatchMessage(&msg);
-    }
-    return interrupted;
-}
-
 }  // namespace
 
 int runBatchConvert(const Arguments& arguments) {
@@ -201,26 +182,17 @@ int runBatchConvert(const Arguments& arguments) {
     ProgressBar bar(stderr, total);
     ProgressListener listener(batch, bar);
     {
-        // Blocks the signals before the task threads start, so that only the watcher takes them.
-        InterruptWatcher watcher(Platform::currentThreadId(), kInterruptMessage);
+        // Blocks the signals before the task threads start, so that only its watcher takes them.
+        TaskRunner runner;
         std::vector<std::unique_ptr<ConversionTask>> tasks;
-        for (int i = 0; i < taskCount; ++i)
+        std::vector<Task*> running;
+        for (int i = 0; i < taskCount; ++i) {
             tasks.push_back(std::make_unique<ConversionTask>(batch, &listener));
-        for (auto& task : tasks) task->beginTask();
-        for (;;) {
-            if (pumpMessages() && !interrupted) {
-                interrupted = true;
-                batch.stopping = true;
-                for (auto& task : tasks) task->killTask();
-            }
-            auto running = std::find_if(tasks.begin(), tasks.end(), [](const auto& task) {
-                return task->getTaskStatus() == TaskRunning;
-            });
-            if (running == tasks.end()) break;
-            (*running)->waitForComplete(true, -1);
+            running.push_back(tasks.back().get());
         }
-        // The reports of the last files may still be waiting.
-        pumpMessages();
+        for (auto& task : tasks) task->beginTask();
+        // The files in progress are finished; no other is begun.
+        interrupted = runner.waitFor(running, [&] { batch.queue.stop(); });
     }
     bar.finish();
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

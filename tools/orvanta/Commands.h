@@ -26,6 +26,8 @@ int runDb(const Arguments& arguments);
 int runConvert(const Arguments& arguments);
 int runRotate(const Arguments& arguments);
 int runThumb(const Arguments& arguments);
+int runCatalog(const Arguments& arguments);
+int runWallpaper(const Arguments& arguments);
 int runPrint(const Arguments& arguments);
 int runPrinters(const Arguments& arguments);
 

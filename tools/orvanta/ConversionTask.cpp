@@ -9,23 +9,14 @@ namespace OrvantaTool {
 
 using namespace Orvanta;
 
-long Batch::claim() {
-    if (stopping) return -1;
-    const std::size_t index = next.fetch_add(1);
-    return index < files.size() ? static_cast<long>(index) : -1;
-}
-
 ConversionTask::ConversionTask(Batch& batch, EventListener* listener)
-    : Task(true), mBatch(batch), mListener(listener) {}
+    : QueueTask(batch.queue), mBatch(batch), mListener(listener) {}
 
-void ConversionTask::doTask() {
-    for (long index; !wasKilled() && (index = mBatch.claim()) >= 0;) {
-        Platform::setLastError(0);
-        const bool converted = convert(mBatch.files[static_cast<std::size_t>(index)]);
-        sendEventLater(FileConverted::create(static_cast<std::size_t>(index), converted,
-                                             converted ? 0 : Platform::getLastError()),
-                       mListener);
-    }
+void ConversionTask::doItem(std::size_t index) {
+    Platform::setLastError(0);
+    const bool converted = convert(mBatch.files[index]);
+    sendEventLater(FileConverted::create(index, converted, converted ? 0 : Platform::getLastError()),
+                   mListener);
 }
 
 bool ConversionTask::convert(const Batch::File& file) {

@@ -2,20 +2,20 @@
 // ConversionTask: converts files of a batch on a thread of its own and reports each one to the
 // user-interface thread.
 //
-// Contract: several tasks may share one Batch; each claims the next unclaimed file until none is
-// left, the batch is stopping, or the task is killed. The library writes each destination beside it
-// and renames it into place only once complete, so a destination is never half-written; a file
-// already being converted when the task is killed is finished. After each file the task sends a
-// FileConverted event to the listener, from its own thread, with the reason of a failure.
+// Contract: several tasks share one Batch, working through its queue (QueueTask): each converts the
+// next unclaimed file until none is left, the queue is stopped, or the task is killed. The library writes
+// each destination beside it and renames it into place only once complete, so a destination is never
+// half-written; a file already being converted when the task is killed is finished. After each file the task
+// sends a FileConverted event to the listener, from its own thread, with the reason of a failure.
 
-#include <atomic>
 #include <cstddef>
 #include <vector>
 
 #include "orvanta/codecs/CodecTypes.h"
 #include "orvanta/foundation/Event.h"
 #include "orvanta/foundation/EventListener.h"
-#include "orvanta/foundation/Task.h"
+#include "orvanta/foundation/QueueTask.h"
+#include "orvanta/foundation/WorkQueue.h"
 #include "orvanta/platform/CString.h"
 
 namespace OrvantaTool {
@@ -30,11 +30,7 @@ struct Batch {
     int maxWidth = -1;
     int maxHeight = -1;
     Orvanta::ImageQuality quality = Orvanta::ImageQualityNormal;
-    std::atomic<std::size_t> next{0};
-    std::atomic<bool> stopping{false};
-
-    // The index of the next file to convert, or -1 when there is none or the batch is stopping.
-    long claim();
+    Orvanta::WorkQueue queue;
 };
 
 // One file done: its index in the batch, whether it was converted, and if not, the library's last
@@ -52,12 +48,13 @@ private:
     FileConverted(std::size_t i, bool ok, int e) : index(i), converted(ok), error(e) {}
 };
 
-class ConversionTask : public Orvanta::Task {
+class ConversionTask : public Orvanta::QueueTask {
 public:
     ConversionTask(Batch& batch, Orvanta::EventListener* listener);
     ~ConversionTask() override { killTask(); }
 
-    void doTask() override;
+protected:
+    void doItem(std::size_t index) override;
 
 private:
     bool convert(const Batch::File& file);

@@ -14,9 +14,9 @@
 #include "Commands.h"
 #include "VideoStock.h"
 #include "orvanta/assets/Asset.h"
-#include "orvanta/assets/AssetFile.h"
+#include "orvanta/assets/AssetDb.h"
+#include "orvanta/assets/CatalogueEntry.h"
 #include "orvanta/codecs/CodecManager.h"
-#include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/DateTime.h"
 #include "orvanta/foundation/Exception.h"
@@ -217,28 +217,6 @@ int runDump(const std::string& path) {
     return 0;
 }
 
-// The catalogue's block size: one block holds a typical picture's property list.
-constexpr int kCatalogueBlockSize = 1024;
-constexpr int kCatalogueGrowBlocks = 64;
-
-// One item's catalogue entry as the library makes it (filename, folder, and the date it is shown
-// under), with a picture's size in pixels; null for a file that is not there, that no codec knows, or
-// a picture that cannot be read. The file is only examined, never opened for writing or locked.
-PropertyList* describe(const CString& path) {
-    OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), path, nullptr, nullptr);
-    if (!asset || !asset->getAssetFile() || !asset->getAssetFile()->exists()) return nullptr;
-    OwnedPtr<PropertyList> list = asset->getProperties();
-    if (ImageFile* image = asset->getImageFile()) {
-        const CSize size = image->getPictureSize();
-        if (size.cx <= 0 || size.cy <= 0) return nullptr;
-        list->set(u"width", PropertyValue(size.cx), false);
-        list->set(u"height", PropertyValue(size.cy), false);
-    }
-    // The asset lets go of the list first, so that the list handed back is the caller's alone.
-    asset = nullptr;
-    return list.detach();
-}
-
 // The files to add for one argument: the file itself, or the files directly in a folder that a codec
 // knows, in name order.
 std::vector<std::string> filesOf(const std::string& argument) {
@@ -256,14 +234,13 @@ std::vector<std::string> filesOf(const std::string& argument) {
 
 int runAdd(const std::string& path, const std::vector<std::string>& pictures) {
     const CString catalogue = CString::fromUtf8(path);
-    if (!FilePath::exists(catalogue, false) &&
-        !PropertyDatabase::createFile(catalogue, kCatalogueBlockSize, 1, 0)) {
+    if (!FilePath::exists(catalogue, false) && !AssetDb::createFile(catalogue)) {
         std::fprintf(stderr, "orvanta db: cannot create '%s'\n", path.c_str());
         return 1;
     }
-    OwnedPtr<PropertyDatabase> lists;
+    OwnedPtr<AssetDb> db;
     try {
-        lists = PropertyDatabase::create(catalogue, kCatalogueGrowBlocks);
+        db = AssetDb::create(catalogue);
     } catch (const Exception& e) {
         reportOpenFailure(path, e);
         return 1;
@@ -275,16 +252,15 @@ int runAdd(const std::string& path, const std::vector<std::string>& pictures) {
         for (const std::string& picture : filesOf(argument)) {
             char resolved[PATH_MAX];
             const std::string absolute = realpath(picture.c_str(), resolved) ? resolved : picture;
-            OwnedPtr<PropertyList> entry = describe(CString::fromUtf8(absolute));
-            if (!entry) {
+            OwnedPtr<Asset> asset = CatalogueEntry::create(CString::fromUtf8(absolute));
+            if (!asset) {
                 std::printf("%s\tunreadable\n", picture.c_str());
                 status = 1;
-            } else if (!lists->putList(entry)) {
+            } else if (!db->addAsset(asset, false)) {
                 std::printf("%s\tnot stored\n", picture.c_str());
                 status = 1;
             } else {
-                std::printf("%s\t%s\n", picture.c_str(),
-                            idText(entry->getValue(PropertyList::kPropID).asUniqueID()).c_str());
+                std::printf("%s\t%s\n", picture.c_str(), idText(asset->getID()).c_str());
             }
         }
     }

@@ -38,9 +38,10 @@ void ProgressBar::update(int done) {
     draw();
 }
 
-void ProgressBar::message(const std::string& line) {
+void ProgressBar::message(const std::string& line, std::FILE* to) {
     clear();
-    std::fprintf(mOut, "%s\n", line.c_str());
+    std::fprintf(to ? to : mOut, "%s\n", line.c_str());
+    if (to) std::fflush(to);
     draw();
 }
 

@@ -4,8 +4,8 @@
 // Contract: update() records the count of finished items and redraws; a timer of the calling thread
 // redraws it meanwhile, so the time left counts down between updates (the host's loop must dispatch
 // timer messages). The estimate assumes the items still to come take as long, on average, as those
-// done. Nothing is drawn when the stream is not a terminal. message() prints a line above the bar;
-// finish() clears the bar and stops the timer.
+// done. Nothing is drawn when the stream is not a terminal. message() prints a line above the bar, on
+// the bar's stream or another one; finish() clears the bar and stops the timer.
 
 #include <chrono>
 #include <cstdio>
@@ -21,7 +21,7 @@ public:
     ~ProgressBar() override;
 
     void update(int done);
-    void message(const std::string& line);
+    void message(const std::string& line, std::FILE* to = nullptr);
     void finish();
 
     void onTimer(int id) override;

@@ -12,6 +12,7 @@
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/Image.h"
 #include "orvanta/codecs/ImageCodec.h"
+#include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/editing/DownsizeOp.h"
 #include "orvanta/foundation/Exception.h"
@@ -44,6 +45,22 @@ int thumbnail(const std::string& sourceName, const std::string& destinationName,
     }
     clearFailure();
     try {
+        // A JPEG preview that fits is written as the camera stored it: nothing to decode or encode.
+        auto* jpegReader = dynamic_cast<IntelJpegCodec*>(reader);
+        if (allowEmbedded && jpegReader && dynamic_cast<IntelJpegCodec*>(writer)) {
+            CSize size(0, 0);
+            const int copied =
+                jpegReader->copyEmbeddedThumbnail(source, destination, boxWidth, boxHeight, &size);
+            if (copied < 0) {
+                std::fprintf(stderr, "orvanta thumb: cannot write '%s'%s\n", destinationName.c_str(),
+                             failureReason().c_str());
+                return 1;
+            }
+            if (copied > 0) {
+                std::printf("%s\t%d\t%d\tembedded\n", destinationName.c_str(), size.cx, size.cy);
+                return 0;
+            }
+        }
         const char* origin = "embedded";
         OwnedPtr<Dib> picture;
         if (video) {

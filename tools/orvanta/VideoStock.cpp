@@ -55,7 +55,12 @@ void registerVideoCodec() {
     registered = true;
     OwnedPtr<Dib> frame = drawFilmFrame();
     OwnedPtr<Image> stock = frame ? Image::create(frame, false) : nullptr;
-    CodecManager::registerCodec(GenericVideoCodec::create(stock));
+    OwnedPtr<GenericVideoCodec> codec = GenericVideoCodec::create(stock);
+    // Beyond the library's own video types, those of today's cameras and telephones.
+    std::vector<CString> extensions = codec->getExtensions();
+    for (const char16_t* more : {u"mp4", u"m4v", u"mts", u"m2ts", u"3gp", u"mkv", u"webm", u"wmv"})
+        extensions.push_back(more);
+    CodecManager::registerCodec(codec, extensions);
 }
 
 }  // namespace OrvantaTool

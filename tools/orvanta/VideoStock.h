@@ -4,7 +4,8 @@
 
 namespace OrvantaTool {
 
-// Registers the library's GenericVideoCodec with the stock picture (once per process).
+// Registers the library's GenericVideoCodec with the stock picture (once per process), for its own
+// extensions (mpg, mpeg, mov, qt, avi) and mp4, m4v, mts, m2ts, 3gp, mkv, webm and wmv.
 void registerVideoCodec();
 
 }  // namespace OrvantaTool
