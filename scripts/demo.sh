@@ -118,4 +118,39 @@ echo "== A dialog holding one of each standard widget, drawn by the toolkit, wit
 "$(dirname "$orvanta")/orvanta-window-demo" --widgets "$out"
 
 echo
+echo "== Printing: a 4 x 5 contact sheet and one photograph a page (orvanta print)"
+# wait_job DIR ID: waits until the private server's backend has saved job ID, and prints its path.
+wait_job() {
+  for _ in $(seq 300); do [ -f "$1/out/job-$2.pdf" ] && { echo "$1/out/job-$2.pdf"; return 0; }; sleep 0.1; done
+  echo "demo: job $2 never reached the printer" >&2
+  return 1
+}
+if [ -x /usr/sbin/cupsd ] && [ "$(id -u)" -eq 0 ]; then
+  cupsdir=$(mktemp -d /tmp/orvanta-demo-cups.XXXXXX)
+  trap 'bash "$(dirname "$0")/private-cups.sh" stop "$cupsdir"; rm -rf "$cupsdir"' EXIT
+  CUPS_SERVER=$(bash "$(dirname "$0")/private-cups.sh" start "$cupsdir")
+  export CUPS_SERVER
+  echo "(through a private CUPS server with one printer, Demo)"
+  "$orvanta" printers
+  sheet=$("$orvanta" print --printer Demo --layout 4x5 "${photos[@]}")
+  echo "$sheet"
+  cp "$(wait_job "$cupsdir" "$(echo "$sheet" | awk -F'\t' '{print $2}' | sed 's/job //')")" "$out/contact-sheet.pdf"
+  single=$("$orvanta" print --printer Demo "${jpegs[@]}")
+  echo "$single"
+  cp "$(wait_job "$cupsdir" "$(echo "$single" | awk -F'\t' '{print $2}' | sed 's/job //')")" "$out/one-per-page.pdf"
+else
+  echo "(no CUPS server here: into PDF files directly)"
+  "$orvanta" print --to-pdf "$out/contact-sheet.pdf" --layout 4x5 "${photos[@]}"
+  "$orvanta" print --to-pdf "$out/one-per-page.pdf" "${jpegs[@]}"
+fi
+if command -v pdfinfo > /dev/null; then
+  for pdf in contact-sheet one-per-page; do
+    echo "$pdf.pdf: $(pdfinfo "$out/$pdf.pdf" | grep -E '^Pages' | tr -s ' ')"
+  done
+fi
+echo
+echo "== The contact sheet's first page in a print preview, drawn by the job's own code (orvanta-window-demo)"
+"$(dirname "$orvanta")/orvanta-window-demo" --print-preview "$out/print-preview.png" "${photos[@]}"
+
+echo
 echo "Pictures written to $out/"

@@ -48,6 +48,10 @@ packages=(
   xdotool
   x11-apps
   poppler-utils
+  # printing: CUPS's library (loaded when printers are first asked about), and the server the tests
+  # start a private instance of
+  libcups2-dev
+  cups-daemon
   # Xlib, to notice that the X server went away; XCB, to own the X clipboard for file lists and
   # pictures; xclip, for the tests to paste them as another program would
   libx11-dev
@@ -68,7 +72,7 @@ packages=(
 # With --bench: the reference tools the benchmark scripts time beside orvanta, and what makes their
 # input photographs.
 if [ "${1:-}" = "--bench" ]; then
-  packages+=(libvips-tools exiv2 exiftran
+  packages+=(libvips-tools exiv2 exiftran img2pdf
              sqlite3 lmdb-utils hyperfine time)
 fi
 

@@ -43,7 +43,10 @@ CSize Image::getFitSize(CSize box, bool allowEnlarge, bool fill) {
 
 CSize Image::getScaledSize(double scale) {
     if (!mDib) return CSize(0, 0);
-    const CSize size = mDib->getSize();
+    return scaledSize(mDib->getSize(), scale);
+}
+
+CSize Image::scaledSize(CSize size, double scale) {
     const auto side = [scale](int length) {
         const double scaled = std::ceil(length * scale);
         return scaled < 1.0 ? 1 : static_cast<int>(scaled);

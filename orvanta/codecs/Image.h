@@ -50,6 +50,7 @@ public:
     virtual CSize getFitSize(CSize box, bool allowEnlarge, bool fill);
     // Each side times scale, rounded up, at least 1.
     virtual CSize getScaledSize(double scale);
+    static CSize scaledSize(CSize size, double scale);
     virtual double calcScale(CSize box, bool allowEnlarge, bool fill);
     virtual double calcScaleFor(CSize box, bool allowEnlarge, bool fill);
     virtual CSize getSize();

@@ -12,7 +12,9 @@
 #include <utility>
 
 #include "orvanta/platform/Bitmap.h"
+#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/FontDescription.h"
+#include "orvanta/platform/Screen.h"
 #include "orvanta/platform/Stretch.h"
 #include "orvanta/platform/TextLayout.h"
 
@@ -39,6 +41,7 @@ Canvas::Canvas(cairo_surface_t* surface, Kind kind, CPoint deviceOrigin, const R
       mKind(kind),
       mDeviceOrigin(deviceOrigin),
       mHasBaseClip(clip != nullptr) {
+    if (kind == Kind::Pdf) mCaps.dpiX = mCaps.dpiY = 72;
     if (clip) {
         mBaseClip = *clip;
         clipToRects(mCairo, clip->getRects());
@@ -63,6 +66,9 @@ std::unique_ptr<Canvas> Canvas::createPdf(WriteFunction write, double widthPoint
     auto canvas = std::make_unique<Canvas>(surface, Kind::Pdf);
     cairo_surface_destroy(surface);
     canvas->mWrite = std::move(function);
+    DeviceCaps& caps = canvas->mCaps;
+    caps.paperWidth = caps.printableWidth = static_cast<int>(std::lround(widthPoints));
+    caps.paperHeight = caps.printableHeight = static_cast<int>(std::lround(heightPoints));
     return canvas;
 }
 
@@ -97,6 +103,16 @@ std::unique_ptr<Canvas> Canvas::createForBitmap(Bitmap* bitmap, bool alpha) {
     return canvas;
 }
 
+std::unique_ptr<Canvas> Canvas::createScreenContext() {
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
+    auto canvas = std::make_unique<Canvas>(surface, Kind::Bitmap);
+    cairo_surface_destroy(surface);
+    const CSize screen = screenResolution();
+    canvas->mCaps.dpiX = screen.cx;
+    canvas->mCaps.dpiY = screen.cy;
+    return canvas;
+}
+
 int Canvas::save() {
     cairo_save(mCairo);
     mSaved.push_back(mState);
@@ -116,10 +132,71 @@ bool Canvas::restore(int level) {
     return true;
 }
 
+double Canvas::unitScaleX() const {
+    return mKind == Kind::Pdf ? 72.0 / mCaps.dpiX : 1.0;
+}
+
+double Canvas::unitScaleY() const {
+    return mKind == Kind::Pdf ? 72.0 / mCaps.dpiY : 1.0;
+}
+
+CPoint Canvas::originInDevice() const {
+    return CPoint(mDeviceOrigin.x + mCaps.offsetX + mState.viewportOrigin.x,
+                  mDeviceOrigin.y + mCaps.offsetY + mState.viewportOrigin.y);
+}
+
 void Canvas::applyMatrix() {
     cairo_identity_matrix(mCairo);
-    cairo_translate(mCairo, mDeviceOrigin.x + mState.viewportOrigin.x,
-                    mDeviceOrigin.y + mState.viewportOrigin.y);
+    cairo_scale(mCairo, unitScaleX(), unitScaleY());
+    const CPoint origin = originInDevice();
+    cairo_translate(mCairo, origin.x, origin.y);
+    if (mState.mapScale != 1.0) cairo_scale(mCairo, mState.mapScale, mState.mapScale);
+}
+
+int Canvas::getDeviceCaps(int index) const {
+    switch (index) {
+        case LOGPIXELSX:
+            return mCaps.dpiX;
+        case LOGPIXELSY:
+            return mCaps.dpiY;
+        case PHYSICALWIDTH:
+            return mCaps.paperWidth;
+        case PHYSICALHEIGHT:
+            return mCaps.paperHeight;
+        case PHYSICALOFFSETX:
+            return mCaps.offsetX;
+        case PHYSICALOFFSETY:
+            return mCaps.offsetY;
+        case HORZRES:
+            return mCaps.printableWidth;
+        case VERTRES:
+            return mCaps.printableHeight;
+        case HORZSIZE:
+            return static_cast<int>(std::lround(mCaps.printableWidth * 25.4 / mCaps.dpiX));
+        case VERTSIZE:
+            return static_cast<int>(std::lround(mCaps.printableHeight * 25.4 / mCaps.dpiY));
+        default:
+            return 0;
+    }
+}
+
+void Canvas::setDeviceCaps(const DeviceCaps& caps) {
+    mCaps = caps;
+    if (mCaps.dpiX <= 0 || mCaps.dpiY <= 0) mCaps.dpiX = mCaps.dpiY = 96;
+    if (mKind == Kind::Pdf && caps.paperWidth > 0 && caps.paperHeight > 0)
+        cairo_pdf_surface_set_size(mSurface, caps.paperWidth * unitScaleX(), caps.paperHeight * unitScaleY());
+    // A printer draws nothing outside its printable area.
+    if (caps.paperWidth > 0 && caps.paperHeight > 0) {
+        mBaseClip = Region(CRect(caps.offsetX, caps.offsetY, caps.offsetX + caps.printableWidth,
+                                 caps.offsetY + caps.printableHeight));
+        mHasBaseClip = true;
+    }
+    selectClipRegion(nullptr);
+}
+
+void Canvas::setMapScale(double scale) {
+    mState.mapScale = scale > 0 ? scale : 1.0;
+    applyMatrix();
 }
 
 CPoint Canvas::setViewportOrigin(CPoint origin) {
@@ -146,6 +223,7 @@ void Canvas::intersectClipRect(const CRect& rect) {
 void Canvas::selectClipRegion(const Region* region) {
     cairo_reset_clip(mCairo);
     cairo_identity_matrix(mCairo);
+    cairo_scale(mCairo, unitScaleX(), unitScaleY());
     if (mHasBaseClip) clipToRects(mCairo, mBaseClip.getRects());
     if (region) {
         Region device(*region);
@@ -357,7 +435,7 @@ int Canvas::stretchDIBits(int xDest, int yDest, int destWidth, int destHeight, i
                                           : GDI_ERROR;
     if (!bits) return 0;
     if (!isDrawableRowFormat(info.bmiHeader) || destWidth <= 0 || destHeight <= 0) return 0;
-    if (cairo_surface_get_type(mSurface) == CAIRO_SURFACE_TYPE_IMAGE)
+    if (cairo_surface_get_type(mSurface) == CAIRO_SURFACE_TYPE_IMAGE && mState.mapScale == 1.0)
         return stretchOntoImage(xDest, yDest, destWidth, destHeight, xSrc, ySrc, srcWidth, srcHeight, bits,
                                 info);
     return stretchThroughCairo(xDest, yDest, destWidth, destHeight, xSrc, ySrc, srcWidth, srcHeight, bits,
@@ -378,8 +456,8 @@ int Canvas::stretchOntoImage(int xDest, int yDest, int destWidth, int destHeight
     if (!target) return 0;
 
     // The clip as device rectangles: Cairo gives them in user space, which differs by a translation.
-    const int dx = mDeviceOrigin.x + mState.viewportOrigin.x;
-    const int dy = mDeviceOrigin.y + mState.viewportOrigin.y;
+    const int dx = originInDevice().x;
+    const int dy = originInDevice().y;
     Region clip;
     cairo_rectangle_list_t* list = cairo_copy_clip_rectangle_list(mCairo);
     if (list->status == CAIRO_STATUS_SUCCESS) {
@@ -443,8 +521,30 @@ int Canvas::stretchThroughCairo(int xDest, int yDest, int destWidth, int destHei
     return srcHeight;
 }
 
-// The JPEG's bytes ride on a source surface of its size as MIME data, which the PDF surface writes
-// into the file as they are; the surface's own pixels are never looked at there.
+// The JPEG's bytes ride as MIME data on a source surface of one pixel, which the PDF surface writes
+// into the file as they are, at the JPEG's own size, across the square that pixel covers. A surface
+// of the picture's size would serve as well, but the page takes a snapshot of every source it
+// paints: its blank pixels would be copied for nothing.
+int Canvas::paintJpegBlock(int xDest, int yDest, int destWidth, int destHeight, const unsigned char* data,
+                           unsigned long size, void (*release)(void*), void* closure) {
+    cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
+    if (cairo_surface_status(image) != CAIRO_STATUS_SUCCESS ||
+        cairo_surface_set_mime_data(image, CAIRO_MIME_TYPE_JPEG, data, size, release, closure) !=
+            CAIRO_STATUS_SUCCESS) {
+        release(closure);
+        cairo_surface_destroy(image);
+        return GDI_ERROR;
+    }
+    cairo_save(mCairo);
+    cairo_translate(mCairo, xDest, yDest);
+    cairo_scale(mCairo, destWidth, destHeight);
+    cairo_set_source_surface(mCairo, image, 0, 0);
+    cairo_paint(mCairo);
+    cairo_restore(mCairo);
+    cairo_surface_destroy(image);
+    return cairo_status(mCairo) == CAIRO_STATUS_SUCCESS ? 1 : GDI_ERROR;
+}
+
 int Canvas::drawJpeg(int xDest, int yDest, int destWidth, int destHeight, const void* bits,
                      const BITMAPINFO& info) {
     const BITMAPINFOHEADER& header = info.bmiHeader;
@@ -452,26 +552,35 @@ int Canvas::drawJpeg(int xDest, int yDest, int destWidth, int destHeight, const 
     const int height = std::abs(header.biHeight);
     if (width <= 0 || height <= 0 || header.biSizeImage == 0 || destWidth <= 0 || destHeight <= 0)
         return GDI_ERROR;
-    cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
-    if (cairo_surface_status(image) != CAIRO_STATUS_SUCCESS) {
-        cairo_surface_destroy(image);
-        return GDI_ERROR;
-    }
     auto* copy = static_cast<unsigned char*>(std::malloc(header.biSizeImage));
-    if (!copy) {
-        cairo_surface_destroy(image);
-        return GDI_ERROR;
-    }
+    if (!copy) return GDI_ERROR;
     std::memcpy(copy, bits, header.biSizeImage);
-    cairo_surface_set_mime_data(image, CAIRO_MIME_TYPE_JPEG, copy, header.biSizeImage, std::free, copy);
-    cairo_save(mCairo);
-    cairo_translate(mCairo, xDest, yDest);
-    cairo_scale(mCairo, static_cast<double>(destWidth) / width, static_cast<double>(destHeight) / height);
-    cairo_set_source_surface(mCairo, image, 0, 0);
-    cairo_paint(mCairo);
-    cairo_restore(mCairo);
-    cairo_surface_destroy(image);
-    return cairo_status(mCairo) == CAIRO_STATUS_SUCCESS ? height : GDI_ERROR;
+    return paintJpegBlock(xDest, yDest, destWidth, destHeight, copy, header.biSizeImage, std::free, copy) ==
+                   GDI_ERROR
+               ? GDI_ERROR
+               : height;
+}
+
+namespace {
+
+void releaseContents(void* closure) {
+    delete static_cast<FileContents*>(closure);
+}
+
+}  // namespace
+
+// Read rather than mapped: a file that another program cuts short meanwhile gives fewer bytes, never
+// a fault while the page is written out.
+bool Canvas::drawJpegFile(int xDest, int yDest, int destWidth, int destHeight, const std::string& path) {
+    if (mKind != Kind::Pdf || destWidth <= 0 || destHeight <= 0) return false;
+    auto contents = std::make_unique<FileContents>();
+    if (!contents->open(path) || contents->size() < 3 || contents->data()[0] != 0xFF ||
+        contents->data()[1] != 0xD8)
+        return false;
+    const unsigned char* data = contents->data();
+    const unsigned long size = static_cast<unsigned long>(contents->size());
+    return paintJpegBlock(xDest, yDest, destWidth, destHeight, data, size, releaseContents,
+                          contents.release()) != GDI_ERROR;
 }
 
 bool Canvas::alphaBlend(const CRect& to, const Bitmap* source, const CRect& from) {
@@ -504,10 +613,13 @@ bool Canvas::alphaBlend(const CRect& to, const Bitmap* source, const CRect& from
     return true;
 }
 
-void Canvas::replayOnto(Canvas& target, CPoint at) const {
+void Canvas::replayOnto(Canvas& target, CPoint at, double scale) const {
     cairo_surface_flush(mSurface);
     cairo_save(target.mCairo);
-    cairo_set_source_surface(target.mCairo, mSurface, at.x, at.y);
+    cairo_translate(target.mCairo, at.x, at.y);
+    if (scale != 1.0) cairo_scale(target.mCairo, scale, scale);
+    cairo_set_source_surface(target.mCairo, mSurface, 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(target.mCairo), CAIRO_FILTER_GOOD);
     cairo_paint(target.mCairo);
     cairo_restore(target.mCairo);
 }

@@ -8,6 +8,12 @@
 // moves stays where it was. save() pushes the whole state (clip, origin, pen, brush, colours, font,
 // modes) and returns its level; restore(-1) pops the latest, restore(n) returns to level n.
 //
+// Resolution: a canvas counts in pixels of its device. Screens and bitmaps have 96 to the inch; a
+// PDF canvas has 72 (its unit is the point) until it is given a printer's page by setDeviceCaps, after
+// which its pixels are the printer's dots and logical (0, 0) is the top left corner of the printable
+// area, outside which nothing is drawn, as on a printer. setMapScale scales everything drawn after it
+// uniformly (an isotropic mapping), which clips do not undo.
+//
 // Text is drawn with Pango in the selected font (the default font when none is). In XOR mode every
 // stroke and fill inverts what is under it (Cairo's DIFFERENCE with white), so drawing the same
 // thing twice leaves the surface as it was. stretchDIBits reads pixel rows in place: on an image
@@ -20,6 +26,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "orvanta/platform/CRect.h"
@@ -54,6 +61,31 @@ constexpr UINT DT_CALCRECT = 0x0400;
 constexpr UINT DT_NOPREFIX = 0x0800;
 constexpr UINT DT_END_ELLIPSIS = 0x8000;
 
+// What getDeviceCaps answers, by the platform's index numbers.
+constexpr int HORZSIZE = 4;
+constexpr int VERTSIZE = 6;
+constexpr int HORZRES = 8;
+constexpr int VERTRES = 10;
+constexpr int LOGPIXELSX = 88;
+constexpr int LOGPIXELSY = 90;
+constexpr int PHYSICALWIDTH = 110;
+constexpr int PHYSICALHEIGHT = 111;
+constexpr int PHYSICALOFFSETX = 112;
+constexpr int PHYSICALOFFSETY = 113;
+
+// A device's resolution and, for a printer's page, the paper and its printable area, all in the
+// device's pixels. A canvas that is no printer's page has no paper: its printable area is its own.
+struct DeviceCaps {
+    int dpiX = 96;
+    int dpiY = 96;
+    int paperWidth = 0;
+    int paperHeight = 0;
+    int offsetX = 0;
+    int offsetY = 0;
+    int printableWidth = 0;
+    int printableHeight = 0;
+};
+
 }  // namespace Orvanta
 
 namespace Orvanta::Platform {
@@ -84,11 +116,21 @@ public:
     // byte of each pixel is its coverage and the colours are premultiplied by it (what alphaBlend
     // draws); a new DIB section is then wholly transparent.
     static std::unique_ptr<Canvas> createForBitmap(Bitmap* bitmap, bool alpha = false);
+    // A context of the screen to measure against (the screen's resolution); what it draws goes nowhere.
+    static std::unique_ptr<Canvas> createScreenContext();
 
     Kind getKind() const { return mKind; }
     cairo_surface_t* getSurface() const { return mSurface; }
-    // Pixels per inch: 96 on screens and bitmaps, 72 on a PDF page (its unit is the point).
-    int getResolution() const { return mKind == Kind::Pdf ? 72 : 96; }
+    // GetDeviceCaps: LOGPIXELSX/Y, the paper (PHYSICALWIDTH/HEIGHT), where the printable area starts
+    // (PHYSICALOFFSETX/Y), its size in pixels (HORZRES/VERTRES) and in millimetres (HORZSIZE/VERTSIZE);
+    // 0 for any other index.
+    int getDeviceCaps(int index) const;
+    const DeviceCaps& getCaps() const { return mCaps; }
+    // Sets the device's resolution and page. On a PDF canvas this also sets the size of the current
+    // page to the paper's and maps pixels to points; call it before drawing on a page.
+    void setDeviceCaps(const DeviceCaps& caps);
+    // The isotropic mapping (1.0: none), part of the state save() keeps.
+    void setMapScale(double scale);
 
     int save();
     bool restore(int level);
@@ -134,14 +176,20 @@ public:
     int stretchDIBits(int xDest, int yDest, int destWidth, int destHeight, int xSrc, int ySrc, int srcWidth,
                       int srcHeight, const void* bits, const BITMAPINFO& info);
 
+    // A JPEG file drawn as its own bytes, as a JPEG block is (PDF canvases only): the page keeps the
+    // bytes until it is written out, so the file may be deleted meanwhile. False when the canvas
+    // takes no JPEG blocks or the file is no JPEG.
+    bool drawJpegFile(int xDest, int yDest, int destWidth, int destHeight, const std::string& path);
+
     // AlphaBlend with the source's own alpha: the `from` part of a 32-bit top-down DIB section of
     // premultiplied pixels, scaled into `to` (the nearest pixel in COLORONCOLOR, filtered in
     // HALFTONE, never reaching outside `from`), over what is there. False for any other bitmap or
     // an empty rectangle.
     bool alphaBlend(const CRect& to, const Bitmap* source, const CRect& from);
 
-    // Draws this recording onto another canvas with its top left at `at`.
-    void replayOnto(Canvas& target, CPoint at) const;
+    // Draws this recording onto another canvas with its top left at `at`, its units scaled by
+    // `scale` (filtered where pictures are reduced).
+    void replayOnto(Canvas& target, CPoint at, double scale = 1.0) const;
     // Ends the page of a PDF canvas and starts the next one.
     void showPage();
     // Writes out everything drawn; a PDF document is complete after this.
@@ -164,8 +212,13 @@ private:
         int stretchMode = COLORONCOLOR;
         const FontDescription* font = nullptr;
         CPoint position;
+        double mapScale = 1.0;
     };
 
+    double unitScaleX() const;
+    double unitScaleY() const;
+    // Where logical (0, 0) lies on the surface, before the unit scale.
+    CPoint originInDevice() const;
     void applyMatrix();
     void useColor(COLORREF color);
     void applyPen();
@@ -175,6 +228,10 @@ private:
                             int srcWidth, int srcHeight, const void* bits, const BITMAPINFO& info);
     int drawJpeg(int xDest, int yDest, int destWidth, int destHeight, const void* bits,
                  const BITMAPINFO& info);
+    // Paints a surface of width x height carrying the JPEG block as its MIME data (Cairo then calls
+    // release(closure) once it no longer needs the bytes).
+    int paintJpegBlock(int xDest, int yDest, int destWidth, int destHeight, const unsigned char* data,
+                       unsigned long size, void (*release)(void*), void* closure);
 
     cairo_surface_t* mSurface;
     cairo_t* mCairo;
@@ -182,6 +239,7 @@ private:
     CPoint mDeviceOrigin;
     Region mBaseClip;
     bool mHasBaseClip;
+    DeviceCaps mCaps;
     State mState;
     std::vector<State> mSaved;
     std::unique_ptr<WriteFunction> mWrite;

@@ -54,6 +54,8 @@ namespace {
     F(cairo_surface_t*, cairo_pdf_surface_create_for_stream,                                                 \
       (cairo_write_func_t write, void* closure, double width, double height),                                \
       (write, closure, width, height))                                                                       \
+    F(void, cairo_pdf_surface_set_size, (cairo_surface_t * surface, double width, double height),            \
+      (surface, width, height))                                                                              \
     F(cairo_surface_t*, cairo_recording_surface_create,                                                      \
       (cairo_content_t content, const cairo_rectangle_t* extents), (content, extents))                       \
     F(void, cairo_rectangle, (cairo_t * context, double x, double y, double width, double height),           \

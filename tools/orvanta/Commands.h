@@ -28,5 +28,7 @@ int runRotate(const Arguments& arguments);
 int runThumb(const Arguments& arguments);
 int runCatalog(const Arguments& arguments);
 int runWallpaper(const Arguments& arguments);
+int runPrint(const Arguments& arguments);
+int runPrinters(const Arguments& arguments);
 
 }  // namespace OrvantaTool

@@ -170,6 +170,38 @@ const std::vector<Command>& commands() {
          "arguments, 3 when the desktop does not take its wallpaper from GNOME's settings (another\n"
          "desktop, no settings schema, or GLib keeping settings only in memory): nothing is written.\n",
          runWallpaper},
+        {"print", "print PHOTO...      prints photographs, one a page or in a grid, or into a PDF file",
+         "usage: orvanta print [--printer NAME] [--paper NAME] [--layout COLSxROWS | --template FILE]\n"
+         "                     [--copies N] [--max-dpi N] [--to-pdf FILE] PHOTO...\n"
+         "Prints the photographs through the print system (CUPS), on the default printer or NAME.\n"
+         "  --paper NAME        a paper of the printer by its name (see orvanta printers)\n"
+         "  --layout CxR        C columns by R rows of captioned pictures on each page (a contact\n"
+         "                      sheet); 1x1, the default, is one picture a page, turned to suit it\n"
+         "  --template FILE     pages of a print template instead of a grid: FILE has the lines\n"
+         "                        paper WIDTH HEIGHT\n"
+         "                        image NAME LEFT TOP RIGHT BOTTOM\n"
+         "                        text NAME LEFT TOP RIGHT BOTTOM TEXT...\n"
+         "                      in thousandths of an inch from the paper's corner (# starts a comment);\n"
+         "                      the photos fill the image slots in name order, page after page, each\n"
+         "                      filling its slot, centred\n"
+         "  --copies N          each picture N times, the copies side by side\n"
+         "  --max-dpi N         photos finer than N dots per inch on the page are reduced to it (default\n"
+         "                      300 on a printer; with --to-pdf photos are kept as they are)\n"
+         "  --to-pdf FILE       writes the pages into FILE instead of printing them (Letter, 300 dpi,\n"
+         "                      no margins; --paper A4 or \"4 x 6\" also)\n"
+         "A JPEG that is not changed on its way goes into the document as its own bytes. A progress bar\n"
+         "is drawn on a terminal. Ctrl-C stops after the page in progress: nothing is printed and no\n"
+         "file is left.\n"
+         "Prints: FILE  N pages  SECONDS, or PRINTER  job ID  N pages  SECONDS.\n"
+         "Exit status 0 when the print system took the job (or FILE was written), 1 when it did not or a\n"
+         "photo cannot be read, 2 for bad arguments, 130 when interrupted.\n",
+         runPrint},
+        {"printers", "printers            the printers, with their papers, margins and resolutions",
+         "usage: orvanta printers\n"
+         "One line per printer (NAME, \"default\" for the default one, its model), then one line per\n"
+         "paper (its name, size, the margins left, top, right and bottom in dots at the printer's\n"
+         "first resolution, and whether it is borderless) and per resolution.\n",
+         runPrinters},
     };
     return table;
 }

@@ -30,6 +30,7 @@
 #include "orvanta/toolkit/TextButton.h"
 #include "tools/window-demo/DemoSupport.h"
 #include "tools/window-demo/WidgetsDemo.h"
+#include "tools/window-demo/PrintPreviewDemo.h"
 #include "tools/window-demo/WizardDemo.h"
 
 using namespace Orvanta;
@@ -71,11 +72,15 @@ int main(int argc, char** argv) {
         setenv("SDL_VIDEODRIVER", "offscreen", 0);
         return OrvantaDemo::runWidgetsDemo(argv[2]);
     }
+    if (argc >= 4 && std::strcmp(argv[1], "--print-preview") == 0) {
+        setenv("SDL_VIDEODRIVER", "offscreen", 0);
+        return OrvantaDemo::runPrintPreviewDemo(argv[2], argc - 3, argv + 3);
+    }
     if (argc < 2) {
         std::fprintf(stderr,
                      "usage: %s OUTPUT.png [PHOTO] [--show SECONDS]\n       %s --wizard DIR\n       %s "
-                     "--widgets DIR\n",
-                     argv[0], argv[0], argv[0]);
+                     "--widgets DIR\n       %s --print-preview OUTPUT.png PHOTO...\n",
+                     argv[0], argv[0], argv[0], argv[0]);
         return 2;
     }
     const char* output = argv[1];
