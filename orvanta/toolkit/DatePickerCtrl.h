@@ -14,46 +14,35 @@
 //  - Disabled, the field is grey and takes no input.
 
 #include "orvanta/toolkit/MonthCalendar.h"
-#include "orvanta/toolkit/Popup.h"
-#include "orvanta/toolkit/WindowedControl.h"
+#include "orvanta/toolkit/PopupField.h"
 
 namespace Orvanta {
 
-class DatePickerCtrl : public WindowedControl, public CommandListener {
+class DatePickerCtrl : public PopupField {
 public:
     static DatePickerCtrl* create(int id, CommandListener* listener = nullptr);
-    ~DatePickerCtrl() override;
 
     SYSTEMTIME getDate() const { return mDate; }
     void setDate(const SYSTEMTIME& date);
 
-    bool isOpen() const { return mPopup && mPopup->isOpen(); }
-    void open();
-    void close(bool take);
     MonthCalendar* getCalendar() const { return mCalendar; }
-    Popup* getPopup() const { return mPopup; }
-    CRect getButtonRect() const;
-
-    void paintBackground(HDC dc) override;
-    void paintContent(HDC dc) override;
-    bool preTranslateMessage(MSG* msg) override;
-    void onCommand(Control* source, int command) override;
-
-    static constexpr int kButtonWidth = 17;
 
 protected:
     explicit DatePickerCtrl(int id);
 
-    bool onMouse(UINT message, CPoint point, WPARAM keys) override;
-    bool onKeyDown(int virtualKey, LPARAM lParam) override;
-    void onFocus(bool gained) override;
+    // The calendar is made when first opened: until then no locale calendar is loaded for it.
+    CSize prepareDropDown() override;
+    // The calendar's cursor becomes the date.
+    void takeDropDownValue() override;
+    void paintField(HDC dc, const CRect& field) override;
+    bool onOpenKey(int virtualKey, LPARAM lParam) override;
+    bool onClosedKey(int virtualKey, LPARAM lParam) override;
 
 private:
     void change(const SYSTEMTIME& date);
 
     SYSTEMTIME mDate;
     OwnedPtr<MonthCalendar> mCalendar;
-    OwnedPtr<Popup> mPopup;
 };
 
 }  // namespace Orvanta

@@ -9,19 +9,12 @@
 
 namespace Orvanta {
 
-DropDown::DropDown(int id) : mList(ListBox::create(id)) {
-    setId(id);
-    setTabStop(true);
+DropDown::DropDown(int id) : DropDown(id, ListBox::create(id)) {}
+
+DropDown::DropDown(int id, ListBox* list) : PopupField(id, list), mList(list) {
     mList->setHotTracking(true);
     mList->setTakesFocus(false);
     refit();
-}
-
-DropDown::~DropDown() {
-    if (mPopup) {
-        mPopup->removeCommandListener(this);
-        mPopup->close();
-    }
 }
 
 DropDown* DropDown::create(int id, CommandListener* listener) {
@@ -73,51 +66,22 @@ void DropDown::choose(int index) {
     fireCommand(CommandListener::kSelectionChanged);
 }
 
-void DropDown::open() {
-    if (isOpen() || !isEnabled() || getCount() == 0) return;
-    if (!mPopup) {
-        mPopup = Popup::create(this, mList);
-        mPopup->addCommandListener(this);
-    }
+CSize DropDown::prepareDropDown() {
+    if (getCount() == 0) return CSize(0, 0);
     mList->selectOnly(mChoice);
     const int rows = std::min(getCount(), mVisibleItems);
-    mPopup->open(getWindowRect().width(), rows * mList->getRowHeight() + 2);
+    return CSize(getWindowRect().width(), rows * mList->getRowHeight() + 2);
+}
+
+void DropDown::onDropDownShown() {
     mList->ensureVisible(mChoice);
-    invalidate();
 }
 
-void DropDown::close(bool take) {
-    if (!isOpen() || mClosing) return;
-    mClosing = true;
-    const int highlighted = mList->getSelection();
-    mPopup->close();
-    mClosing = false;
-    if (take) choose(highlighted);
-    invalidate();
+void DropDown::takeDropDownValue() {
+    choose(mList->getSelection());
 }
 
-// The list's commands reach here through the popup, which passes its child's on.
-void DropDown::onCommand(Control* source, int command) {
-    if (source == mList.get() && command == CommandListener::kItemActivated) close(true);
-    if (source == mPopup.get() && command == Popup::kClosed) invalidate();
-}
-
-CRect DropDown::getButtonRect() const {
-    const CRect client = getClientRect();
-    return CRect(client.right - 1 - kButtonWidth, client.top + 1, client.right - 1, client.bottom - 1);
-}
-
-void DropDown::paintBackground(HDC dc) {
-    WidgetLook::drawField(dc, getClientRect(), isEnabled());
-}
-
-void DropDown::paintContent(HDC dc) {
-    const CRect client = getClientRect();
-    const CRect button = getButtonRect();
-    WidgetLook::drawButtonFace(dc, button, isOpen(), false);
-    WidgetLook::drawArrow(dc, button, WidgetLook::Direction::Down, 7,
-                          WidgetLook::textColor(isEnabled(), COLOR_BTNTEXT));
-    const CRect field(client.left + 2, client.top + 2, button.left - 1, client.bottom - 2);
+void DropDown::paintField(HDC dc, const CRect& field) {
     const bool highlighted = hasFocus() && !isOpen();
     if (highlighted) dc->fillRect(field, WidgetLook::selectionColor(true));
     const COLORREF color =
@@ -135,58 +99,21 @@ void DropDown::paintContent(HDC dc) {
                          DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
         }
     }
-    if (hasFocus()) WidgetLook::drawFocusRect(dc, field);
-}
-
-bool DropDown::onMouse(UINT message, CPoint, WPARAM) {
-    if (!isEnabled()) return false;
-    if (message != WM_LBUTTONDOWN && message != WM_LBUTTONDBLCLK) return false;
-    setFocus();
-    if (isOpen())
-        close(false);
-    else
-        open();
-    return true;
 }
 
 bool DropDown::preTranslateMessage(MSG* msg) {
-    if (isOpen() && msg->message == WM_KEYDOWN) {
-        if (msg->wParam == static_cast<WPARAM>(VK_ESCAPE)) {
-            close(false);
-            return true;
-        }
-        if (msg->wParam == static_cast<WPARAM>(VK_TAB)) close(true);
-    }
-    if (msg->message == WM_SYSKEYDOWN &&
-        (msg->wParam == static_cast<WPARAM>(VK_DOWN) || msg->wParam == static_cast<WPARAM>(VK_UP))) {
-        if (isOpen())
-            close(true);
-        else
-            open();
-        return true;
-    }
-    return WindowedControl::preTranslateMessage(msg);
+    if (isOpen() && msg->message == WM_KEYDOWN && msg->wParam == static_cast<WPARAM>(VK_TAB)) close(true);
+    return PopupField::preTranslateMessage(msg);
 }
 
-bool DropDown::onKeyDown(int virtualKey, LPARAM lParam) {
-    if (!isEnabled()) return false;
-    if (virtualKey == VK_F4 || (virtualKey == VK_SPACE && !isOpen())) {
-        if (isOpen())
-            close(true);
-        else
-            open();
-        return true;
-    }
-    if (isOpen()) {
-        if (virtualKey == VK_RETURN) {
-            close(true);
-            return true;
-        }
-        // The open list's highlight moves; the choice is made on closing.
-        bool handled = false;
-        if (virtualKey != VK_SPACE) mList->handleMessage(WM_KEYDOWN, virtualKey, lParam, &handled);
-        return handled;
-    }
+// The open list's highlight moves; the choice is made on closing.
+bool DropDown::onOpenKey(int virtualKey, LPARAM lParam) {
+    bool handled = false;
+    if (virtualKey != VK_SPACE) mList->handleMessage(WM_KEYDOWN, virtualKey, lParam, &handled);
+    return handled;
+}
+
+bool DropDown::onClosedKey(int virtualKey, LPARAM) {
     int next = mChoice;
     switch (virtualKey) {
         case VK_UP:
@@ -225,11 +152,6 @@ bool DropDown::onChar(char16_t c) {
     else
         choose(found);
     return true;
-}
-
-void DropDown::onFocus(bool gained) {
-    if (!gained) close(true);
-    invalidate();
 }
 
 void DropDown::onWheelMessage(const MSG& msg) {

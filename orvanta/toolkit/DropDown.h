@@ -16,15 +16,13 @@
 //  - With the focus, the field shows its choice highlighted. Disabled, it is grey and takes no input.
 
 #include "orvanta/toolkit/ListBox.h"
-#include "orvanta/toolkit/Popup.h"
-#include "orvanta/toolkit/WindowedControl.h"
+#include "orvanta/toolkit/PopupField.h"
 
 namespace Orvanta {
 
-class DropDown : public WindowedControl, public CommandListener {
+class DropDown : public PopupField {
 public:
     static DropDown* create(int id, CommandListener* listener = nullptr);
-    ~DropDown() override;
 
     int addString(const CString& text, LPARAM data = 0) { return mList->addString(text, data); }
     int insertString(int index, const CString& text, LPARAM data = 0);
@@ -40,41 +38,35 @@ public:
     // How many items the open list shows before it scrolls.
     void setVisibleItems(int count) { mVisibleItems = count > 0 ? count : 1; }
 
-    bool isOpen() const { return mPopup && mPopup->isOpen(); }
-    void open();
-    // Closes the list; with take, its highlighted item becomes the choice.
-    void close(bool take);
     ListBox* getList() const { return mList; }
-    Popup* getPopup() const { return mPopup; }
-    CRect getButtonRect() const;
 
-    void paintBackground(HDC dc) override;
-    void paintContent(HDC dc) override;
     bool preTranslateMessage(MSG* msg) override;
     bool takesWheelMessages() override { return isEnabled(); }
     void onWheelMessage(const MSG& msg) override;
-    void onCommand(Control* source, int command) override;
 
-    static constexpr int kButtonWidth = 17;
     static constexpr int kDefaultVisibleItems = 8;
 
 protected:
-    DropDown(int id);
+    explicit DropDown(int id);
 
-    bool onMouse(UINT message, CPoint point, WPARAM keys) override;
-    bool onKeyDown(int virtualKey, LPARAM lParam) override;
+    CSize prepareDropDown() override;
+    void onDropDownShown() override;
+    // The highlighted item becomes the choice.
+    void takeDropDownValue() override;
+    void paintField(HDC dc, const CRect& field) override;
+    bool onOpenKey(int virtualKey, LPARAM lParam) override;
+    bool onClosedKey(int virtualKey, LPARAM lParam) override;
+    bool takesOnFocusLoss() const override { return true; }
     bool onChar(char16_t c) override;
-    void onFocus(bool gained) override;
 
 private:
+    DropDown(int id, ListBox* list);
     void choose(int index);
     void refit();
 
     OwnedPtr<ListBox> mList;
-    OwnedPtr<Popup> mPopup;
     int mChoice = -1;
     int mVisibleItems = kDefaultVisibleItems;
-    bool mClosing = false;
 };
 
 }  // namespace Orvanta
