@@ -162,61 +162,41 @@ bool Container::focusLast() {
     return true;
 }
 
+namespace {
+
+// Places [low, high) of the given size on one axis within [boundLow, boundHigh) by the alignment
+// (start and end are the axis's own names for the two edges); clamp keeps it inside a non-empty bound.
+void alignSpan(int alignment, int start, int end, int boundLow, int boundHigh, bool clamp, int& low,
+               int& high) {
+    const int size = high - low;
+    if (alignment == Control::AlignFill) {
+        low = boundLow;
+        high = boundHigh;
+    } else if (alignment == start) {
+        low = boundLow;
+        high = boundLow + size;
+    } else if (alignment == end) {
+        high = boundHigh;
+        low = boundHigh - size;
+    } else if (alignment == Control::AlignCenter) {
+        low = (boundHigh - boundLow - size) / 2 + boundLow;
+        high = low + size;
+    }
+    if (boundHigh - boundLow > 0 && clamp) {
+        low = std::max(low, boundLow);
+        high = std::min(high, boundHigh);
+    }
+}
+
+}  // namespace
+
 CRect Container::placement(const Control* child, const CRect& bounds, bool clampX, bool clampY) {
     CRect r = child->getLayoutRect();
     const CRect m = child->getMargins();
     const CRect b(bounds.left + m.left, bounds.top + m.top, bounds.right - m.right, bounds.bottom - m.bottom);
     const CSize alignment = child->getAlignment();
-    const int width = r.width();
-    const int height = r.height();
-    switch (alignment.cx) {
-        case AlignFill:
-            r.left = b.left;
-            r.right = b.right;
-            break;
-        case AlignLeft:
-            r.left = b.left;
-            r.right = b.left + width;
-            break;
-        case AlignRight:
-            r.right = b.right;
-            r.left = b.right - width;
-            break;
-        case AlignCenter:
-            r.left = (b.width() - width) / 2 + b.left;
-            r.right = r.left + width;
-            break;
-        default:
-            break;
-    }
-    if (b.width() > 0 && clampX) {
-        r.left = std::max(r.left, b.left);
-        r.right = std::min(r.right, b.right);
-    }
-    switch (alignment.cy) {
-        case AlignFill:
-            r.top = b.top;
-            r.bottom = b.bottom;
-            break;
-        case AlignTop:
-            r.top = b.top;
-            r.bottom = b.top + height;
-            break;
-        case AlignBottom:
-            r.bottom = b.bottom;
-            r.top = b.bottom - height;
-            break;
-        case AlignCenter:
-            r.top = (b.height() - height) / 2 + b.top;
-            r.bottom = r.top + height;
-            break;
-        default:
-            break;
-    }
-    if (b.height() > 0 && clampY) {
-        r.top = std::max(r.top, b.top);
-        r.bottom = std::min(r.bottom, b.bottom);
-    }
+    alignSpan(alignment.cx, AlignLeft, AlignRight, b.left, b.right, clampX, r.left, r.right);
+    alignSpan(alignment.cy, AlignTop, AlignBottom, b.top, b.bottom, clampY, r.top, r.bottom);
     return r;
 }
 
