@@ -14,13 +14,22 @@
 
 namespace Orvanta {
 
-SimpleLayoutPrintJob* SimpleLayoutPrintJob::create(const std::vector<Asset*>& assets, const CString& title) {
+SimpleLayoutPrintJob* SimpleLayoutPrintJob::create(AssetList* assets, const CString& title) {
     return new SimpleLayoutPrintJob(assets, title);
 }
 
-SimpleLayoutPrintJob::SimpleLayoutPrintJob(const std::vector<Asset*>& assets, const CString& title)
-    : PrintJob(title) {
-    for (Asset* asset : assets) mAssets.emplace_back(asset);
+SimpleLayoutPrintJob::SimpleLayoutPrintJob(AssetList* assets, const CString& title)
+    : PrintJob(title), mAssets(assets) {}
+
+OwnedPtr<Asset> SimpleLayoutPrintJob::assetAt(int index) const {
+    AssetList::Lock lock(mAssets);
+    const UniqueID id = mAssets->getID(index);
+    if (id.isNull()) return nullptr;
+    // A list in memory answers its asset's own properties: they are copied, never shared.
+    OwnedPtr<PropertyList> properties = mAssets->readProperties(id);
+    if (!properties) return nullptr;
+    OwnedPtr<PropertyList> copy = properties->clone();
+    return OwnedPtr<Asset>(Asset::create(copy));
 }
 
 namespace {
@@ -90,7 +99,8 @@ const DEVMODEW* SimpleLayoutPrintJob::getDevModeForPage(int page) {
     if (!mAutoOrient) return nullptr;
     const int index = page / getCopies();
     if (index < 0 || index >= getAssetCount()) return nullptr;
-    ImageFile* file = mAssets[static_cast<size_t>(index)]->getImageFile();
+    OwnedPtr<Asset> asset = assetAt(index);
+    ImageFile* file = asset ? asset->getImageFile() : nullptr;
     const CSize size = file ? file->getPictureSize() : CSize(0, 0);
     return getDevMode(size.cx > size.cy ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT);
 }
@@ -289,7 +299,7 @@ Image* SimpleLayoutPrintJob::loadCell(Asset* asset, int maxDpi, int boxHundredth
 }
 
 bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
-    if (mAssets.empty()) return true;
+    if (getAssetCount() == 0) return true;
     computeGrid(dc, getCurrentDevMode());
     const int level = dc->save();
     OwnedPtr<PageGeometry> geometry = getPageGeometry(nullptr, dc);
@@ -316,6 +326,7 @@ bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
     if (mDeviceFont) dc->selectFont(&mDeviceFont->getDescription());
 
     int loadedIndex = -1;
+    OwnedPtr<Asset> asset;
     OwnedPtr<Image> image;
     bool modified = false, passThrough = false;
     CString path, name;
@@ -326,7 +337,8 @@ bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
             image = nullptr;
             modified = passThrough = false;
             size = CSize(0, 0);
-            ImageFile* file = mAssets[static_cast<size_t>(assetIndex)]->getImageFile();
+            asset = assetAt(assetIndex);
+            ImageFile* file = asset ? asset->getImageFile() : nullptr;
             if (file) {
                 path = file->getPath();
                 name = file->getFilename();
@@ -336,8 +348,7 @@ bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
                 if (passThrough)
                     size = filePixels;
                 else
-                    image = loadCell(mAssets[static_cast<size_t>(assetIndex)], maxDpi, boxHundredthsW,
-                                     boxHundredthsH, cellAspect, modified);
+                    image = loadCell(asset, maxDpi, boxHundredthsW, boxHundredthsH, cellAspect, modified);
                 if (image) size = image->getSize();
             }
         }
@@ -367,8 +378,7 @@ bool SimpleLayoutPrintJob::drawPage(int page, HDC dc, bool isPreview) {
             if (!drawn && passThrough) {
                 // The device refused the file's bytes after all: its pixels are drawn instead.
                 passThrough = false;
-                image = loadCell(mAssets[static_cast<size_t>(assetIndex)], maxDpi, boxHundredthsW,
-                                 boxHundredthsH, cellAspect, modified);
+                image = loadCell(asset, maxDpi, boxHundredthsW, boxHundredthsH, cellAspect, modified);
             }
             if (!drawn && image) image->draw(dc, x + innerX, y + innerY, draw.cx, draw.cy);
             if (isContactSheet()) {

@@ -10,9 +10,8 @@
 // empty. Contact sheets carry each file's name under its picture. cancel() takes effect at the next
 // cell; the page is still completed.
 
-#include <vector>
-
 #include "orvanta/assets/Asset.h"
+#include "orvanta/assets/AssetList.h"
 #include "orvanta/codecs/ImageFile.h"
 #include "orvanta/printing/Layout.h"
 #include "orvanta/printing/PrintJob.h"
@@ -21,8 +20,9 @@ namespace Orvanta {
 
 class SimpleLayoutPrintJob : public PrintJob {
 public:
-    // The assets are held by the job; a catalogue's list plugs in the same way later.
-    static SimpleLayoutPrintJob* create(const std::vector<Asset*>& assets, const CString& title);
+    // The job holds the list and reads it as it draws: a change in the list shows from the next page
+    // drawn on. The list may be shared with other threads (the job draws on the spooler's).
+    static SimpleLayoutPrintJob* create(AssetList* assets, const CString& title);
 
     bool drawPage(int page, HDC dc, bool isPreview) override;
     int getPageCount() override;
@@ -51,10 +51,13 @@ public:
     void computeGrid(HDC dc, const DEVMODEW* devMode);
     int getRows() const { return mRows; }
     int getColumns() const { return mColumns; }
-    int getAssetCount() const { return static_cast<int>(mAssets.size()); }
+    int getAssetCount() const { return mAssets->getCount(); }
 
 private:
-    SimpleLayoutPrintJob(const std::vector<Asset*>& assets, const CString& title);
+    SimpleLayoutPrintJob(AssetList* assets, const CString& title);
+    // A copy of the asset at index of the job's own, made from its properties while the list cannot
+    // change (the list's assets belong to the thread that holds the list); null when out of range.
+    OwnedPtr<Asset> assetAt(int index) const;
     void countCells(int cellWidth, int cellHeight, int printableW, int printableH, int& rows, int& columns);
     int cells() const { return mRows * mColumns; }
     static Size requestFor(CSize pixels, int maxDpi, int boxHundredthsW, int boxHundredthsH);
@@ -63,7 +66,7 @@ private:
     Image* loadCell(Asset* asset, int maxDpi, int boxHundredthsW, int boxHundredthsH, double cellAspect,
                     bool& modified);
 
-    std::vector<OwnedPtr<Asset>> mAssets;
+    OwnedPtr<AssetList> mAssets;
     OwnedPtr<Layout> mLayout;
     int mCellWidth = 0, mCellHeight = 0, mRows = 0, mColumns = 0, mHGap = 0, mVGap = 0, mCaptionHeight = 0;
     int mCopies = 1;

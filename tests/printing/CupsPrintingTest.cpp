@@ -111,8 +111,8 @@ protected:
         EventQueueTest::TearDown();
     }
     SimpleLayoutPrintJob* onePerPage() {
-        SimpleLayoutPrintJob* job = SimpleLayoutPrintJob::create(
-            {assetOf(dir.file("wide.jpg")), assetOf(dir.file("tall.jpg"))}, u"photos");
+        SimpleLayoutPrintJob* job =
+            SimpleLayoutPrintJob::create(listOf({dir.file("wide.jpg"), dir.file("tall.jpg")}), u"photos");
         OwnedPtr<Layout> layout = Layout::create(u"", 1, 0);
         job->setLayout(layout);
         return job;

@@ -21,9 +21,8 @@ protected:
         printer = Printer::createPdfFile();
     }
     SimpleLayoutPrintJob* jobOf(int assets, Layout* layout) {
-        std::vector<Asset*> list;
-        for (int i = 0; i < assets; ++i) list.push_back(assetOf(dir.file("a.jpg")));
-        SimpleLayoutPrintJob* job = SimpleLayoutPrintJob::create(list, u"t");
+        SimpleLayoutPrintJob* job =
+            SimpleLayoutPrintJob::create(listOf(std::vector<std::string>(assets, dir.file("a.jpg"))), u"t");
         job->setLayout(layout);
         return job;
     }

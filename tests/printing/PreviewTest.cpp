@@ -31,7 +31,7 @@ TEST_F(Preview, APageShownMatchesThePrintedPageAsPopplerDrawsIt) {
     writeQuadrantJpeg(dir.file("a.jpg"), 1200, 900);
     OwnedPtr<Printer> printer = Printer::createPdfFile();
     printer->setOutputFile(CString::fromUtf8(dir.file("page.pdf")));
-    OwnedPtr<SimpleLayoutPrintJob> job = SimpleLayoutPrintJob::create({assetOf(dir.file("a.jpg"))}, u"t");
+    OwnedPtr<SimpleLayoutPrintJob> job = SimpleLayoutPrintJob::create(listOf({dir.file("a.jpg")}), u"t");
     OwnedPtr<Layout> layout = Layout::create(u"", 4, 50);
     job->setLayout(layout);
     job->setCopies(3);

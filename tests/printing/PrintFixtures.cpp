@@ -50,6 +50,12 @@ Asset* assetOf(const std::string& path) {
     return Asset::create(UniqueID::create(), CString::fromUtf8(path), nullptr, nullptr);
 }
 
+MemAssetList* listOf(const std::vector<std::string>& paths) {
+    MemAssetList* list = MemAssetList::create();
+    for (const std::string& path : paths) list->addAsset(assetOf(path), false);
+    return list;
+}
+
 std::unique_ptr<Platform::Canvas> deviceAt(int dpiX, int dpiY) {
     std::unique_ptr<Platform::Canvas> canvas = Platform::Canvas::createRecording(CRect(0, 0, 1, 1));
     DeviceCaps caps;

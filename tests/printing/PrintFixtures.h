@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orvanta/assets/Asset.h"
+#include "orvanta/assets/MemAssetList.h"
 #include "orvanta/platform/Canvas.h"
 
 namespace OrvantaTest {
@@ -17,6 +18,8 @@ void registerPrintCodecs();
 // from the top left, clockwise), so a turn or a crop shows.
 void writeQuadrantJpeg(const std::string& path, int width, int height);
 Orvanta::Asset* assetOf(const std::string& path);
+// A list in memory of the assets of the files at paths, in that order.
+Orvanta::MemAssetList* listOf(const std::vector<std::string>& paths);
 // A canvas that measures as a device of dpiX by dpiY pixels per inch (dpiY 0: as dpiX); what it
 // draws goes nowhere.
 std::unique_ptr<Orvanta::Platform::Canvas> deviceAt(int dpiX, int dpiY = 0);

@@ -12,6 +12,7 @@
 #include "InterruptWatcher.h"
 #include "ProgressBar.h"
 #include "TemplateFile.h"
+#include "orvanta/assets/MemAssetList.h"
 #include "orvanta/codecs/ImageFile.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/OrvantaSystem.h"
@@ -157,25 +158,24 @@ int runPrint(const Arguments& arguments) {
         orvantaIUDeInit();
         return 2;
     }
-    std::vector<Asset*> assets;
+    OwnedPtr<MemAssetList> assets = MemAssetList::create();
+    std::vector<Asset*> photos;
     for (const std::string& photo : options.photos) {
-        Asset* asset = Asset::create(UniqueID::create(), CString::fromUtf8(photo), nullptr, nullptr);
+        OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), CString::fromUtf8(photo), nullptr, nullptr);
         if (!asset || !asset->getImageFile() || asset->getImageFile()->getPictureSize().cx <= 0) {
             std::fprintf(stderr, "orvanta print: cannot read '%s' as a picture\n", photo.c_str());
-            for (Asset* a : assets) OwnedPtr<Asset> drop(a);
-            if (asset) OwnedPtr<Asset> drop(asset);
             orvantaIUDeInit();
             return 1;
         }
-        assets.push_back(asset);
+        assets->addAsset(asset, false);
+        photos.push_back(asset);
     }
     OwnedPtr<PrintJob> job;
     if (!options.templateFile.empty()) {
         std::string error;
-        job = readTemplateJob(options.templateFile, assets, error);
+        job = readTemplateJob(options.templateFile, photos, error);
         if (!job) {
             std::fprintf(stderr, "orvanta print: %s\n", error.c_str());
-            for (Asset* asset : assets) OwnedPtr<Asset> drop(asset);
             orvantaIUDeInit();
             return 2;
         }
@@ -184,7 +184,6 @@ int runPrint(const Arguments& arguments) {
         if (!layout) {
             std::fprintf(stderr, "orvanta print: a %dx%d grid does not fit the paper\n", options.columns,
                          options.rows);
-            for (Asset* asset : assets) OwnedPtr<Asset> drop(asset);
             orvantaIUDeInit();
             return 2;
         }

@@ -5,6 +5,7 @@
 #include <thread>
 #include <vector>
 
+#include "orvanta/assets/MemAssetList.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/foundation/UniqueID.h"
@@ -28,10 +29,10 @@ int runPrintPreviewDemo(const char* output, int photoCount, char** photos) {
         OwnedPtr<Container> root = Container::create(window);
         root->setBkColor(RGB(245, 245, 242));
 
-        std::vector<Asset*> assets;
+        OwnedPtr<MemAssetList> assets = MemAssetList::create();
         for (int i = 0; i < photoCount; ++i)
-            assets.push_back(
-                Asset::create(UniqueID::create(), CString::fromUtf8(photos[i]), nullptr, nullptr));
+            assets->addAsset(
+                Asset::create(UniqueID::create(), CString::fromUtf8(photos[i]), nullptr, nullptr), false);
         OwnedPtr<SimpleLayoutPrintJob> job = SimpleLayoutPrintJob::create(assets, u"Contact sheet");
         OwnedPtr<Layout> layout = Layout::create(u"4 x 5", Size(190, 190), 10, Layout::ContactSheet);
         job->setLayout(layout);
