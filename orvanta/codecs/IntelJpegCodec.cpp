@@ -535,7 +535,7 @@ int IntelJpegCodec::copyEmbeddedThumbnail(const char16_t* source, const char16_t
         return 0;
     }
     if (stored.cx > maxWidth || stored.cy > maxHeight) return 0;
-    ReplacementFile out(CString(destination).toUtf8());
+    ReplacementFile out(CString(destination).toUtf8(), ReplacementFile::Kind::kDerived);
     if (!out.open() || !out.write(thumbnail.data(), thumbnail.size()) || !out.commit()) return -1;
     if (size) *size = stored;
     return 1;

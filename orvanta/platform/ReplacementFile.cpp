@@ -63,7 +63,7 @@ bool copyAttributes(FileSystem& fs, int from, int to) {
 
 }  // namespace
 
-ReplacementFile::ReplacementFile(std::string target) : mTarget(std::move(target)) {}
+ReplacementFile::ReplacementFile(std::string target, Kind kind) : mTarget(std::move(target)), mKind(kind) {}
 
 ReplacementFile::~ReplacementFile() {
     discard();
@@ -162,7 +162,8 @@ void ReplacementFile::keepTimes(const struct timespec& access, const struct time
 bool ReplacementFile::commit() {
     if (mHandle < 0 || mFailed) return fail();
     FileSystem& fs = FileSystem::current();
-    bool ok = (!mKeepTimes || fs.setTimes(mHandle, mTimes) == 0) && fs.sync(mHandle) == 0;
+    bool ok = (!mKeepTimes || fs.setTimes(mHandle, mTimes) == 0) &&
+              (mKind == Kind::kDerived || fs.sync(mHandle) == 0);
     if (!ok) failWithErrno();
     if (fs.close(mHandle) != 0 && ok) ok = failWithErrno();
     mHandle = -1;

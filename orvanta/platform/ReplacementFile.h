@@ -13,6 +13,10 @@
 // see either the old file whole or the new one whole. Each megabyte written is sent on its way to
 // the device at once, so that the flush at commit waits for little more than the last of it.
 //
+// A derived file (a thumbnail made from a photo, which the photo can make again) is not flushed at
+// commit: the rename alone keeps readers from ever seeing it half-written, and a machine that stops
+// may lose only what can be made again. The flush is what makes such a small write slow.
+//
 // A file with other hard links is refused (kErrorHardLinked): renaming over one name would split
 // the photo in two, and writing through the shared inode instead could leave it half-written (a
 // full disk, a crash) and would change every copy that links to it, backups included. The user
@@ -31,7 +35,9 @@ namespace Orvanta::Platform {
 
 class ReplacementFile {
 public:
-    explicit ReplacementFile(std::string target);
+    enum class Kind { kOwned, kDerived };
+
+    explicit ReplacementFile(std::string target, Kind kind = Kind::kOwned);
     ~ReplacementFile();
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
@@ -55,6 +61,7 @@ private:
     bool carryOver();
 
     std::string mTarget;
+    Kind mKind;
     std::string mResolved;
     std::string mTemporary;
     RewriteLock mLock;
