@@ -4,6 +4,7 @@
 
 #include "orvanta/foundation/Shell.h"
 #include "orvanta/platform/Canvas.h"
+#include "orvanta/platform/Cursor.h"
 
 namespace Orvanta {
 
@@ -53,6 +54,21 @@ void PrintTemplateControl::editText(const CString& slot) {
     invalidate();
 }
 
+int PrintTemplateControl::dragAt(PrintTemplatePage* page, Platform::Canvas* screen, CPoint at,
+                                 CSize* overhangOut) {
+    const CString slot = page->getSlotAt(screen, at.x, at.y);
+    if (slot.isEmpty() || page->getSlotType(slot) != PrintTemplateSlot::Image) return DragNone;
+    Image* image = page->getImage(slot);
+    CRect rect;
+    if (!image || !page->getSlotRect(screen, slot, rect)) return DragNone;
+    const CSize size = image->getSize();
+    const double zoom = page->getZoom(slot);
+    const CSize overhang(static_cast<int>(size.cx * zoom) - rect.width(),
+                         static_cast<int>(size.cy * zoom) - rect.height());
+    if (overhangOut) *overhangOut = overhang;
+    return overhang.cx > 0 ? DragHorizontal : overhang.cy > 0 ? DragVertical : DragNone;
+}
+
 bool PrintTemplateControl::onMouse(UINT message, CPoint point, WPARAM keys) {
     PrintTemplatePage* page = getPage();
     if (!page || mScale <= 0) return false;
@@ -67,26 +83,26 @@ bool PrintTemplateControl::onMouse(UINT message, CPoint point, WPARAM keys) {
                 editText(slot);
                 return true;
             }
-            Image* image = page->getImage(slot);
-            CRect rect;
-            if (type != PrintTemplateSlot::Image || !image || !page->getSlotRect(screen.get(), slot, rect))
-                return true;
-            const CSize size = image->getSize();
-            const double zoom = page->getZoom(slot);
-            const int overhangX = static_cast<int>(size.cx * zoom) - rect.width();
-            const int overhangY = static_cast<int>(size.cy * zoom) - rect.height();
-            mDragMode = overhangX > 0 ? DragHorizontal : overhangY > 0 ? DragVertical : DragNone;
+            CSize overhang;
+            mDragMode = dragAt(page, screen.get(), at, &overhang);
             mDragSlot = slot;
             mDragStart = at;
             const CPoint offset = page->getOffset(screen.get(), slot);
             mDragOffsetX = offset.x;
             mDragOffsetY = offset.y;
-            mDragLimitX = std::max(overhangX, 0);
-            mDragLimitY = std::max(overhangY, 0);
+            mDragLimitX = std::max<int>(overhang.cx, 0);
+            mDragLimitY = std::max<int>(overhang.cy, 0);
             return true;
         }
         case WM_MOUSEMOVE: {
-            if (mDragMode == DragNone) return false;
+            if (mDragMode == DragNone) {
+                // The pointer shows which way a press here would move the picture.
+                const int drag = dragAt(page, screen.get(), at, nullptr);
+                setCursor(drag == DragHorizontal ? Platform::Cursor::system(IDC_SIZEWE)
+                          : drag == DragVertical ? Platform::Cursor::system(IDC_SIZENS)
+                                                 : nullptr);
+                return false;
+            }
             int x = mDragOffsetX, y = mDragOffsetY;
             if (mDragMode == DragHorizontal)
                 x = std::clamp(mDragOffsetX + at.x - mDragStart.x, -mDragLimitX, 0);

@@ -40,6 +40,9 @@ protected:
     bool onMouse(UINT message, CPoint point, WPARAM keys) override;
 
 private:
+    // How a drag from `at` (in template pixels) would move the picture of the image slot there: along
+    // the axis it overhangs its slot on (the overhang, when asked); DragNone off a picture.
+    int dragAt(PrintTemplatePage* page, Platform::Canvas* screen, CPoint at, CSize* overhang);
     explicit PrintTemplateControl(PrintTemplateControlHelper* helper);
     void updateScale();
     void editText(const CString& slot);

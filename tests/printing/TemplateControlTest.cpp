@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "orvanta/platform/Cursor.h"
 #include "orvanta/printing/PrintTemplateControl.h"
 #include "tests/printing/PrintFixtures.h"
 #include "tests/support/TempDir.h"
@@ -58,6 +59,11 @@ protected:
 
 TEST_F(TemplateControl, APictureDragsAlongItsOverhangAndNoFurther) {
     ASSERT_DOUBLE_EQ(1.0, control->getScale());
+    // The pointer shows the way over the picture, and nothing special over the text.
+    mouse(WM_MOUSEMOVE, 120, 120);
+    EXPECT_EQ(Platform::Cursor::system(IDC_SIZENS), control->getCursor());
+    mouse(WM_MOUSEMOVE, 200, 300);
+    EXPECT_EQ(nullptr, control->getCursor());
     const struct {
         int dx, dy, offsetY;
     } cases[] = {{0, 10, -6}, {0, 100, 0}, {0, -10, -26}, {0, -100, -32}, {50, 0, -16}};
