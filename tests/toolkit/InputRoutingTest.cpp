@@ -1,6 +1,6 @@
 // Input reaches the right control: hit-testing through nested containers to windowless children,
-// the mouse kept by the child that took a press, hover and leave, the Tab order, the keyboard focus
-// and typed text.
+// the mouse kept by the child that took a press, hover and leave, the wheel, the keyboard focus and
+// typed text, the tooltip. (The Tab order and buttons are driven in SmallWidgetsTest.)
 
 #include <SDL.h>
 #include <gtest/gtest.h>
@@ -8,8 +8,6 @@
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/MouseTracker.h"
-#include "orvanta/toolkit/CommandListener.h"
-#include "orvanta/toolkit/TextButton.h"
 #include "tests/support/UiHarness.h"
 #include "tests/toolkit/ToolkitSupport.h"
 
@@ -115,39 +113,6 @@ TEST_F(InputRoutingTest, AChildThePointerLeavesIsTold) {
     ui->mouseLeave();
     ui->runUntilIdle();
     EXPECT_EQ(b->count(WM_MOUSELEAVE), 1);
-
-    TextButton* button = TextButton::create(3, u"Go");
-    button->setRect(CRect(200, 5, 280, 30));
-    ui->root()->add(button);
-    ui->mouseMove(CPoint(210, 10));
-    ui->runUntilIdle();
-    EXPECT_TRUE(button->isHot());
-    ui->mouseMove(CPoint(10, 10));
-    ui->runUntilIdle();
-    EXPECT_FALSE(button->isHot());
-}
-
-TEST_F(InputRoutingTest, AButtonFiresOnlyWhenReleasedOverIt) {
-    CommandLog log;
-    TextButton* button = TextButton::create(42, u"Press", &log);
-    button->setRect(CRect(200, 5, 280, 30));
-    ui->root()->add(button);
-    ui->runUntilIdle();
-    ui->click(CPoint(210, 10));
-    ui->runUntilIdle();
-    ASSERT_EQ(log.commands.size(), 1u);
-    EXPECT_EQ(log.commands[0], std::make_pair(static_cast<Control*>(button), 42));
-    // Pressed, dragged off, released elsewhere: nothing.
-    ui->mouseDown(CPoint(210, 10));
-    ui->mouseMove(CPoint(10, 150));
-    ui->mouseUp(CPoint(10, 150));
-    ui->runUntilIdle();
-    EXPECT_EQ(log.commands.size(), 1u);
-    // Space with the focus on it.
-    ui->pressKey(SDLK_SPACE);
-    ui->runUntilIdle();
-    EXPECT_EQ(log.commands.size(), 2u);
-    button->removeCommandListener(&log);
 }
 
 // A panel that scrolls with the wheel: it keeps the turns it was given.
@@ -203,37 +168,6 @@ TEST(WheelTest, TheWheelReachesTheNearestTakerAboveTheTarget) {
     for (Box* box : {inside, outside}) EXPECT_EQ(box->count(WM_MOUSEWHEEL), 0);
 }
 
-TEST(TabOrderTest, TabWalksTheTabStopsAndShiftTabWalksBack) {
-    UiHarness ui(CSize(300, 200));
-    std::vector<TextButton*> buttons;
-    for (int i = 0; i < 3; ++i) {
-        buttons.push_back(TextButton::create(i + 1, u"B"));
-        buttons.back()->setRect(CRect(10 + 60 * i, 10, 60 + 60 * i, 40));
-    }
-    ui.root()->add(buttons[0], true);
-    ui.root()->add(buttons[2], true);
-    TextButton* notAStop = TextButton::create(9, u"X");
-    notAStop->setRect(CRect(10, 100, 60, 130));
-    ui.root()->add(notAStop, false);
-    ui.root()->add(buttons[1], true);
-    ui.runUntilIdle();
-
-    auto focusedId = [] {
-        WindowedControl* focused = WindowedControl::getFocusedControl();
-        return focused ? focused->getId() : 0;
-    };
-    const struct {
-        bool shift, control;
-        int expected;
-    } steps[] = {{false, false, 1}, {false, false, 3}, {false, false, 2}, {false, false, 1},
-                 {true, false, 2},  {true, false, 3},  {false, true, 3}};
-    for (const auto& step : steps) {
-        ui.pressKey(SDLK_TAB, step.shift, step.control);
-        ui.runUntilIdle();
-        EXPECT_EQ(focusedId(), step.expected);
-    }
-}
-
 TEST(FocusTest, TypedTextReachesTheFocusedControlAsUtf16Characters) {
     UiHarness ui(CSize(200, 100));
     TextSink* first = TextSink::create();
@@ -250,23 +184,12 @@ TEST(FocusTest, TypedTextReachesTheFocusedControlAsUtf16Characters) {
     EXPECT_EQ(second->typed, std::u16string(u"Grüße, 写真 📷\r\x01"));
     EXPECT_TRUE(first->typed.empty());
     EXPECT_EQ(second->keys, (std::vector<int>{VK_RETURN, VK_CONTROL, 'A'}));
-    // An input method's composition is announced to the focused control, and its result typed.
-    ui.compose("しゃしん", 4);
-    ui.compose("写真", 2);
-    ui.typeText("写真");
-    ui.runUntilIdle();
-    EXPECT_EQ(second->compositions, (std::vector<std::u16string>{u"しゃしん", u"写真"}));
-    EXPECT_EQ(second->typed, std::u16string(u"Grüße, 写真 📷\r\x01写真"));
     // A left press where no child is gives the focus back to the active window.
     ui.click(CPoint(150, 80));
     ui.runUntilIdle();
     EXPECT_EQ(Platform::Window::getFocus(), ui.window());
     EXPECT_EQ(WindowedControl::getFocusedControl(), ui.root());
 }
-
-}  // namespace
-
-namespace {
 
 TEST(TooltipTest, ThePointerRestingOnAChildShowsItsTooltipUntilItMoves) {
     UiHarness ui(CSize(200, 120));
