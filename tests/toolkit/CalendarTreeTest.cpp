@@ -151,9 +151,8 @@ TEST(FolderTreeTest, LevelsAreReadWhenOpenedAndWalkedByKeysAndMouse) {
     files.refused = dir.file("locked");
     CommandLog log;
     UiHarness ui(CSize(300, 300));
-    FolderTree* tree = FolderTree::create(5, new TestRoots(dir.path()), &log);
-    tree->setRect(CRect(0, 0, 300, 300));
-    ui.root()->add(tree, true);
+    FolderTree* tree =
+        place(ui.root(), FolderTree::create(5, new TestRoots(dir.path()), &log), CRect(0, 0, 300, 300), true);
     tree->setFocus();
     ui.runUntilIdle();
     EXPECT_TRUE(files.listed.empty());  // nothing is read before it is opened

@@ -137,9 +137,7 @@ TEST(WheelTest, TheWheelReachesTheNearestTakerAboveTheTarget) {
     ui.root()->add(scroller);
     Box* inside = Box::create(RGB(200, 0, 0), CRect(20, 20, 80, 80));
     scroller->add(inside);
-    TextSink* field = TextSink::create();
-    field->setRect(CRect(90, 90, 140, 140));
-    scroller->add(field, true);
+    TextSink* field = place(scroller, TextSink::create(), CRect(90, 90, 140, 140), true);
     Box* outside = Box::create(RGB(0, 0, 200), CRect(200, 10, 280, 90));
     ui.root()->add(outside);
     ui.runUntilIdle();

@@ -245,11 +245,9 @@ TEST_F(ListViewTest, AHundredThousandRowsScrollByRepaintingOnlyWhatIsUncovered) 
 TEST(DropDownTest, TheListDropsDownAndAClickInItOrTheKeysChoose) {
     CommandLog log;
     UiHarness ui(CSize(300, 260));
-    DropDown* sizes = DropDown::create(6, &log);
-    sizes->setRect(CRect(20, 20, 220, 46));
+    DropDown* sizes = place(ui.root(), DropDown::create(6, &log), CRect(20, 20, 220, 46), true);
     for (const char16_t* s : {u"10 × 15 cm", u"13 × 18 cm", u"A4", u"A5", u"Letter"}) sizes->addString(s);
     sizes->setCurSel(0);
-    ui.root()->add(sizes, true);
     ui.runUntilIdle();
     // Escape pressed while the list is open is seen by nobody else (a dialog would close).
     struct EscapeSpy : NotifierListener {

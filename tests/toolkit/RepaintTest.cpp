@@ -45,14 +45,8 @@ TEST(RepaintTest, IncrementalPaintingEqualsAFullRepaint) {
             parent->add(box);
             controls.push_back(box);
         }
-        Label* label = Label::create(u"Stale pixels?");
-        label->setRect(CRect(30, 120, 150, 140));
-        ui.root()->add(label);
-        controls.push_back(label);
-        TextButton* button = TextButton::create(7, u"OK");
-        button->setRect(CRect(150, 130, 210, 160));
-        panels[1]->add(button);
-        controls.push_back(button);
+        controls.push_back(place(ui.root(), Label::create(u"Stale pixels?"), CRect(30, 120, 150, 140)));
+        controls.push_back(place(panels[1], TextButton::create(7, u"OK"), CRect(150, 130, 210, 160)));
         ui.runUntilIdle();
 
         std::mt19937 rng(seed);
