@@ -3,7 +3,6 @@
 // thumbnail; the qualities of a written file, re-encoding with the metadata kept byte for byte, a
 // new thumbnail, and writes that fail part-way leaving the old file whole.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -70,14 +69,7 @@ protected:
         EXPECT_GT(codec->write(dib, dir.wide(name), quality), 0);
         return readFileBytes(dir.file(name));
     }
-    // A copy of a test file, with times in the past.
-    std::string copyOf(const std::string& name) {
-        const std::string path = dir.file(name.substr(name.rfind('/') + 1));
-        writeFileBytes(path, readFileBytes(testDataPath(name)));
-        const struct timespec times[2] = {{1000000000, 0}, {1200000000, 0}};
-        utimensat(AT_FDCWD, path.c_str(), times, 0);
-        return path;
-    }
+    std::string copyOf(const std::string& name) { return copyTestFile(dir, name); }
     // Decodes the source reduced, as a conversion does, and writes it keeping the metadata.
     std::string reencode(const std::string& source) {
         OwnedPtr<Dib> dib = codec->read(CString::fromUtf8(source), nullptr, 300, 300);

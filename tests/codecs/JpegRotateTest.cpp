@@ -2,7 +2,6 @@
 // synthetic picture for the direction and the trimmed edge, and every way the new version can fail.
 // (A process killed at each step of a turn is ImageFileTest's: a save of a turn is this turn.)
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -27,12 +26,8 @@ namespace {
 
 class JpegRotate : public ::testing::Test {
 protected:
-    // The bytes as a file of the temporary folder, with times in the past.
     std::string place(const std::string& bytes, const std::string& name = "photo.jpg") {
-        writeFileBytes(dir.file(name), bytes);
-        const struct timespec times[2] = {{1000000000, 0}, {1200000000, 500}};
-        utimensat(AT_FDCWD, dir.file(name).c_str(), times, 0);
-        return dir.file(name);
+        return placeFile(dir, bytes, name);
     }
     // A 40 x 24 picture of 8 x 8 blocks of distinct colours, as a 4:2:2 JPEG (block groups of
     // 16 x 8): a quarter turn to the left has to trim its right edge.
