@@ -1,6 +1,7 @@
-// Input reaches the right control: hit-testing through nested containers to windowless children,
-// the mouse kept by the child that took a press, hover and leave, the wheel, the keyboard focus and
-// typed text, the tooltip. (The Tab order and buttons are driven in SmallWidgetsTest.)
+// Input reaches the right control: hit-testing through nested containers to windowless children
+// (painted in the order they are hit in), the mouse kept by the child that took a press, hover and
+// leave, the wheel, the keyboard focus and typed text, the tooltip. (The Tab order and buttons are
+// driven in SmallWidgetsTest.)
 
 #include <SDL.h>
 #include <gtest/gtest.h>
@@ -79,6 +80,25 @@ TEST_F(InputRoutingTest, AClickGoesToTheTopmostWindowlessChildUnderThePoint) {
             }
         }
     }
+}
+
+// What is hit is what is drawn: a windowless child at its origin, later children on top, a hidden one
+// not at all; -2 on every level gives the platform's window colour.
+TEST_F(InputRoutingTest, WindowlessChildrenArePaintedInAddOrderAtTheirOrigin) {
+    ui->root()->setBkColor(kInheritColor2);
+    panel->setBkColor(kInheritColor2);
+    ui->runUntilIdle();
+    const struct {
+        int x, y;
+        COLORREF expected;
+    } probes[] = {
+        {50 + 25, 40 + 35, RGB(255, 0, 0)},       // a alone
+        {50 + 70, 40 + 60, RGB(0, 0, 255)},       // a and b: b on top
+        {50 + 20, 40 + 30, RGB(0, 0, 0)},         // a's border, at its origin
+        {50 + 10, 40 + 110, RGB(255, 255, 255)},  // the hidden box: the window colour shows
+        {10, 10, RGB(255, 255, 255)},             // the root
+    };
+    for (const auto& p : probes) EXPECT_EQ(ui->pixel(p.x, p.y), p.expected) << p.x << "," << p.y;
 }
 
 TEST_F(InputRoutingTest, TheChildThatTookAPressKeepsTheMouseUntilTheRelease) {
