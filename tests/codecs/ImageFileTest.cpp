@@ -63,11 +63,7 @@ protected:
         policy.makePolicyCurrent();
     }
     void TearDown() override { ImageFile::setFileBasedRotateMode(ImageFile::FileBasedRotateLossless); }
-    std::string copyOf(const std::string& name) {
-        const std::string path = dir.file(std::filesystem::path(name).filename().string());
-        writeFileBytes(path, readFileBytes(testDataPath(name)));
-        return path;
-    }
+    std::string copyOf(const std::string& name) { return copyTestFile(dir, name); }
     // Loads path for editing (reduced into box, 0 for full size), does the edits ("90", "180", "270",
     // "mirror", "fix") and saves.
     ImageFile::SaveResult edit(const std::string& path, const std::string& edits, int box = 0) {

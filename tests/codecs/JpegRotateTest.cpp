@@ -1,7 +1,7 @@
 // Lossless rotation of JPEG files in place: jpegtran as the reference over every real file, a
 // synthetic picture for the direction and the trimmed edge, and every way the new version can fail.
+// (A process killed at each step of a turn is ImageFileTest's: a save of a turn is this turn.)
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -26,12 +26,8 @@ namespace {
 
 class JpegRotate : public ::testing::Test {
 protected:
-    // The bytes as a file of the temporary folder, with times in the past.
     std::string place(const std::string& bytes, const std::string& name = "photo.jpg") {
-        writeFileBytes(dir.file(name), bytes);
-        const struct timespec times[2] = {{1000000000, 0}, {1200000000, 500}};
-        utimensat(AT_FDCWD, dir.file(name).c_str(), times, 0);
-        return dir.file(name);
+        return placeFile(dir, bytes, name);
     }
     // A 40 x 24 picture of 8 x 8 blocks of distinct colours, as a 4:2:2 JPEG (block groups of
     // 16 x 8): a quarter turn to the left has to trim its right edge.
@@ -161,26 +157,5 @@ TEST_F(JpegRotate, AFailureAtAnyStepLeavesTheOriginalAndSaysWhy) {
         EXPECT_EQ(c.error, Platform::getLastError());
         EXPECT_TRUE(*c.before == readFileBytes(path)) << c.budget;
         EXPECT_EQ(2u, dir.count()) << "no temporary file is left";
-    }
-}
-
-// Killed before its first byte, in the middle of a large file, or at the rename, the turn leaves
-// the original byte for byte.
-TEST_F(JpegRotate, AProcessKilledMidwayLeavesTheOriginal) {
-    const std::string small = synthetic(), big = large();
-    const struct {
-        const std::string* before;
-        long long written;  // bytes written before the end; -1: at the rename
-    } cases[] = {{&small, 0}, {&small, -1}, {&big, 1300000}, {&big, -1}};
-    for (const auto& c : cases) {
-        const std::string path = place(*c.before);
-        EXPECT_EXIT(
-            {
-                FaultyFileSystem dying;
-                c.written < 0 ? dying.dieAtRename(1) : dying.dieAfterWriting(c.written);
-                rotate(path, 90);
-            },
-            ::testing::ExitedWithCode(9), "");
-        EXPECT_TRUE(*c.before == readFileBytes(path)) << c.written;
     }
 }

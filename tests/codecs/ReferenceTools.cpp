@@ -1,5 +1,7 @@
 #include "tests/codecs/ReferenceTools.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,6 +12,8 @@
 #include <numeric>
 #include <set>
 #include <sstream>
+
+#include "tests/support/TestData.h"
 
 namespace OrvantaTest {
 
@@ -111,6 +115,18 @@ std::optional<std::string> exiftoolTags(const std::string& path) {
     for (std::string line; std::getline(lines, line);)
         if (line.rfind("[ExifTool]", 0) != 0) kept.insert(line + "\n");
     return std::accumulate(kept.begin(), kept.end(), std::string());
+}
+
+std::string placeFile(const TempDir& dir, const std::string& bytes, const std::string& name) {
+    const std::string path = dir.file(name.substr(name.rfind('/') + 1));
+    writeFileBytes(path, bytes);
+    const struct timespec times[2] = {{1000000000, 0}, {1200000000, 0}};
+    utimensat(AT_FDCWD, path.c_str(), times, 0);
+    return path;
+}
+
+std::string copyTestFile(const TempDir& dir, const std::string& name) {
+    return placeFile(dir, readFileBytes(testDataPath(name)), name);
 }
 
 Picture pictureOf(const Orvanta::Dib& dib) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orvanta/pixels/Dib.h"
+#include "tests/support/TempDir.h"
 
 namespace OrvantaTest {
 
@@ -42,6 +43,12 @@ JpegtranResult jpegtranRotate(const std::string& path, int angle, const std::str
 // exiftool's tags of a file (group:tag=value lines, sorted), without the ones that describe the
 // file itself (name, size, dates of the file system, JFIF and encoding facts).
 std::optional<std::string> exiftoolTags(const std::string& path);
+
+// The bytes as a file of the folder (named as the last part of `name`), with access and change times
+// in the past (1000000000 and 1200000000 seconds), so that a test sees whether a rewrite kept them.
+std::string placeFile(const TempDir& dir, const std::string& bytes, const std::string& name);
+// A test data file ("jpeg/x.jpg") placed so.
+std::string copyTestFile(const TempDir& dir, const std::string& name);
 
 // The colours of a Dib (three or four bytes a pixel) as a Picture.
 Picture pictureOf(const Orvanta::Dib& dib);

@@ -176,7 +176,4 @@ TEST(SingleInstanceTest, AKilledFirstInstanceLeavesASocketThatTheNextReplacesAnd
     EXPECT_STREQ("?", got[0].text) << "the other name's id is not this handler's";
     EXPECT_STREQ("/photos/open me.jpg", got[1].text);
     EXPECT_TRUE(began <= got[1].at && got[1].at <= returned) << "the sender ends once it was handled";
-    const double milliseconds = (got[1].at - began) / 1e6;
-    ::testing::Test::RecordProperty("text_reached_first_ms", std::to_string(milliseconds));
-    EXPECT_LT(milliseconds, 2000.0);
 }

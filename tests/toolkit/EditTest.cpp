@@ -25,14 +25,11 @@ protected:
     void SetUp() override {
         Edit::setCaretBlinkTime(0);
         ui = std::make_unique<UiHarness>(CSize(320, 80));
-        field = Edit::create(1, CString(), 0, &log);
-        field->setRect(CRect(10, 10, 310, 36));
-        ui->root()->add(field, true);
+        field = place(ui->root(), Edit::create(1, CString(), 0, &log), CRect(10, 10, 310, 36), true);
         field->setFocus();
         ui->runUntilIdle();
     }
     void TearDown() override {
-        field->removeCommandListener(&log);
         ui.reset();
         Edit::setCaretBlinkTime(Edit::kCaretBlinkTime);
     }
@@ -55,8 +52,8 @@ protected:
         return {first, last};
     }
 
+    CommandLog log;  // outlives the field that tells it
     std::unique_ptr<UiHarness> ui;
-    CommandLog log;
     Edit* field;
 };
 

@@ -41,10 +41,7 @@ TEST(LayoutTest, PlaceChildFollowsAlignmentMarginsAndClamping) {
     for (const Case& c : cases) {
         OwnedPtr<Box> box = Box::create(RGB(1, 2, 3), c.start);
         box->setAlignment(c.h, c.v);
-        box->setMargin(c.margins.left, Style::Left);
-        box->setMargin(c.margins.top, Style::Top);
-        box->setMargin(c.margins.right, Style::Right);
-        box->setMargin(c.margins.bottom, Style::Bottom);
+        setMargins(box, c.margins);
         Container::placeChild(box, bounds, c.clamp, c.clamp);
         EXPECT_EQ(box->getRect(), c.expected) << c.h << "," << c.v;
     }

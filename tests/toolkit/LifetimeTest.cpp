@@ -37,9 +37,7 @@ TEST(LifetimeTest, NothingQueuedForADestroyedWindowIsDelivered) {
                         Queued::Paint}) {
         UiHarness ui(CSize(200, 150));
         int delivered = 0;
-        OwnedPtr<Counted> control = Counted::create(&delivered);
-        control->setRect(CRect(10, 10, 110, 110));
-        ui.root()->add(control);
+        OwnedPtr<Counted> control = place(ui.root(), Counted::create(&delivered), CRect(10, 10, 110, 110));
         ui.runUntilIdle();
         delivered = 0;
         HWND window = control->getHWND();

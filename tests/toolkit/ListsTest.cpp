@@ -1,7 +1,8 @@
 // The lists driven by posted input: the selection by keys, clicks and drags in one and several rows,
 // type-ahead, the column list sorted in the user's language by a header click and a hundred thousand
 // rows scrolled by repainting only what scrolling uncovers, owner-drawn items, and the drop-down's
-// list in its pop-up.
+// list in its pop-up, with the opening and closing keys it shares with the date picker (where the
+// pop-up lies is checked on a real X server, in XvfbTest).
 
 #include <SDL.h>
 #include <gtest/gtest.h>
@@ -48,8 +49,8 @@ CPoint rowPoint(ListControl* list, int row, int x = 10) {
 }
 
 TEST(ListBoxTest, KeysClicksAndDragsMoveTheSelectionAndTellTheUserMadeChanges) {
-    UiHarness ui(CSize(240, 200));
     CommandLog log;
+    UiHarness ui(CSize(240, 200));
     ListBox* list = ListBox::create(4, false, &log);
     list->setRect(CRect(10, 10, 200, 10 + 2 + 5 * list->getRowHeight()));
     const char16_t* names[] = {u"Album", u"Été 2025", u"été 2026", u"Famille",
@@ -99,7 +100,6 @@ TEST(ListBoxTest, KeysClicksAndDragsMoveTheSelectionAndTellTheUserMadeChanges) {
     EXPECT_EQ(ui.pixel(rowPoint(list, 6, 150).x, rowPoint(list, 6, 150).y), WidgetLook::selectionColor(true));
     EXPECT_EQ(ui.pixel(rowPoint(list, 5, 150).x, rowPoint(list, 5, 150).y),
               Platform::getSysColor(COLOR_WINDOW));
-    list->removeCommandListener(&log);
 }
 
 TEST(ListBoxTest, SeveralRowsAreChosenWithControlAndShift) {
@@ -146,10 +146,6 @@ protected:
         view->insertColumn(1, u"Size", 100, DT_RIGHT, true);
         ui->root()->add(view, true);
     }
-    void TearDown() override {
-        view->removeCommandListener(&log);
-        ui.reset();
-    }
     std::vector<std::u16string> column(int c) const {
         std::vector<std::u16string> out;
         for (int i = 0; i < view->getItemCount(); ++i) out.push_back(view->getItemText(i, c).str());
@@ -158,8 +154,8 @@ protected:
     // A point on a column's header.
     CPoint header(int c) const { return CPoint(c == 0 ? 40 : 200, 8); }
 
+    CommandLog log;  // outlives the list that tells it
     std::unique_ptr<UiHarness> ui;
-    CommandLog log;
     ListView* view;
 };
 
@@ -247,13 +243,11 @@ TEST_F(ListViewTest, AHundredThousandRowsScrollByRepaintingOnlyWhatIsUncovered) 
 }
 
 TEST(DropDownTest, TheListDropsDownAndAClickInItOrTheKeysChoose) {
-    UiHarness ui(CSize(300, 260));
     CommandLog log;
-    DropDown* sizes = DropDown::create(6, &log);
-    sizes->setRect(CRect(20, 20, 220, 46));
+    UiHarness ui(CSize(300, 260));
+    DropDown* sizes = place(ui.root(), DropDown::create(6, &log), CRect(20, 20, 220, 46), true);
     for (const char16_t* s : {u"10 × 15 cm", u"13 × 18 cm", u"A4", u"A5", u"Letter"}) sizes->addString(s);
     sizes->setCurSel(0);
-    ui.root()->add(sizes, true);
     ui.runUntilIdle();
     // Escape pressed while the list is open is seen by nobody else (a dialog would close).
     struct EscapeSpy : NotifierListener {
@@ -297,16 +291,9 @@ TEST(DropDownTest, TheListDropsDownAndAClickInItOrTheKeysChoose) {
         EXPECT_EQ(sizes->isOpen(), s.open);
         EXPECT_EQ(sizes->getCurSel(), s.choice);
         EXPECT_EQ(log.commands.size(), s.commands);
-        if (s.open) {
-            // The list hangs below the field, as wide as it.
-            const CRect popup = sizes->getPopup()->getHWND()->getRect();
-            EXPECT_EQ(popup.topLeft(), ui.window()->clientToScreen(CPoint(20, 46)));
-            EXPECT_EQ(popup.width(), 200);
-        }
     }
     EXPECT_EQ(spy.escapes, 0);
     OrvantaSystem::instance()->removeListener(&spy);
-    sizes->removeCommandListener(&log);
 }
 
 }  // namespace

@@ -1,15 +1,16 @@
 #pragma once
 // Controls for the toolkit tests: a windowless box that records the messages it is given, a
-// windowed control that records its keys and characters, and bitmap strips made in code.
+// windowed control that records its keys and characters, and bitmap strips made in code; placing a
+// control in a container.
 
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "orvanta/platform/Canvas.h"
-#include "orvanta/platform/Display.h"
 #include "orvanta/platform/ResourceModule.h"
 #include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/Container.h"
 #include "orvanta/toolkit/WindowedControl.h"
 
 namespace OrvantaTest {
@@ -52,14 +53,6 @@ public:
     static TextSink* create() { return new TextSink(); }
     std::u16string typed;
     std::vector<int> keys;
-    std::vector<std::u16string> compositions;  // the input method's text at each announcement
-
-    Orvanta::LRESULT windowProc(Orvanta::HWND window, Orvanta::UINT message, Orvanta::WPARAM wParam,
-                                Orvanta::LPARAM lParam) override {
-        if (message == Orvanta::WM_IME_COMPOSITION)
-            compositions.push_back(Orvanta::Platform::Display::instance().getComposition().str());
-        return WindowedControl::windowProc(window, message, wParam, lParam);
-    }
 
 protected:
     TextSink() {
@@ -80,6 +73,14 @@ struct CommandLog : public Orvanta::CommandListener {
     std::vector<std::pair<Orvanta::Control*, int>> commands;
     void onCommand(Orvanta::Control* source, int command) override { commands.push_back({source, command}); }
 };
+
+// Gives a control its rectangle and adds it to a container, as a tab stop when asked.
+template <class T>
+T* place(Orvanta::Container* parent, T* control, const Orvanta::CRect& rect, bool tabStop = false) {
+    control->setRect(rect);
+    parent->add(control, tabStop);
+    return control;
+}
 
 inline void setMargins(Orvanta::Control* control, const Orvanta::CRect& m) {
     const int sides[] = {m.left, m.top, m.right, m.bottom};

@@ -57,10 +57,7 @@ protected:
         ASSERT_EQ(Platform::Display::instance().getDriverName(), "x11");
     }
     void TearDown() override {
-        if (ui) {
-            if (button) button->removeCommandListener(&log);
-            ui.reset();
-        }
+        ui.reset();
         Platform::Display::instance().close();
         unsetenv("DISPLAY");
         server.reset();
@@ -68,49 +65,72 @@ protected:
     // Lets the server map, expose and deliver, and the loop answer.
     void settle() { ui->runFor(300); }
 
+    CommandLog log;
     std::unique_ptr<XvfbServer> server;
     std::unique_ptr<UiHarness> ui;
-    CommandLog log;
-    TextButton* button = nullptr;
 };
 
-TEST_F(XvfbTest, TheScreenShowsTheBackingStoreAndXInputReachesTheControls) {
+// A click from the X server presses a button; real keys (Control held for a whole selection,
+// Backspace) edit a field; a drop-down's list opens as a pop-up window of the server, shows its backing
+// store and takes a real click. (Text beyond the server's keymap, which xdotool types by remapping
+// keys, is not seen by SDL: the non-ASCII input is tested offscreen.)
+TEST_F(XvfbTest, TheScreenShowsTheBackingStoresAndXInputReachesTheControls) {
+    Edit::setCaretBlinkTime(0);
     ui->root()->setBkColor(RGB(250, 250, 245));
-    ui->root()->add(Box::create(RGB(200, 60, 40), CRect(10, 10, 90, 70)));
-    Label* label = Label::create(u"Ré, 2026");
-    label->setRect(CRect(10, 80, 150, 100));
-    ui->root()->add(label);
-    button = TextButton::create(77, u"Print", &log);
-    button->setRect(CRect(130, 110, 220, 145));
-    ui->root()->add(button, true);
-    TextSink* sink = TextSink::create();
-    sink->setRect(CRect(130, 10, 220, 60));
-    ui->root()->add(sink, true);
+    Edit* field = place(ui->root(), Edit::create(1), CRect(10, 10, 230, 36), true);
+    DropDown* sizes = place(ui->root(), DropDown::create(2), CRect(10, 50, 160, 76), true);
+    for (const char16_t* size : {u"A4", u"A5", u"Letter", u"Legal"}) sizes->addString(size);
+    sizes->setCurSel(0);
+    place(ui->root(), Label::create(u"Ré, 2026"), CRect(10, 84, 120, 104));
+    place(ui->root(), TextButton::create(77, u"Print", &log), CRect(130, 110, 220, 145), true);
     settle();
-
     std::vector<std::uint32_t> screen;
     int width = 0, height = 0;
     const CRect area(40, 30, 280, 190);
     ASSERT_TRUE(server->screenshot(screen, width, height));
     EXPECT_EQ(differingPixels(screen, width, height, ui->window()->getBackingStore(), area), 0);
 
-    // A click from the X server presses the button; typed text goes to the focused control. (Text
-    // beyond the server's keymap, which xdotool types by remapping keys, is not seen by SDL: the
-    // non-ASCII input is tested offscreen.)
     ASSERT_EQ(server->run("xdotool mousemove 215 170 click 1"), 0);
     settle();
     ASSERT_EQ(log.commands.size(), 1u);
     EXPECT_EQ(log.commands[0].second, 77);
-    sink->setFocus();
-    ASSERT_EQ(server->run("xdotool mousemove 210 60 && xdotool search --name 'Orvanta test window' "
-                          "windowfocus --sync && xdotool type --delay 20 'Photo 26'"),
-              0);
+    field->setFocus();
+    ASSERT_EQ(
+        server->run(
+            "xdotool mousemove 100 45 && xdotool search --name 'Orvanta test window' windowfocus --sync && "
+            "xdotool type --delay 20 'Print 12' && xdotool key --delay 20 ctrl+a BackSpace && "
+            "xdotool type --delay 20 'Rotate'"),
+        0);
     settle();
-    EXPECT_EQ(sink->typed, u"Photo 26");
-
-    // What the button looks like after being pressed reaches the screen too.
+    EXPECT_EQ(field->getText().str(), u"Rotate");
+    // What the pressed button and the edited field look like reaches the screen too.
     ASSERT_TRUE(server->screenshot(screen, width, height));
     EXPECT_EQ(differingPixels(screen, width, height, ui->window()->getBackingStore(), area), 0);
+
+    const CRect box = sizes->getWindowRect();
+    ASSERT_EQ(server->run("xdotool mousemove " + std::to_string(box.left + 20) + " " +
+                          std::to_string(box.top + 10) + " click 1"),
+              0);
+    settle();
+    ASSERT_TRUE(sizes->isOpen());
+    // The list hangs below the field, as wide as it.
+    const CRect popup = sizes->getPopup()->getWindowRect();
+    EXPECT_EQ(popup, CRect(box.left, box.bottom, box.right, popup.bottom));
+    ASSERT_TRUE(server->screenshot(screen, width, height));
+    EXPECT_EQ(differingPixels(screen, width, height, sizes->getPopup()->getHWND()->getBackingStore(), popup),
+              0);
+    const CRect third = sizes->getList()->getRowRect(2);
+    ASSERT_EQ(server->run("xdotool mousemove " + std::to_string(popup.left + 20) + " " +
+                          std::to_string(popup.top + (third.top + third.bottom) / 2) + " click 1"),
+              0);
+    settle();
+    EXPECT_FALSE(sizes->isOpen());
+    EXPECT_EQ(sizes->getCurSel(), 2);
+    // The keyboard is the window's again once the list has gone.
+    ASSERT_EQ(server->run("xdotool key --delay 20 Down"), 0);
+    settle();
+    EXPECT_EQ(sizes->getCurSel(), 3);
+    Edit::setCaretBlinkTime(Edit::kCaretBlinkTime);
 }
 
 // A loop asleep on the X server wakes for a post from another thread and for input from the server;
@@ -149,57 +169,6 @@ TEST_F(XvfbTest, TheLoopAsleepOnTheServerWakesForPostsAndInput) {
     EXPECT_EQ(waitFor({WM_MOUSEMOVE}), UINT(WM_MOUSEMOVE));
     mover.join();
     window->killTimer(kGuard);
-}
-
-// Typing with real keys (Control held for a whole selection, Backspace) reaches an edit field, and a
-// drop-down's list opens as a pop-up window of the X server, shows its backing store and takes a real
-// click.
-TEST_F(XvfbTest, RealKeysEditAFieldAndTheDropDownListIsAWindowOfTheServer) {
-    Edit::setCaretBlinkTime(0);
-    Edit* field = Edit::create(1);
-    field->setRect(CRect(10, 10, 230, 36));
-    ui->root()->add(field, true);
-    DropDown* sizes = DropDown::create(2);
-    sizes->setRect(CRect(10, 50, 160, 76));
-    for (const char16_t* size : {u"A4", u"A5", u"Letter", u"Legal"}) sizes->addString(size);
-    sizes->setCurSel(0);
-    ui->root()->add(sizes, true);
-    settle();
-    field->setFocus();
-    ASSERT_EQ(
-        server->run(
-            "xdotool mousemove 100 45 && xdotool search --name 'Orvanta test window' windowfocus --sync && "
-            "xdotool type --delay 20 'Print 12' && xdotool key --delay 20 ctrl+a BackSpace && "
-            "xdotool type --delay 20 'Rotate'"),
-        0);
-    settle();
-    EXPECT_EQ(field->getText().str(), u"Rotate");
-
-    const CRect box = sizes->getWindowRect();
-    ASSERT_EQ(server->run("xdotool mousemove " + std::to_string(box.left + 20) + " " +
-                          std::to_string(box.top + 10) + " click 1"),
-              0);
-    settle();
-    ASSERT_TRUE(sizes->isOpen());
-    const CRect popup = sizes->getPopup()->getWindowRect();
-    EXPECT_EQ(popup.topLeft(), CPoint(box.left, box.bottom));
-    std::vector<std::uint32_t> screen;
-    int width = 0, height = 0;
-    ASSERT_TRUE(server->screenshot(screen, width, height));
-    EXPECT_EQ(differingPixels(screen, width, height, sizes->getPopup()->getHWND()->getBackingStore(), popup),
-              0);
-    const CRect third = sizes->getList()->getRowRect(2);
-    ASSERT_EQ(server->run("xdotool mousemove " + std::to_string(popup.left + 20) + " " +
-                          std::to_string(popup.top + (third.top + third.bottom) / 2) + " click 1"),
-              0);
-    settle();
-    EXPECT_FALSE(sizes->isOpen());
-    EXPECT_EQ(sizes->getCurSel(), 2);
-    // The keyboard is the window's again once the list has gone.
-    ASSERT_EQ(server->run("xdotool key --delay 20 Down"), 0);
-    settle();
-    EXPECT_EQ(sizes->getCurSel(), 3);
-    Edit::setCaretBlinkTime(Edit::kCaretBlinkTime);
 }
 
 // A real modal message box on the X server: what the screen shows of it is its backing store, and
