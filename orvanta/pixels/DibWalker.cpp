@@ -11,6 +11,7 @@
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/Exception.h"
 #include "orvanta/pixels/Dib.h"
+#include "orvanta/platform/PixelBlocks.h"
 
 namespace Orvanta {
 
@@ -352,8 +353,9 @@ void DibWalker::copyFrom(DibWalker* src, bool swap) {
         const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(w) * 3;
         if (mDeltaY == src->mDeltaY && (mDeltaY == row || mDeltaY == -row)) {
             const std::ptrdiff_t first = mDeltaY > 0 ? 0 : h - 1;
-            std::memcpy(address(0, static_cast<int>(first)), src->address(0, static_cast<int>(first)),
-                        static_cast<std::size_t>(row) * h);
+            Platform::PixelBlocks::copy(address(0, static_cast<int>(first)),
+                                        src->address(0, static_cast<int>(first)),
+                                        static_cast<std::size_t>(row) * h);
             return;
         }
         for (int y = 0; y < h; ++y)

@@ -31,6 +31,9 @@ public:
     // A picture's block, kept for reuse when released.
     static unsigned char* allocatePicture(std::size_t size, Contents contents);
     static void release(unsigned char* block);
+    // memcpy for pictures: a photograph's bytes are copied by several threads at once, since one
+    // core alone moves far less than the memory can (the blocks must not overlap).
+    static void copy(unsigned char* to, const unsigned char* from, std::size_t size);
 };
 
 }  // namespace Orvanta::Platform

@@ -129,3 +129,16 @@ TEST(PixelBlocks, ThreadsTakingBlocksAtOnceNeverShareOne) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(std::vector<int>(4, 0), failures);
 }
+
+// Copies shared between threads meet exactly: every byte at its place, none past the end, at sizes
+// that split into whole and ragged shares.
+TEST(PixelBlocks, ACopySharedBetweenThreadsIsByteForByte) {
+    const std::size_t mib = std::size_t(1) << 20;
+    for (const std::size_t size : {std::size_t(100), 8 * mib - 1, 16 * mib, 24 * mib + 4097, 72 * mib + 3}) {
+        std::vector<unsigned char> from(size), to(size + 1, 0xA5);
+        for (std::size_t i = 0; i < size; ++i) from[i] = static_cast<unsigned char>(i * 2654435761u >> 13);
+        PixelBlocks::copy(to.data(), from.data(), size);
+        EXPECT_TRUE(std::equal(from.begin(), from.end(), to.begin())) << size;
+        EXPECT_EQ(0xA5, to[size]) << size;
+    }
+}
