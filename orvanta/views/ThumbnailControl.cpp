@@ -37,8 +37,8 @@ bool keyHeld(int virtualKey) {
 
 }  // namespace
 
-ThumbnailControl* ThumbnailControl::create(int rows, int cols, int thumbWidth, int thumbHeight, ThumbnailDb* db,
-                                           bool tabStop, CommandListener* listener,
+ThumbnailControl* ThumbnailControl::create(int rows, int cols, int thumbWidth, int thumbHeight,
+                                           ThumbnailDb* db, bool tabStop, CommandListener* listener,
                                            ThumbnailControlHelper* helper) {
     ThumbnailControl* control = new ThumbnailControl(rows, cols, thumbWidth, thumbHeight, db, helper);
     control->setTabStop(tabStop);
@@ -207,7 +207,8 @@ CRect ThumbnailControl::cellRect(const Cell& cell, bool whole) const {
     if (whole) return rect;
     // The picture's box: the cell less its annotation, which leaves room for the highlight frame.
     return CRect(rect.left + mAnnotation.get(Padding::Left), rect.top + mAnnotation.get(Padding::Top),
-                 rect.right - mAnnotation.get(Padding::Right), rect.bottom - mAnnotation.get(Padding::Bottom));
+                 rect.right - mAnnotation.get(Padding::Right),
+                 rect.bottom - mAnnotation.get(Padding::Bottom));
 }
 
 CRect ThumbnailControl::thumbnailRect(const Cell& cell) {
@@ -222,11 +223,15 @@ CRect ThumbnailControl::thumbnailRect(const Cell& cell) {
 }
 
 ThumbnailControl::Cell ThumbnailControl::cellFromPoint(CPoint point) {
-    const long long x = static_cast<long long>(point.x) + static_cast<long long>(mFirstVisible.col) * getCellWidth(true);
-    const long long y = static_cast<long long>(point.y) + static_cast<long long>(mFirstVisible.row) * getCellHeight(true);
+    const long long x =
+        static_cast<long long>(point.x) + static_cast<long long>(mFirstVisible.col) * getCellWidth(true);
+    const long long y =
+        static_cast<long long>(point.y) + static_cast<long long>(mFirstVisible.row) * getCellHeight(true);
     if (x < 0 || y < 0) return Cell();
-    const int col = static_cast<int>(std::min<long long>(x / getCellWidth(true), std::max(getNumCols() - 1, 0)));
-    const int row = static_cast<int>(std::min<long long>(y / getCellHeight(true), std::max(getNumRows() - 1, 0)));
+    const int col =
+        static_cast<int>(std::min<long long>(x / getCellWidth(true), std::max(getNumCols() - 1, 0)));
+    const int row =
+        static_cast<int>(std::min<long long>(y / getCellHeight(true), std::max(getNumRows() - 1, 0)));
     return Cell(row, col);
 }
 
@@ -430,7 +435,8 @@ void ThumbnailControl::drawShadow(HDC dc, const CRect& r, bool selected) {
     const int tw = size.cx / 3, th = size.cy / 3;
     if (tw <= 0 || th <= 0) return;
     const auto tile = [&](int x, int y, int column, int row) {
-        dc->stretchDIBits(x, y, tw, th, column * tw, row * th, tw, th, sheet->getBits(), *sheet->getBitmapInfo());
+        dc->stretchDIBits(x, y, tw, th, column * tw, row * th, tw, th, sheet->getBits(),
+                          *sheet->getBitmapInfo());
     };
     for (int y = r.top; y < r.bottom; y += th) tile(r.right, y, 2, y == r.top ? 0 : 1);
     for (int x = r.left; x < r.right; x += tw) tile(x, r.bottom, x == r.left ? 0 : 1, 2);
@@ -493,8 +499,9 @@ void ThumbnailControl::setOverlay(const CRect& band, const CRect& bar) {
     // Only the band's edges change pixels; repainting its inside would decode every picture in it.
     const auto edges = [this](const CRect& r) {
         if (r.isEmpty()) return;
-        for (const CRect& edge : {CRect(r.left, r.top, r.right, r.top + 1), CRect(r.left, r.bottom - 1, r.right, r.bottom),
-                                  CRect(r.left, r.top, r.left + 1, r.bottom), CRect(r.right - 1, r.top, r.right, r.bottom)})
+        for (const CRect& edge :
+             {CRect(r.left, r.top, r.right, r.top + 1), CRect(r.left, r.bottom - 1, r.right, r.bottom),
+              CRect(r.left, r.top, r.left + 1, r.bottom), CRect(r.right - 1, r.top, r.right, r.bottom)})
             invalidate(false, &edge);
     };
     edges(mBand);
@@ -558,10 +565,12 @@ void ThumbnailControl::updateInsertionBar(CPoint point) {
         const int spacing = rowsFill ? mCellSpacing.get(Padding::Right) : mCellSpacing.get(Padding::Bottom);
         // The bar is centred on the gap between the cells.
         if (rowsFill) {
-            const int x = (after ? rect.right + spacing / 2 : rect.left - (spacing + 1) / 2) - kInsertionBarWidth / 2;
+            const int x =
+                (after ? rect.right + spacing / 2 : rect.left - (spacing + 1) / 2) - kInsertionBarWidth / 2;
             bar = CRect(x, rect.top, x + kInsertionBarWidth, rect.bottom);
         } else {
-            const int y = (after ? rect.bottom + spacing / 2 : rect.top - (spacing + 1) / 2) - kInsertionBarWidth / 2;
+            const int y =
+                (after ? rect.bottom + spacing / 2 : rect.top - (spacing + 1) / 2) - kInsertionBarWidth / 2;
             bar = CRect(rect.left, y, rect.right, y + kInsertionBarWidth);
         }
     }
@@ -593,11 +602,12 @@ bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
             setFocus();
             if (isValidCell(cell) && !onCell) {
                 const CRect box = cellRect(cell, false);
-                const Padding::Side side = point.y < box.top      ? Padding::Top
+                const Padding::Side side = point.y < box.top       ? Padding::Top
                                            : point.y >= box.bottom ? Padding::Bottom
                                            : point.x < box.left    ? Padding::Left
                                                                    : Padding::Right;
-                if (mHelper->onClickAnnotation(cell, side, ThumbnailControlHelper::ClickEvent::Press)) return true;
+                if (mHelper->onClickAnnotation(cell, side, ThumbnailControlHelper::ClickEvent::Press))
+                    return true;
             }
             if (onCell && mHelper->onClick(cell, ThumbnailControlHelper::ClickEvent::Press)) return true;
             mDragOrigin = point;
@@ -642,9 +652,8 @@ bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
             return true;
         }
         case WM_MOUSEMOVE:
-            if (mDrag == DragPending &&
-                (std::abs(point.x - mDragOrigin.x) >= kDragThreshold ||
-                 std::abs(point.y - mDragOrigin.y) >= kDragThreshold)) {
+            if (mDrag == DragPending && (std::abs(point.x - mDragOrigin.x) >= kDragThreshold ||
+                                         std::abs(point.y - mDragOrigin.y) >= kDragThreshold)) {
                 mDrag = DragCells;
                 mScrollTimer = startTimer(kAutoScrollInterval);
             }
@@ -662,7 +671,8 @@ bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
                 }
                 if (changed) post(kSelectionChanged);
             }
-            if (onCell && !mHelper->onClick(cell, ThumbnailControlHelper::ClickEvent::Release)) post(kCellReleased);
+            if (onCell && !mHelper->onClick(cell, ThumbnailControlHelper::ClickEvent::Release))
+                post(kCellReleased);
             endDrag(point, true);
             return true;
         }
@@ -731,8 +741,8 @@ bool ThumbnailControl::onKeyDown(int virtualKey, LPARAM) {
             target.row = std::max(target.row, 0);
             target.col = std::max(target.col, 0);
             if (!isValidCell(target))
-                target = sign > 0 ? cellFromIndex(mList->getCount() - 1) : (rowsGrow ? Cell(0, mCurrent.col)
-                                                                                     : Cell(mCurrent.row, 0));
+                target = sign > 0 ? cellFromIndex(mList->getCount() - 1)
+                                  : (rowsGrow ? Cell(0, mCurrent.col) : Cell(mCurrent.row, 0));
             moveTo(target, shift);
             return true;
         }
