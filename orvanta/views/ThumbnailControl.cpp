@@ -12,6 +12,7 @@
 #include "orvanta/platform/Canvas.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/toolkit/WidgetLook.h"
+#include "orvanta/views/ShadowTiles.h"
 
 namespace Orvanta {
 
@@ -429,18 +430,7 @@ void ThumbnailControl::drawBackground(HDC dc, const CRect& rect) {
 }
 
 void ThumbnailControl::drawShadow(HDC dc, const CRect& r, bool selected) {
-    Dib* sheet = selected && mShadowSelected ? mShadowSelected.get() : mShadow.get();
-    if (!sheet) return;
-    const CSize size = sheet->getSize();
-    const int tw = size.cx / 3, th = size.cy / 3;
-    if (tw <= 0 || th <= 0) return;
-    const auto tile = [&](int x, int y, int column, int row) {
-        dc->stretchDIBits(x, y, tw, th, column * tw, row * th, tw, th, sheet->getBits(),
-                          *sheet->getBitmapInfo());
-    };
-    for (int y = r.top; y < r.bottom; y += th) tile(r.right, y, 2, y == r.top ? 0 : 1);
-    for (int x = r.left; x < r.right; x += tw) tile(x, r.bottom, x == r.left ? 0 : 1, 2);
-    tile(r.right, r.bottom, 2, 2);
+    drawShadowTiles(dc, selected && mShadowSelected ? mShadowSelected.get() : mShadow.get(), r);
 }
 
 void ThumbnailControl::drawCell(HDC dc, const Cell& cell) {
