@@ -146,7 +146,8 @@ DibRect ImageControl::getVisibleRect() {
     const CSize client = getClientRect().size();
     const CSize view(std::max(client.cx - 2 * tile.cx, 1), std::max(client.cy - 2 * tile.cy, 1));
     VisibleRectSlot& slot = gVisibleRectSlot;
-    if (!slot.filled || slot.view != view || slot.image != image || slot.center != mCenter || slot.zoom != mZoom) {
+    if (!slot.filled || slot.view != view || slot.image != image || slot.center != mCenter ||
+        slot.zoom != mZoom) {
         slot.result = DibRect::computeVisibleRect(view, image, mCenter, mZoom);
         slot.view = view;
         slot.image = image;
@@ -195,10 +196,13 @@ void ImageControl::paintPicture(HDC dc) {
     const CSize size = dib->getSize();
     if (size.cx <= 0 || size.cy <= 0) return;
     // Only the visible part is scaled, straight into place.
-    const CRect part = dib == mFallback ? CRect(0, 0, size.cx, size.cy) : getVisibleRect().mapTo(CRect(0, 0, size.cx, size.cy));
+    const CRect part = dib == mFallback ? CRect(0, 0, size.cx, size.cy)
+                                        : getVisibleRect().mapTo(CRect(0, 0, size.cx, size.cy));
     dc->setStretchMode(HALFTONE);
-    dc->stretchDIBits(display.left, display.top, display.width(), display.height(), part.left, part.top,
-                      part.width(), part.height(), dib->getBits(), *dib->getBitmapInfo());
+    // StretchDIBits counts the source's y from the bottom row up.
+    dc->stretchDIBits(display.left, display.top, display.width(), display.height(), part.left,
+                      size.cy - part.bottom, part.width(), part.height(), dib->getBits(),
+                      *dib->getBitmapInfo());
     drawShadowTiles(dc, mShadow, display);
 }
 
@@ -229,7 +233,8 @@ LRESULT ImageControl::handleMessage(UINT message, WPARAM wParam, LPARAM lParam, 
         const CRect display = getDisplayRect();
         HCURSOR cursor = nullptr;
         if (display.contains(mMouse)) {
-            const int code = hitEdge(mMouse.x, mMouse.y, display.left, display.top, display.right, display.bottom);
+            const int code =
+                hitEdge(mMouse.x, mMouse.y, display.left, display.top, display.right, display.bottom);
             if (code >= 0 && mCursors[code] != -1) cursor = Platform::Cursor::system(mCursors[code]);
         }
         if (!cursor && mPlugin) cursor = mPlugin->getCursor();

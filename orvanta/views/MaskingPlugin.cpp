@@ -26,8 +26,8 @@ int MaskingPlugin::cursorIndex(int hit) {
 }
 
 void MaskingPlugin::setDefaultCursors() {
-    const int ids[9] = {IDC_SIZENWSE, IDC_SIZENS, IDC_SIZENESW, IDC_SIZEWE, IDC_SIZEALL,
-                        IDC_SIZEWE,   IDC_SIZENESW, IDC_SIZENS, IDC_SIZENWSE};
+    const int ids[9] = {IDC_SIZENWSE, IDC_SIZENS,   IDC_SIZENESW, IDC_SIZEWE,  IDC_SIZEALL,
+                        IDC_SIZEWE,   IDC_SIZENESW, IDC_SIZENS,   IDC_SIZENWSE};
     setCursors(ids);
 }
 
@@ -78,8 +78,8 @@ void MaskingPlugin::rebuildFaded() {
     const CRect display = mControl->getDisplayRect();
     if (display.isEmpty()) return;
     // Only the part shown, at the size shown: a large photo is not faded whole.
-    OwnedPtr<Image> shown = mControl->getImage()->createDownsized(DownsizeOp::DownsizeMethodStretch, display.size(),
-                                                                   true, mControl->getVisibleRect());
+    OwnedPtr<Image> shown = mControl->getImage()->createDownsized(
+        DownsizeOp::DownsizeMethodStretch, display.size(), true, mControl->getVisibleRect());
     if (!shown) return;
     OwnedPtr<ColorizeOp> pale = ColorizeOp::create(0.9, 0.9, 0.92, 8);
     OwnedPtr<Dib> faded = pale->doOp(shown->getDib(), nullptr);
@@ -120,7 +120,8 @@ bool MaskingPlugin::onMouseMove(int what) {
     if (lock == 0) {
         const DibPoint d(mouse, picture);
         const double dx = d.X() - mPress.X(), dy = d.Y() - mPress.Y();
-        double l = mDragStart.L() + dx, r = mDragStart.R() + dx, t = mDragStart.T() + dy, b = mDragStart.B() + dy;
+        double l = mDragStart.L() + dx, r = mDragStart.R() + dx, t = mDragStart.T() + dy,
+               b = mDragStart.B() + dy;
         if (l < 0) {
             r -= l;
             l = 0;
@@ -178,9 +179,11 @@ bool MaskingPlugin::paint(HDC dc) {
     dc->restore(inside);
     const CRect frame(sel.left - 2, sel.top - 2, sel.right + 2, sel.bottom + 2);
     dc->frameRect(frame, RGB(0, 0, 0));
-    dc->frameRect(CRect(frame.left + 1, frame.top + 1, frame.right - 1, frame.bottom - 1), RGB(255, 255, 255));
-    for (const CPoint& corner : {CPoint(frame.left - 2, frame.top - 2), CPoint(frame.right - 5, frame.top - 2),
-                                 CPoint(frame.left - 2, frame.bottom - 5), CPoint(frame.right - 5, frame.bottom - 5)}) {
+    dc->frameRect(CRect(frame.left + 1, frame.top + 1, frame.right - 1, frame.bottom - 1),
+                  RGB(255, 255, 255));
+    for (const CPoint& corner :
+         {CPoint(frame.left - 2, frame.top - 2), CPoint(frame.right - 5, frame.top - 2),
+          CPoint(frame.left - 2, frame.bottom - 5), CPoint(frame.right - 5, frame.bottom - 5)}) {
         const CRect handle(corner.x, corner.y, corner.x + 7, corner.y + 7);
         dc->fillRect(handle, RGB(255, 255, 255));
         dc->frameRect(handle, RGB(0, 0, 0));
