@@ -252,6 +252,7 @@ bool ThumbnailControl::scrollBy(int dRow, int dCol) {
     // The band and the bar stay where the pointer is: they must not travel with the pixels.
     setOverlay(CRect(), CRect());
     mFirstVisible = mFirstVisible.offset(dRow, dCol);
+    pruneCellCache();
     if (mWindow->isVisible() && std::abs(dx) < client.width() && std::abs(dy) < client.height()) {
         mWindow->scroll(-dx, -dy);
         // Only the strip that entered is invalid: paint it now, so the grid never shows a gap.
@@ -261,6 +262,16 @@ bool ThumbnailControl::scrollBy(int dRow, int dCol) {
     }
     post(kScrolled);
     return true;
+}
+
+void ThumbnailControl::pruneCellCache() {
+    // Cells a page or more away from the view are dropped, so a long scroll holds no more assets
+    // than a few screens' worth. Either fill order keeps the cells in view on a contiguous index run.
+    const int first = cellIndex(mFirstVisible);
+    const int last = cellIndex(getLastVisibleCell(false));
+    const int page = std::max(last - first + 1, 1);
+    mCellCache.erase(mCellCache.begin(), mCellCache.lower_bound(first - page));
+    mCellCache.erase(mCellCache.upper_bound(last + page), mCellCache.end());
 }
 
 void ThumbnailControl::setFirstRow(int row) {

@@ -27,6 +27,7 @@
 //  - What the user does reaches the command listeners later (sendEventLater), never inside a paint or
 //    a scroll: kSelectionChanged, kScrolled, kCellPressed and kCellReleased, kCellActivated (double
 //    click, Enter), kDropped (getDropIndex tells where).
+//  - Only cells within a page of the view keep their asset cached.
 //  - Changes of the list may arrive on any thread; the control takes them up on its own thread.
 
 #include <atomic>
@@ -191,6 +192,7 @@ private:
     void post(int command);
     void invalidateCell(const Cell& cell);
     void invalidateCounts();
+    void pruneCellCache();
     // The cached counts and cells are stale (the list changed).
     void listChanged();
     bool selectQuietly(const Cell& cell, bool selected);
