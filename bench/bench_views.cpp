@@ -33,6 +33,7 @@
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/pixels/DibSection.h"
+#include "orvanta/platform/Cursor.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/Window.h"
 #include "orvanta/store/PropertyDatabase.h"

@@ -57,6 +57,7 @@ GridScreen::GridScreen(ThumbnailDb* thumbnails, CommandListener* listener) {
     mSort->setMargin(8, Style::Left);
     bar->add(mSort, true);
     Label* label = Label::create(u"Find:");
+    label->setMinSize(44, 24);
     label->setMargin(12, Style::Left);
     bar->add(label);
     mFilter = Edit::create(kFilterText, CString(), 0, listener);

@@ -95,9 +95,16 @@ bool InputScript::step(const std::string& line) {
         postMouse(SDL_MOUSEBUTTONUP, at);
         return true;
     }
-    if (verb == "drag") {
+    if (verb == "drag" || verb == "pdrag") {
         CPoint from, to;
-        if (!(words >> from.x >> from.y >> to.x >> to.y)) return false;
+        if (verb == "drag") {
+            if (!(words >> from.x >> from.y >> to.x >> to.y)) return false;
+        } else {
+            double x1, y1, x2, y2;
+            if (!(words >> x1 >> y1 >> x2 >> y2)) return false;
+            from = mHost.picturePoint(x1, y1);
+            to = mHost.picturePoint(x2, y2);
+        }
         postMouse(SDL_MOUSEMOTION, from);
         postMouse(SDL_MOUSEBUTTONDOWN, from);
         for (int i = 1; i <= 8; ++i)

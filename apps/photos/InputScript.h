@@ -10,6 +10,7 @@
 //   drag X1 Y1 X2 Y2     the left button pressed at one point, moved, released at the other
 //   wheel N              the wheel turned N notches (positive: away from the user)
 //   picture FX FY        a left click where the picture view shows that fraction of its picture
+//   pdrag FX1 FY1 FX2 FY2  a drag between two such points
 //   wait MS              time passing, the loop running
 //   settle               waits until the application has nothing in hand (an import's thumbnails)
 //   shot NAME            the main window's pixels written to DIR/NAME.png

@@ -87,6 +87,7 @@ PhotosApp::~PhotosApp() {
     mPicture.reset();
     mRoot = nullptr;
     if (mWindow) mWindow->destroy();
+    orvantaIUDeInit();
 }
 
 int PhotosApp::run() {
@@ -112,12 +113,14 @@ bool PhotosApp::start() {
             return false;
         }
     }
-    init();
+    // The library and the JPEG, TIFF and BMP codecs.
     orvantaIUInit();
     OrvantaTool::registerVideoCodec();
 
     CSize size = kDefaultSize;
-    if (mPrefs.isPref(kPrefWidth))
+    if (mOptions.size.cx > 0 && mOptions.size.cy > 0)
+        size = mOptions.size;
+    else if (mPrefs.isPref(kPrefWidth))
         size =
             CSize(static_cast<int>(mPrefs.getInt(kPrefWidth)), static_cast<int>(mPrefs.getInt(kPrefHeight)));
     size.cx = std::clamp(size.cx, 640, 8192);
@@ -134,6 +137,8 @@ bool PhotosApp::start() {
         mStatus = 1;
         return false;
     }
+    mOriginals = std::make_unique<OriginalsPolicy>(CatalogueLocation::getDataFolder() + "/originals");
+    mOriginals->makePolicyCurrent();
     mGrid = std::make_unique<GridScreen>(mLibrary.thumbnails(), this);
     mPicture = std::make_unique<PictureScreen>(this);
     const unsigned long sort = mPrefs.getInt(kPrefSort);
@@ -513,6 +518,10 @@ bool PhotosApp::handleShortcut(const MSG& msg) {
     const int key = static_cast<int>(msg.wParam);
     const bool control = held(VK_CONTROL);
     const bool inPicture = mSession.asset() != nullptr;
+    if (control && key == 'Q') {
+        onClose();
+        return true;
+    }
     if (!inPicture) {
         if (Platform::Window::getFocus() != mGrid->grid()->getHWND()) return false;
         if (key == VK_DELETE) {

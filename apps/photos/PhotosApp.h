@@ -6,7 +6,8 @@
 // Contract: run answers the process's exit status. Every failure the user can meet (a file gone
 // under the grid, a damaged file, a photo that does not decode, a save onto a full disk) is told in
 // a message and the application goes on; nothing in it deletes a photo except Delete, which asks
-// first and moves the file to the trash. With a script (InputScript) the application is driven
+// first and moves the file to the trash, and an edited photo is saved over its file only once its
+// original is kept (OriginalsPolicy). With a script (InputScript) the application is driven
 // without a person: messages are written to standard error and answered with their default.
 
 #include <memory>
@@ -15,6 +16,7 @@
 #include "apps/photos/FolderImport.h"
 #include "apps/photos/GridScreen.h"
 #include "apps/photos/InputScript.h"
+#include "apps/photos/OriginalsPolicy.h"
 #include "apps/photos/PhotoLibrary.h"
 #include "apps/photos/PictureScreen.h"
 #include "apps/photos/PictureSession.h"
@@ -31,6 +33,7 @@ public:
         std::string script;      // a script of input to run, then quit
         std::string shots;       // where the script's shots go
         std::string importPath;  // a folder to import at start
+        Orvanta::CSize size;     // the window's size; (0, 0): the one remembered
     };
 
     explicit PhotosApp(Options options);
@@ -78,6 +81,7 @@ private:
     int mSessionIndex = -1;
     std::unique_ptr<FolderImport> mImport;
     std::unique_ptr<InputScript> mScript;
+    std::unique_ptr<OriginalsPolicy> mOriginals;
     bool mQuit = false;
     int mStatus = 0;
 };
