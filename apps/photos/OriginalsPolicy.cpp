@@ -26,7 +26,8 @@ bool OriginalsPolicy::handlePrepareForSave(AssetFile* file) {
     const std::string partial = originalOf(path) + ".part";
     std::filesystem::remove(partial, error);
     // Copied under a temporary name and renamed: a half-written copy is never taken for the original.
-    if (!std::filesystem::copy_file(path, partial, error) || !File::replace(CString::fromUtf8(partial), kept)) {
+    if (!std::filesystem::copy_file(path, partial, error) ||
+        !File::replace(CString::fromUtf8(partial), kept)) {
         std::filesystem::remove(partial, error);
         return false;
     }
