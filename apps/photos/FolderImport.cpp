@@ -47,8 +47,9 @@ bool FolderImport::onFile(WIN32_FIND_DATA& data) {
     if (mCallbacks.pump) mCallbacks.pump();
     if (mStopped) return false;
     const CString path(data.cFileName);
-    if (mKnown.count(path)) return true;
-    OwnedPtr<Asset> entry = CodecManager::getCodec(path) ? CatalogueEntry::create(path) : nullptr;
+    // Files no codec knows are not photos: passed over without a word.
+    if (mKnown.count(path) || !CodecManager::getCodec(path)) return true;
+    OwnedPtr<Asset> entry = CatalogueEntry::create(path);
     if (!entry || !mCatalogue->addAsset(entry, true)) {
         ++mSkipped;
         return true;

@@ -5,9 +5,9 @@
 // Contract: run walks the folder on the calling (user-interface) thread, adding one file at a time
 // and calling the host's pump between files so that the window stays alive; files already catalogued
 // are left alone. Then the thumbnail builder starts on worker tasks; its progress reaches
-// onProgress on the user-interface thread, and onFinished once every asset is done. Files that are
-// not readable pictures are counted as skipped, never fatal. The import can be stopped (stop) at any
-// time; what was added stays.
+// onProgress on the user-interface thread, and onFinished once every asset is done. Files of kinds
+// no codec knows are passed over; pictures that cannot be read are counted as skipped, never fatal. The
+// import can be stopped (stop) at any time; what was added stays.
 
 #include <functional>
 #include <map>

@@ -83,8 +83,8 @@ GridScreen::GridScreen(ThumbnailDb* thumbnails, CommandListener* listener) {
     status->add(mStatus);
     mProgress = WindowsProgressBar::create();
     mProgress->setMinSize(240, 16);
-    mProgress->hide();
     status->add(mProgress);
+    mProgress->hide();
     mRoot->add(status, 2, 0);
 }
 

@@ -219,6 +219,7 @@ void PhotosApp::tell(const std::string& text) {
     if (mScript) Dialog::startForcedModeless(IDOK);
     dialog->showModal(0, 0, CString(u"Orvanta Photos"), mWindow);
     if (mScript) Dialog::endForcedModeless();
+    refocus();
 }
 
 bool PhotosApp::ask(const std::string& text) {
@@ -229,7 +230,16 @@ bool PhotosApp::ask(const std::string& text) {
     }
     const int answer = dialog->showModal(0, 0, CString(u"Orvanta Photos"), mWindow);
     if (mScript) Dialog::endForcedModeless();
+    refocus();
     return answer == IDOK;
+}
+
+void PhotosApp::refocus() {
+    Platform::Window::setActiveWindow(mWindow);
+    if (mSession.asset())
+        mPicture->view()->setFocus();
+    else if (mGrid)
+        mGrid->grid()->setFocus();
 }
 
 // The grid.

@@ -66,6 +66,8 @@ private:
     void startCrop(int a, int b);
     void tell(const std::string& text);
     bool ask(const std::string& text);
+    // The keyboard back to the screen shown, after a message.
+    void refocus();
     void remember();
     Orvanta::CPoint picturePoint(double x, double y);
 

@@ -25,7 +25,8 @@ struct VisibleRectSlot {
 };
 VisibleRectSlot gVisibleRectSlot;
 
-// Where a span of `size` goes in [low, high) by an alignment (centred when unset).
+// Where a span of `size` goes in [low, high) by an alignment: centred when unset, and when filling,
+// which places the control in its parent, never stretches the picture out of its proportions.
 int place(int alignment, int low, int high, int size) {
     switch (alignment) {
         case Control::AlignLeft:
@@ -71,6 +72,7 @@ void ImageControl::listen(bool on) {
 }
 
 void ImageControl::setImage(Image* image) {
+    mScaled = nullptr;
     OwnedPtr<Image> keep = image;
     listen(false);
     mImage = image;
@@ -98,12 +100,38 @@ void ImageControl::setPlugin(ImageControlPlugin* plugin) {
 }
 
 void ImageControl::changed() {
+    mScaledValid = false;
     if (mPlugin) mPlugin->onImageChanged();
     invalidate(false);
 }
 
+void ImageControl::pictureChangesWithin(const DibRect* part) {
+    mChangeAnnounced = part != nullptr;
+    if (part) mPendingChange = *part;
+}
+
 void ImageControl::onNotification(void* sender, const Notification& notification) {
-    changed();
+    const bool announced = mChangeAnnounced;
+    mChangeAnnounced = false;
+    Dib* dib = mImage ? mImage->getDib() : nullptr;
+    if (!announced || !mScaledValid || !dib || !mScaled) {
+        changed();
+        return;
+    }
+    // Only the part the edit touched is scaled again, with a pixel of margin for the filter's reach.
+    const CSize size = mScaled->getSize();
+    const CRect whole = mScaledPart.mapFrom(CRect(0, 0, size.cx, size.cy));
+    const CRect touched = mPendingChange.mapTo(whole);
+    const CRect clip(std::max(touched.left - 2, 0), std::max(touched.top - 2, 0),
+                     std::min(touched.right + 2, size.cx), std::min(touched.bottom + 2, size.cy));
+    if (!clip.isEmpty()) {
+        scaleInto(dib, clip);
+        const CRect display = getDisplayRect();
+        const CRect area(display.left + clip.left, display.top + clip.top, display.left + clip.right,
+                         display.top + clip.bottom);
+        invalidate(false, &area);
+    }
+    if (mPlugin) mPlugin->onImageChanged();
 }
 
 void ImageControl::setZoom(double zoom, bool repaint) {
@@ -181,11 +209,32 @@ CRect ImageControl::getDisplayRect() {
     const CSize alignment = getAlignment();
     int left = place(alignment.cx, content.left, content.right, size.cx);
     int top = place(alignment.cy, content.top, content.bottom, size.cy);
-    if (alignment.cx == AlignFill) left = content.left, size.cx = content.width();
-    if (alignment.cy == AlignFill) top = content.top, size.cy = content.height();
     left = std::clamp(left, content.left, std::max(content.left, content.right - size.cx));
     top = std::clamp(top, content.top, std::max(content.top, content.bottom - size.cy));
     return CRect(left + tile.cx, top + tile.cy, left + size.cx - tile.cx, top + size.cy - tile.cy);
+}
+
+void ImageControl::scaleInto(Dib* dib, const CRect& clip) {
+    const CSize size = dib->getSize();
+    const CSize target = mScaled->getSize();
+    // Only the visible part is scaled, straight into place.
+    const CRect part = mScaledPart.mapTo(CRect(0, 0, size.cx, size.cy));
+    std::unique_ptr<Platform::Canvas> canvas = Platform::Canvas::createForBitmap(mScaled->getHBitmap());
+    if (!canvas) return;
+    canvas->intersectClipRect(clip);
+    canvas->setStretchMode(HALFTONE);
+    // StretchDIBits counts the source's y from the bottom row up.
+    canvas->stretchDIBits(0, 0, target.cx, target.cy, part.left, size.cy - part.bottom, part.width(),
+                          part.height(), dib->getBits(), *dib->getBitmapInfo());
+}
+
+DibSection* ImageControl::scaled(Dib* dib, const DibRect& visible, CSize size) {
+    if (mScaledValid && mScaled && mScaled->getSize() == size && mScaledPart == visible) return mScaled;
+    if (!mScaled || mScaled->getSize() != size) mScaled = DibSection::create(size.cx, size.cy, 4);
+    mScaledPart = visible;
+    mScaledValid = mScaled != nullptr;
+    if (mScaled) scaleInto(dib, CRect(0, 0, size.cx, size.cy));
+    return mScaled;
 }
 
 void ImageControl::paintPicture(HDC dc) {
@@ -195,14 +244,13 @@ void ImageControl::paintPicture(HDC dc) {
     if (!dib) return;
     const CSize size = dib->getSize();
     if (size.cx <= 0 || size.cy <= 0) return;
-    // Only the visible part is scaled, straight into place.
-    const CRect part = dib == mFallback ? CRect(0, 0, size.cx, size.cy)
-                                        : getVisibleRect().mapTo(CRect(0, 0, size.cx, size.cy));
+    Dib* shown = dib == mFallback ? dib : scaled(dib, getVisibleRect(), display.size());
+    if (!shown) return;
+    // The scaled part is copied pixel for pixel; a fallback is drawn at its own size.
+    const CSize shownSize = shown->getSize();
     dc->setStretchMode(HALFTONE);
-    // StretchDIBits counts the source's y from the bottom row up.
-    dc->stretchDIBits(display.left, display.top, display.width(), display.height(), part.left,
-                      size.cy - part.bottom, part.width(), part.height(), dib->getBits(),
-                      *dib->getBitmapInfo());
+    dc->stretchDIBits(display.left, display.top, display.width(), display.height(), 0, 0, shownSize.cx,
+                      shownSize.cy, shown->getBits(), *shown->getBitmapInfo());
     drawShadowTiles(dc, mShadow, display);
 }
 

@@ -7,8 +7,12 @@
 //  - The visible part of the picture comes from DibRect::computeVisibleRect of the view (the client
 //    less the shadow), the picture's size, the centre and the zoom; the last result is kept in one
 //    process-wide slot with its inputs, so repaints with the same values do not compute it again.
+//  - The visible part scaled to the display rectangle is kept in one slot until the picture or what
+//    is shown of it changes, so repaints (a plug-in's frame following the pointer) only copy it. A
+//    plug-in that knows which part of the picture its edit touches says so first
+//    (pictureChangesWithin, and withdraws it after the edit): only that part is scaled again and repainted.
 //  - The display rectangle is where that part stands, placed by the control's alignment (centred
-//    when unset) with the shadow outside it. Painting draws only the visible part, scaled straight
+//    when unset or filling) with the shadow outside it. Painting draws only the visible part, scaled straight
 //    into the display rectangle: a zoomed view never scales the whole picture.
 //  - A change of the picture (an edit through its history) repaints the control and tells the
 //    plug-in. Without an Image the fallback Dib, if any, is drawn at its own size.
@@ -23,12 +27,14 @@
 #include "orvanta/editing/DibRect.h"
 #include "orvanta/foundation/NotifierListener.h"
 #include "orvanta/foundation/OwnedPtr.h"
+#include "orvanta/pixels/DibSection.h"
 #include "orvanta/toolkit/WindowedControl.h"
 #include "orvanta/views/ImageControlPlugin.h"
 
 namespace Orvanta {
 
 class Dib;
+class DibSection;
 class Image;
 
 class ImageControl : public WindowedControl, public NotifierListener {
@@ -64,6 +70,9 @@ public:
     int hitEdge(int x, int y, int left, int top, int right, int bottom);
     // The picture alone, its visible part in the display rectangle, and the shadow.
     void paintPicture(HDC dc);
+    // The next change of the picture lies within *part (fractions of the picture); null withdraws
+    // what was said, when the edit changed nothing.
+    void pictureChangesWithin(const DibRect* part);
 
     void paintContent(HDC dc) override;
     LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam, bool* handled) override;
@@ -78,6 +87,10 @@ private:
     void listen(bool on);
     void changed();
     CSize shadowTile() const;
+    // The scaled slot for the visible part at size, made or brought up to date.
+    DibSection* scaled(Dib* dib, const DibRect& visible, CSize size);
+    // Scales the visible part of dib into the slot, within clip (slot pixels) only.
+    void scaleInto(Dib* dib, const CRect& clip);
 
     OwnedPtr<Image> mImage;
     Dib* mFallback = nullptr;
@@ -88,6 +101,11 @@ private:
     int mEdgeTolerance = 0;
     int mCursors[8] = {-1, -1, -1, -1, -1, -1, -1, -1};
     Dib* mListened = nullptr;
+    OwnedPtr<DibSection> mScaled;
+    DibRect mScaledPart;
+    bool mScaledValid = false;
+    DibRect mPendingChange;
+    bool mChangeAnnounced = false;
     CPoint mMouse;
     bool mPanning = false;
     CPoint mPanFrom;

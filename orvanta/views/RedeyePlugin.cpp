@@ -19,7 +19,14 @@ bool RedeyePlugin::onMouseButton(int which) {
     if (display.isEmpty()) return false;
     const DibPoint click(mControl->getMousePoint(), display, mControl->getVisibleRect());
     OwnedPtr<RedeyeOp> op = RedeyeOp::create(click, mRadius);
-    if (op) image->doOp(op);
+    if (!op) return true;
+    // The correction stays within the search box around the click.
+    const CSize size = image->getSize();
+    const double rx = (mRadius + 1.0) / size.cx, ry = (mRadius + 1.0) / size.cy;
+    const DibRect box(click.X() - rx, click.Y() - ry, click.X() + rx, click.Y() + ry);
+    mControl->pictureChangesWithin(&box);
+    image->doOp(op);
+    mControl->pictureChangesWithin(nullptr);
     return true;
 }
 

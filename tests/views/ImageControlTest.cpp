@@ -116,6 +116,11 @@ TEST(ImageControl, RedEyeClickedAtZoomTwoEqualsTheHostsRedEyeAtThatPicturePoint)
     view.ui.click(click);
     view.ui.runUntilIdle();
     ASSERT_EQ(1, picture->getUndoCount());
+    // Only the corrected box was scaled again: the screen is what scaling the whole anew shows.
+    const std::vector<std::uint32_t> clicked = view.ui.pixels();
+    view.control->setImage(picture);
+    view.ui.repaintAll();
+    EXPECT_EQ(clicked, view.ui.pixels());
 
     TempDir dir;
     ASSERT_GT(bmp->write(picture->getDib(), dir.wide("view.bmp"), ImageQualityHigh), 0);
