@@ -61,12 +61,19 @@ ThumbnailControl::ThumbnailControl(int rows, int cols, int thumbWidth, int thumb
 }
 
 ThumbnailControl::~ThumbnailControl() {
-    if (mList) mList->removeListener(this);
+    setList(nullptr);
     mHelper->setThumbnailControl(nullptr);
 }
 
 void ThumbnailControl::setList(AssetList* list) {
-    if (mList) mList->removeListener(this);
+    OwnedPtr<AssetList> keep = list;
+    if (mList) {
+        mList->removeListener(this);
+        AssetList::Lock lock(mList);
+        mCellCache.clear();
+    }
+    // The selection listens to the list: it goes first.
+    mSelection = nullptr;
     mList = list;
     mSelection = list ? AssetSelection::create(list) : nullptr;
     if (mList) mList->addListener(this);
@@ -194,6 +201,8 @@ Asset* ThumbnailControl::getAsset(const Cell& cell) {
     if (index < 0 || index >= mList->getCount()) return nullptr;
     const auto hit = mCellCache.find(index);
     if (hit != mCellCache.end()) return hit->second.asset;
+    // The list's assets are shared with its other threads: their counts change under its lock.
+    AssetList::Lock lock(mList);
     OwnedPtr<Asset> asset = mList->getAsset(index);
     if (!asset) return nullptr;
     const CSize size = mThumbnailDb ? mThumbnailDb->getThumbnailSize(asset, true) : CSize();
@@ -270,6 +279,8 @@ void ThumbnailControl::pruneCellCache() {
     const int first = cellIndex(mFirstVisible);
     const int last = cellIndex(getLastVisibleCell(false));
     const int page = std::max(last - first + 1, 1);
+    if (!mList) return;
+    AssetList::Lock lock(mList);
     mCellCache.erase(mCellCache.begin(), mCellCache.lower_bound(first - page));
     mCellCache.erase(mCellCache.upper_bound(last + page), mCellCache.end());
 }
@@ -808,7 +819,10 @@ void ThumbnailControl::onNotification(void* sender, const Notification& notifica
 
 void ThumbnailControl::listChanged() {
     mListStale = false;
-    mCellCache.clear();
+    if (mList) {
+        AssetList::Lock lock(mList);
+        mCellCache.clear();
+    }
     mNumRows = mNumCols = -1;
     if (!isValidCell(mCurrent)) mCurrent = Cell();
     if (!isValidCell(mAnchor)) mAnchor = Cell();

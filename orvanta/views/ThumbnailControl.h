@@ -28,7 +28,8 @@
 //    a scroll: kSelectionChanged, kScrolled, kCellPressed and kCellReleased, kCellActivated (double
 //    click, Enter), kDropped (getDropIndex tells where).
 //  - Only cells within a page of the view keep their asset cached.
-//  - Changes of the list may arrive on any thread; the control takes them up on its own thread.
+//  - The control holds its list. Changes of the list may arrive on any thread; the control takes
+//    them up on its own thread, and takes or lets go of the list's assets under the list's lock.
 
 #include <atomic>
 #include <map>
@@ -203,7 +204,7 @@ private:
     void setOverlay(const CRect& band, const CRect& bar);
     void endDrag(CPoint point, bool drop);
 
-    AssetList* mList = nullptr;
+    OwnedPtr<AssetList> mList;
     OwnedPtr<AssetSelection> mSelection;
     int mRowsSpec;
     int mColsSpec;

@@ -4,8 +4,10 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <set>
+#include <thread>
 
 #include "orvanta/assets/MemAssetList.h"
 #include "orvanta/assets/ThumbnailDb.h"
@@ -324,6 +326,29 @@ TEST(ThumbnailControl, TheMouseBandsDragsAndDefersToTheHelper) {
     grid.ui.click(grid.centre(2 + 3 * control->getFirstRow()));
     grid.ui.runUntilIdle();
     EXPECT_EQ(before, grid.selected());
+}
+
+TEST(ThumbnailControl, AssetsAddedOnAnotherThreadReachTheGridOnItsOwn) {
+    Grid grid(ThumbnailControl::kGrow, 3, 5);
+    MemAssetList* list = grid.catalogue.list;
+    std::atomic<bool> done{false};
+    std::thread adder([&] {
+        for (int i = 0; i < 100; ++i) {
+            // The new asset's count changes under the list's lock, as the grid's do.
+            AssetList::Lock lock(list);
+            OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), u"/gone/added.gone", nullptr, nullptr);
+            list->addAsset(asset, true);
+        }
+        done = true;
+    });
+    while (!done) grid.ui.runUntilIdle();
+    adder.join();
+    grid.ui.runUntilIdle();
+    EXPECT_EQ(35, grid.control->getNumRows());  // 105 in rows of 3
+    grid.control->setFirstRow(34);
+    grid.ui.runUntilIdle();
+    EXPECT_TRUE(grid.control->isValidCell(Cell(34, 2)));
+    EXPECT_NE(grid.control->getAsset(Cell(34, 2)), nullptr);
 }
 
 }  // namespace
