@@ -185,4 +185,26 @@ TEST_F(PhotosTest, FilesGoneOrDamagedUnderTheGridAreToldAndTheProgramGoesOn) {
     EXPECT_NE(bad.output.find("script line 2 not understood"), std::string::npos) << bad.output;
 }
 
+// The window's size and the photo open when the program ended come back at the next start.
+TEST_F(PhotosTest, TheWindowSizeAndTheLastViewAreRemembered) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    copyTestFile(kPortrait, dir.file("photos/a.jpg"));
+    const std::string run = "XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" +
+                            dir.file("config") +
+                            "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --catalog '" +
+                            dir.file("catalogue.db") + "' --shots '" + dir.path() + "' ";
+    writeFileBytes(dir.file("first.txt"), "settle\nclick 90 130\nkey Return\nwait 300\nshot first\n");
+    ASSERT_EQ(0, runShell(run + "--size 700x500 --script '" + dir.file("first.txt") + "' '" +
+                          dir.file("photos") + "'")
+                     .status);
+    writeFileBytes(dir.file("second.txt"), "wait 300\nshot second\n");
+    ASSERT_EQ(0, runShell(run + "--script '" + dir.file("second.txt") + "'").status);
+    const std::string first = readFileBytes(dir.file("first.png")),
+                      second = readFileBytes(dir.file("second.png"));
+    // The PNG header's width and height, then the whole picture: the same photo on the same screen.
+    ASSERT_GT(first.size(), 24u);
+    EXPECT_EQ(std::string("\0\0\x02\xbc\0\0\x01\xf4", 8), first.substr(16, 8));
+    EXPECT_EQ(first, second);
+}
+
 }  // namespace
