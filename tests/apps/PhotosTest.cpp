@@ -207,4 +207,64 @@ TEST_F(PhotosTest, TheWindowSizeAndTheLastViewAreRemembered) {
     EXPECT_EQ(first, second);
 }
 
+// What users do with the keys, through the real program: each case opens a photo found by the text
+// filter, edits it with the shortcuts, saves, and its file must equal `orvanta edit` of the same
+// edits in place; the photo not found by the filter is left alone.
+TEST_F(PhotosTest, ShortcutsEditTheFilteredPhotoAsTheHostDoes) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    struct Case {
+        const char* keys;
+        const char* host;
+    };
+    const Case cases[] = {
+        {"key r r ctrl+z", "rotate=90"},                     // undo takes back the second turn
+        {"key shift+r", "rotate=270"},                       // Shift turns the other way
+        {"key m ctrl+z ctrl+y", "mirror=h"},                 // redo brings the mirror back
+        {"key m m", "mirror=h mirror=h"},                    // twice mirrored, encoded anew
+        {"key r ctrl+z ctrl+z ctrl+y ctrl+y", "rotate=90"},  // past the history's ends nothing breaks
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.keys);
+        TempDir work;
+        copyTestFile(kPortrait, work.file("photos/a-other.jpg"));
+        copyTestFile(kPortrait, work.file("photos/b-target.jpg"));
+        copyTestFile(kPortrait, work.file("twin.jpg"));
+        const std::string script =
+            std::string("settle\nclick 400 16\ntype target\nwait 200\nclick 90 130\n") +
+            "key Return\nwait 300\n" + c.keys + "\nkey ctrl+s\nwait 300\n";
+        writeFileBytes(work.file("script.txt"), script);
+        const ToolRun run =
+            runShell("XDG_DATA_HOME='" + work.file("data") + "' XDG_CONFIG_HOME='" + work.file("config") +
+                     "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --size 800x600 --catalog '" +
+                     work.file("c.db") + "' --shots '" + work.path() + "' --script '" +
+                     work.file("script.txt") + "' '" + work.file("photos") + "' 2>&1");
+        ASSERT_EQ(0, run.status) << run.output;
+        ASSERT_EQ(
+            0,
+            runTool("edit '" + work.file("twin.jpg") + "' '" + work.file("twin.jpg") + "' " + c.host).status);
+        EXPECT_TRUE(readFileBytes(work.file("twin.jpg")) == readFileBytes(work.file("photos/b-target.jpg")));
+        EXPECT_TRUE(readFileBytes(testDataPath(kPortrait)) == readFileBytes(work.file("photos/a-other.jpg")));
+    }
+}
+
+// Delete asks first (answered yes by a script) and moves the file to the user's trash, never
+// deleting it; the catalogue forgets it.
+TEST_F(PhotosTest, DeleteMovesThePhotoToTheTrash) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    copyTestFile(kPortrait, dir.file("photos/a.jpg"));
+    writeFileBytes(dir.file("script.txt"), "settle\nclick 90 130\nkey Delete\nwait 200\n");
+    const ToolRun run =
+        runShell("XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" + dir.file("config") +
+                 "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --catalog '" + dir.file("c.db") +
+                 "' --script '" + dir.file("script.txt") + "' '" + dir.file("photos") + "' 2>&1");
+    ASSERT_EQ(0, run.status) << run.output;
+    EXPECT_NE(run.output.find("Move " + dir.file("photos/a.jpg") + " to the trash? (answered yes)"),
+              std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(dir.file("photos/a.jpg")));
+    EXPECT_EQ(readFileBytes(testDataPath(kPortrait)), readFileBytes(dir.file("data/Trash/files/a.jpg")));
+    PhotoLibrary library;
+    ASSERT_TRUE(library.open(dir.file("c.db")));
+    EXPECT_EQ(0, library.catalogue()->getCount());
+}
+
 }  // namespace
