@@ -222,6 +222,11 @@ TEST_F(PhotosTest, ShortcutsEditTheFilteredPhotoAsTheHostDoes) {
         {"key m ctrl+z ctrl+y", "mirror=h"},                 // redo brings the mirror back
         {"key m m", "mirror=h mirror=h"},                    // twice mirrored, encoded anew
         {"key r ctrl+z ctrl+z ctrl+y ctrl+y", "rotate=90"},  // past the history's ends nothing breaks
+        // The bar's buttons: Fix, Colour, B&W and Sepia.
+        {"click 648 16", "picfix"},
+        {"click 699 16", "colorize=0.6,0.5,0.4"},
+        {"click 756 16", "bw"},
+        {"click 811 16", "sepia"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.keys);
@@ -235,7 +240,7 @@ TEST_F(PhotosTest, ShortcutsEditTheFilteredPhotoAsTheHostDoes) {
         writeFileBytes(work.file("script.txt"), script);
         const ToolRun run =
             runShell("XDG_DATA_HOME='" + work.file("data") + "' XDG_CONFIG_HOME='" + work.file("config") +
-                     "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --size 800x600 --catalog '" +
+                     "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --size 1024x640 --catalog '" +
                      work.file("c.db") + "' --shots '" + work.path() + "' --script '" +
                      work.file("script.txt") + "' '" + work.file("photos") + "' 2>&1");
         ASSERT_EQ(0, run.status) << run.output;
@@ -244,6 +249,43 @@ TEST_F(PhotosTest, ShortcutsEditTheFilteredPhotoAsTheHostDoes) {
             runTool("edit '" + work.file("twin.jpg") + "' '" + work.file("twin.jpg") + "' " + c.host).status);
         EXPECT_TRUE(readFileBytes(work.file("twin.jpg")) == readFileBytes(work.file("photos/b-target.jpg")));
         EXPECT_TRUE(readFileBytes(testDataPath(kPortrait)) == readFileBytes(work.file("photos/a-other.jpg")));
+    }
+}
+
+// The crop frame, free or of a fixed shape, applied with Enter and saved; Escape drops it.
+TEST_F(PhotosTest, TheCropFrameCutsThePhotoToItsShape) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    struct Case {
+        const char* keys;
+        int width, height;
+    };
+    // The frame starts a tenth in from each side (240 x 181 of 300 x 226), then takes the shape
+    // within that.
+    const Case cases[] = {
+        {"key c Return", 240, 181},
+        {"click 475 16\nkey Return", 181, 181},
+        {"click 431 16\nkey Return", 240, 180},
+        {"key c Escape", 300, 226},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.keys);
+        TempDir work;
+        copyTestFile(kPortrait, work.file("photos/a.jpg"));
+        writeFileBytes(work.file("script.txt"), std::string("settle\nclick 90 130\nkey Return\nwait 300\n") +
+                                                    c.keys + "\nkey ctrl+s\nwait 300\n");
+        ASSERT_EQ(
+            0, runShell("XDG_DATA_HOME='" + work.file("data") + "' XDG_CONFIG_HOME='" + work.file("config") +
+                        "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --size 1024x640 --catalog '" +
+                        work.file("c.db") + "' --script '" + work.file("script.txt") + "' '" +
+                        work.file("photos") + "'")
+                   .status);
+        const ToolRun info = runTool("info '" + work.file("photos/a.jpg") + "'");
+        ASSERT_EQ(0, info.status);
+        int width = 0, height = 0;
+        std::sscanf(info.output.substr(info.output.find('\t', info.output.find('\t') + 1)).c_str(),
+                    "\t%d\t%d", &width, &height);
+        EXPECT_EQ(c.width, width) << info.output;
+        EXPECT_EQ(c.height, height) << info.output;
     }
 }
 
