@@ -18,7 +18,8 @@ bool PictureSession::open(Asset* asset, CSize screen, std::string* message) {
     mAsset = asset;
     const std::string path = asset && asset->getAssetFile() ? asset->getAssetFile()->getPath().toUtf8() : "";
     if (!asset || !asset->getImageFile()) {
-        *message = "\"" + fileName() + "\" is a video or a file Orvanta Photos cannot show as a picture.";
+        *message = fileName();
+        message->insert(0, 1, '"').append("\" is a video or a file Orvanta Photos cannot show as a picture.");
         return false;
     }
     if (!FilePath::exists(CString::fromUtf8(path), false)) {

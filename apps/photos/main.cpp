@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "apps/photos/PhotosApp.h"
 
@@ -37,7 +38,7 @@ int main(int argc, char** argv) {
             options.importPath = arg;
         }
     }
-    if (!options.script.empty() && options.shots.empty()) options.shots = ".";
-    OrvantaPhotos::PhotosApp app(options);
+    if (!options.script.empty() && options.shots.empty()) options.shots.assign(1, '.');
+    OrvantaPhotos::PhotosApp app(std::move(options));
     return app.run();
 }
