@@ -259,7 +259,7 @@ bool ThumbnailControl::scrollBy(int dRow, int dCol) {
     const int dx = dCol * getCellWidth(true), dy = dRow * getCellHeight(true);
     const CRect client = getClientRect();
     // The band and the bar stay where the pointer is: they must not travel with the pixels.
-    setOverlay(CRect(), CRect());
+    setOverlay(CRect(), CRect(), CRect());
     mFirstVisible = mFirstVisible.offset(dRow, dCol);
     pruneCellCache();
     if (mWindow->isVisible() && std::abs(dx) < client.width() && std::abs(dy) < client.height()) {
@@ -496,6 +496,10 @@ void ThumbnailControl::paintContent(HDC dc) {
     }
     if (!mBand.isEmpty()) dc->frameRect(mBand, mHighlightColor);
     if (!mBar.isEmpty()) dc->fillRect(mBar, WidgetLook::selectionColor(true));
+    if (mDragImage && !mDragRect.isEmpty()) {
+        mDragImage->draw(dc, mDragRect.left, mDragRect.top, mDragRect.width(), mDragRect.height());
+        dc->frameRect(mDragRect, RGB(0, 0, 0));
+    }
 }
 
 void ThumbnailControl::invalidateCell(const Cell& cell) {
@@ -506,8 +510,15 @@ void ThumbnailControl::invalidateCell(const Cell& cell) {
 
 // Overlays: the rubber band's frame and the insertion bar, drawn over the cells.
 
-void ThumbnailControl::setOverlay(const CRect& band, const CRect& bar) {
-    if (band == mBand && bar == mBar) return;
+CRect ThumbnailControl::dragPictureAt(CPoint point) const {
+    if (!mDragImage) return CRect();
+    const CSize size = mDragImage->getSize();
+    const int left = point.x + kDragPictureOffset, top = point.y + kDragPictureOffset;
+    return CRect(left, top, left + std::max(size.cx / 2, 1), top + std::max(size.cy / 2, 1));
+}
+
+void ThumbnailControl::setOverlay(const CRect& band, const CRect& bar, const CRect& picture) {
+    if (band == mBand && bar == mBar && picture == mDragRect) return;
     // Only the band's edges change pixels; repainting its inside would decode every picture in it.
     const auto edges = [this](const CRect& r) {
         if (r.isEmpty()) return;
@@ -520,8 +531,11 @@ void ThumbnailControl::setOverlay(const CRect& band, const CRect& bar) {
     edges(band);
     if (!mBar.isEmpty()) invalidate(false, &mBar);
     if (!bar.isEmpty()) invalidate(false, &bar);
+    if (!mDragRect.isEmpty()) invalidate(false, &mDragRect);
+    if (!picture.isEmpty()) invalidate(false, &picture);
     mBand = band;
     mBar = bar;
+    mDragRect = picture;
 }
 
 void ThumbnailControl::updateBand(CPoint point) {
@@ -547,14 +561,14 @@ void ThumbnailControl::updateBand(CPoint point) {
             changed |= selectQuietly(cell, before);
         }
     for (int index : inBand) changed |= selectQuietly(cellFromIndex(index), true);
-    setOverlay(band, mBar);
+    setOverlay(band, mBar, mDragRect);
     if (changed) post(kSelectionChanged);
 }
 
 void ThumbnailControl::updateInsertionBar(CPoint point) {
     if (!getClientRect().contains(point) || !mList) {
         mDropIndex = -1;
-        setOverlay(mBand, CRect());
+        setOverlay(mBand, CRect(), dragPictureAt(point));
         return;
     }
     const int count = mList->getCount();
@@ -586,7 +600,7 @@ void ThumbnailControl::updateInsertionBar(CPoint point) {
             bar = CRect(rect.left, y, rect.right, y + kInsertionBarWidth);
         }
     }
-    setOverlay(mBand, bar);
+    setOverlay(mBand, bar, dragPictureAt(point));
 }
 
 void ThumbnailControl::endDrag(CPoint point, bool drop) {
@@ -596,7 +610,8 @@ void ThumbnailControl::endDrag(CPoint point, bool drop) {
     }
     mDrag = DragNone;
     mBandStart.clear();
-    setOverlay(CRect(), CRect());
+    setOverlay(CRect(), CRect(), CRect());
+    mDragImage = nullptr;
     if (mScrollTimer) stopTimer(mScrollTimer);
     mScrollTimer = 0;
     if (Platform::Window::getCapture() == mWindow) Platform::Window::releaseCapture();
@@ -667,6 +682,8 @@ bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
             if (mDrag == DragPending && (std::abs(point.x - mDragOrigin.x) >= kDragThreshold ||
                                          std::abs(point.y - mDragOrigin.y) >= kDragThreshold)) {
                 mDrag = DragCells;
+                Asset* pressed = getAsset(mPressed);
+                mDragImage = pressed && mThumbnailDb ? mThumbnailDb->getThumbnail(pressed, true) : nullptr;
                 mScrollTimer = startTimer(kAutoScrollInterval);
             }
             if (mDrag == DragBand) updateBand(point);

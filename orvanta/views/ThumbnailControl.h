@@ -22,8 +22,9 @@
 //    extending from the anchor; Home and End, Page Up and Page Down; Ctrl+Space toggles; Enter
 //    activates. The mouse: a click selects one cell, Ctrl toggles, Shift extends; a press on empty
 //    space starts a rubber band; a press on a selected cell followed by movement drags the selection,
-//    showing an insertion bar between cells; near the edges a timer scrolls along the growing
-//    direction while either runs. Cells the helper refuses (canSelectCell) never join a selection.
+//    showing its first cell's thumbnail at the pointer and an insertion bar between cells; near the edges a
+//    timer scrolls along the growing direction while either runs. Cells the helper refuses (canSelectCell)
+//    never join a selection.
 //  - What the user does reaches the command listeners later (sendEventLater), never inside a paint or
 //    a scroll: kSelectionChanged, kScrolled, kCellPressed and kCellReleased, kCellActivated (double
 //    click, Enter), kDropped (getDropIndex tells where).
@@ -76,6 +77,8 @@ public:
     static constexpr int kSingle = 2;
     static constexpr int kInsertionBarWidth = 5;
     static constexpr int kAutoScrollInterval = 50;
+    // The drag picture: the pressed cell's thumbnail at half size, this far below and right of the pointer.
+    static constexpr int kDragPictureOffset = 12;
 
     // helper null: a plain helper of the control's own.
     static ThumbnailControl* create(int rows, int cols, int thumbWidth, int thumbHeight, ThumbnailDb* db,
@@ -201,7 +204,10 @@ private:
     Cell stepFrom(Cell cell, Direction direction);
     void updateBand(CPoint point);
     void updateInsertionBar(CPoint point);
-    void setOverlay(const CRect& band, const CRect& bar);
+    // The band's frame, the insertion bar and the drag picture, drawn over the cells.
+    void setOverlay(const CRect& band, const CRect& bar, const CRect& picture);
+    // Where the drag picture stands for the pointer at point (empty without one).
+    CRect dragPictureAt(CPoint point) const;
     void endDrag(CPoint point, bool drop);
 
     OwnedPtr<AssetList> mList;
@@ -239,6 +245,8 @@ private:
     std::vector<UniqueID> mBandStart;
     CRect mBand;
     CRect mBar;
+    OwnedPtr<Image> mDragImage;
+    CRect mDragRect;
     int mDropIndex = -1;
     std::atomic<bool> mListStale{false};
 };

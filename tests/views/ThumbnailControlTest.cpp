@@ -303,6 +303,10 @@ TEST(ThumbnailControl, TheMouseBandsDragsAndDefersToTheHelper) {
     grid.ui.runUntilIdle();
     EXPECT_TRUE(control->isDragging());
     EXPECT_NE(grid.ui.pixel(seven.right, target.y), grid.ui.pixel(seven.right + 10, target.y));
+    // The dragged picture follows the pointer, framed in black.
+    const int offset = ThumbnailControl::kDragPictureOffset;
+    EXPECT_EQ(RGB(0, 0, 0), grid.ui.pixel(target.x + offset, target.y + offset + 5));
+    EXPECT_NE(RGB(0, 0, 0), grid.ui.pixel(target.x + offset + 5, target.y + offset + 5));
     grid.ui.mouseUp(target);
     grid.ui.runUntilIdle();
     EXPECT_EQ(8, control->getDropIndex());
