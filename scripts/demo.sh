@@ -153,4 +153,8 @@ echo "== The contact sheet's first page in a print preview, drawn by the job's o
 "$(dirname "$orvanta")/orvanta-window-demo" --print-preview "$out/print-preview.png" "${photos[@]}"
 
 echo
+echo "== Orvanta Photos driven by a script of posted input: import, scroll, open, crop, red eye, save"
+bash "$(dirname "$0")/photos-demo.sh" "$(dirname "$orvanta")/orvanta-photos" "$out"
+
+echo
 echo "Pictures written to $out/"

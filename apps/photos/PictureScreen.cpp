@@ -1,0 +1,82 @@
+#include "apps/photos/PictureScreen.h"
+
+#include "apps/photos/Commands.h"
+#include "orvanta/platform/Canvas.h"
+#include "orvanta/platform/Cursor.h"
+#include "orvanta/toolkit/PackedContainer.h"
+#include "orvanta/toolkit/TextButton.h"
+
+using namespace Orvanta;
+
+namespace OrvantaPhotos {
+
+PictureScreen::PictureScreen(CommandListener* listener) {
+    mRoot = GridContainer::create(3, 1);
+    mRoot->setRowSpec(0, GridContainer::kFit);
+    mRoot->setRowSpec(1, GridContainer::kFlexible);
+    mRoot->setRowSpec(2, GridContainer::kFit);
+    mRoot->setColSpec(0, GridContainer::kFlexible);
+    mRoot->setAlignment(Control::AlignFill, Control::AlignFill);
+
+    PackedContainer* bar = PackedContainer::create(true);
+    bar->setPackDirection(Control::AlignLeft);
+    bar->setMargin(4, Style::kBorders);
+    const struct {
+        int id;
+        const char16_t* text;
+    } buttons[] = {
+        {kBack, u"Back"},
+        {kPrevious, u"◀"},
+        {kNext, u"▶"},
+        {kZoomOut, u"−"},
+        {kZoomIn, u"+"},
+        {kFit, u"Fit"},
+        {kRotateLeft, u"⟲"},
+        {kRotateRight, u"⟳"},
+        {kMirror, u"Mirror"},
+        {kCropFree, u"Crop"},
+        {kCrop4x3, u"4:3"},
+        {kCropSquare, u"1:1"},
+        {kCropApply, u"Apply"},
+        {kRedeye, u"Red eye"},
+        {kFix, u"Fix"},
+        {kColorize, u"Colour"},
+        {kBlackWhite, u"B&&W"},
+        {kSepia, u"Sepia"},
+        {kUndo, u"Undo"},
+        {kRedo, u"Redo"},
+        {kSave, u"Save"},
+        {kRevert, u"Revert"},
+        {kWallpaper, u"Wallpaper"},
+    };
+    for (const auto& b : buttons) {
+        TextButton* button = TextButton::create(b.id, b.text, listener);
+        button->setMargin(2, Style::Left);
+        bar->add(button, true);
+    }
+    mRoot->add(bar, 0, 0, true);
+
+    mView = ImageControl::create(true);
+    mView->setBkColor(RGB(48, 48, 48));
+    mView->setAlignment(Control::AlignFill, Control::AlignFill);
+    mView->setEdgeTolerance(12);
+    const int edges[8] = {IDC_SIZEALL, IDC_SIZENS,  IDC_SIZEALL, IDC_SIZEWE,
+                          IDC_SIZEWE,  IDC_SIZEALL, IDC_SIZENS,  IDC_SIZEALL};
+    for (int code = 0; code < 8; ++code) mView->setEdgeCursor(code, edges[code]);
+    mView->addCommandListener(listener);
+    mRoot->add(mView, 1, 0, true);
+
+    mCaption = Label::create(CString(), DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+    mCaption->setMinSize(200, 22);
+    mCaption->setAlignment(Control::AlignFill, Control::AlignCenter);
+    mRoot->add(mCaption, 2, 0);
+}
+
+void PictureScreen::setPicture(Image* image, const CString& caption) {
+    mView->setZoom(1.0, false);
+    mView->setCenter(0.5, 0.5);
+    mView->setImage(image);
+    mCaption->setText(caption);
+}
+
+}  // namespace OrvantaPhotos

@@ -1,0 +1,318 @@
+// Orvanta Photos' parts on real photographs: the import, the library's views, saving edits (compared
+// with `orvanta edit` doing the same in place), the originals kept, and the failures a user meets,
+// told in a message while the program goes on (the real program, driven by its input script).
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+#include "apps/photos/FolderImport.h"
+#include "apps/photos/OriginalsPolicy.h"
+#include "apps/photos/PhotoLibrary.h"
+#include "apps/photos/PictureSession.h"
+#include "orvanta/codecs/OrvantaIU.h"
+#include "orvanta/editing/MirrorOp.h"
+#include "orvanta/editing/RotateOp.h"
+#include "orvanta/foundation/OrvantaSystem.h"
+#include "orvanta/platform/MessageQueue.h"
+#include "tests/support/FaultyFileSystem.h"
+#include "tests/support/TempDir.h"
+#include "tests/support/TestData.h"
+#include "tests/support/ToolRunner.h"
+
+using namespace Orvanta;
+using namespace OrvantaPhotos;
+using namespace OrvantaTest;
+
+namespace {
+
+const char* const kPortrait = "redeye/redeye-boldredeye-nikon-d40-300x226.jpg";
+const char* const kCamera = "jpeg/canon-powershot-a85-orient8.jpg";
+
+void copyTestFile(const char* name, const std::string& to) {
+    std::filesystem::create_directories(std::filesystem::path(to).parent_path());
+    writeFileBytes(to, readFileBytes(testDataPath(name)));
+}
+
+class PhotosTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ORVANTA_REQUIRE_TESTDATA();
+        orvantaIUInit();
+    }
+    void pump() {
+        MSG msg;
+        while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE))
+            if (!processMessage(&msg, nullptr)) Platform::dispatchMessage(&msg);
+    }
+    TempDir dir;
+};
+
+TEST_F(PhotosTest, AFolderIsImportedOnceWithItsThumbnailsMadeAndItsViewsSortAndFilter) {
+    copyTestFile(kPortrait, dir.file("photos/b-Portrait.jpg"));
+    copyTestFile(kCamera, dir.file("photos/nested/a-camera.jpg"));
+    writeFileBytes(dir.file("photos/c-damaged.jpg"), "not a picture at all");
+    writeFileBytes(dir.file("photos/notes.txt"), "text");
+    PhotoLibrary library;
+    ASSERT_TRUE(library.open(dir.file("catalogue.db"))) << library.lastError();
+    for (int round = 0; round < 2; ++round) {
+        int done = -1, total = -1, added = -1, skipped = -1;
+        FolderImport import(library.catalogue(), library.thumbnails(),
+                            {[this] { pump(); }, [&](int d, int t) { done = d, total = t; },
+                             [&](int a, int s) { added = a, skipped = s; }});
+        ASSERT_TRUE(import.run(CString::fromUtf8(dir.file("photos"))));
+        for (int i = 0; i < 2000 && import.isRunning(); ++i) {
+            pump();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        // The second time nothing is new, and every thumbnail is already good.
+        EXPECT_EQ(round == 0 ? 2 : 0, added);
+        EXPECT_EQ(1, skipped);  // the damaged file, each time
+        EXPECT_EQ(done, total);
+    }
+    ASSERT_EQ(2, library.catalogue()->getCount());
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(library.thumbnails()->isValid(OwnedPtr<Asset>(library.catalogue()->getAsset(i))));
+
+    const auto names = [&](SortedAssetList* view) {
+        std::string all;
+        for (int i = 0; i < view->getCount(); ++i)
+            all += OwnedPtr<Asset>(view->getAsset(i))
+                       ->getProperties()
+                       ->getValue(Asset::kPropFilename)
+                       .asString()
+                       .toUtf8() +
+                   " ";
+        return all;
+    };
+    EXPECT_EQ("a-camera.jpg b-Portrait.jpg ", names(library.makeView(PhotoLibrary::kByName, CString())));
+    EXPECT_EQ("b-Portrait.jpg ", names(library.makeView(PhotoLibrary::kByName, u"portrait")));
+    const std::string oldest = names(library.makeView(PhotoLibrary::kOldestFirst, CString()));
+    const std::string newest = names(library.makeView(PhotoLibrary::kNewestFirst, CString()));
+    EXPECT_NE(oldest, newest);
+}
+
+TEST_F(PhotosTest, SavedEditsEqualTheHostsInPlaceEditsAndTheFirstOriginalIsKept) {
+    if (!toolAvailable()) GTEST_SKIP() << "the orvanta host is not named ($ORVANTA_TOOL)";
+    OriginalsPolicy originals(dir.file("originals"));
+    originals.makePolicyCurrent();
+    struct Case {
+        std::vector<int> edits;  // angles; 0 a mirror
+        std::string host;
+    };
+    const Case cases[] = {{{90}, "rotate=90"},
+                          {{90, 90, 90}, "rotate=90 rotate=90 rotate=90"},
+                          {{0}, "mirror=h"},
+                          {{90, 0}, "rotate=90 mirror=h"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.host);
+        const std::string mine = dir.file("mine.jpg"), twin = dir.file("twin.jpg");
+        copyTestFile(kCamera, mine);
+        copyTestFile(kCamera, twin);
+        std::filesystem::remove_all(dir.file("originals"));
+        OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), CString::fromUtf8(mine), nullptr, nullptr);
+        PictureSession session;
+        std::string message;
+        ASSERT_TRUE(session.open(asset, CSize(800, 600), &message)) << message;
+        ASSERT_TRUE(session.makeEditable(&message)) << message;
+        for (int edit : c.edits)
+            ASSERT_TRUE(session.apply(edit ? static_cast<EditingOp*>(RotateOp::create(edit))
+                                           : MirrorOp::create(false)));
+        ASSERT_TRUE(session.save(&message)) << message;
+        session.close();
+        ASSERT_EQ(0, runTool("edit '" + twin + "' '" + twin + "' " + c.host).status);
+        EXPECT_EQ(readFileBytes(twin), readFileBytes(mine));
+        // A re-encoding save keeps the original first (turns may be made in the file instead).
+        const bool kept = std::filesystem::exists(originals.originalOf(mine));
+        if (c.host.find("mirror") != std::string::npos) EXPECT_TRUE(kept);
+        if (kept) EXPECT_EQ(readFileBytes(testDataPath(kCamera)), readFileBytes(originals.originalOf(mine)));
+    }
+    AssetBackupPolicy::clearCurrentPolicy();
+}
+
+TEST_F(PhotosTest, ASaveOntoAFullDiskSaysSoAndLeavesThePhotoAsItWas) {
+    OriginalsPolicy originals(dir.file("originals"));
+    originals.makePolicyCurrent();
+    const std::string path = dir.file("photo.jpg");
+    copyTestFile(kPortrait, path);
+    OwnedPtr<Asset> asset = Asset::create(UniqueID::create(), CString::fromUtf8(path), nullptr, nullptr);
+    PictureSession session;
+    std::string message;
+    ASSERT_TRUE(session.open(asset, CSize(800, 600), &message));
+    ASSERT_TRUE(session.makeEditable(&message));
+    ASSERT_TRUE(session.apply(MirrorOp::create(false)));
+    {
+        FaultyFileSystem full;
+        full.failWritesAfter(0);
+        EXPECT_FALSE(session.save(&message));
+    }
+    EXPECT_NE(message.find("could not be saved"), std::string::npos) << message;
+    EXPECT_EQ(readFileBytes(testDataPath(kPortrait)), readFileBytes(path));
+    AssetBackupPolicy::clearCurrentPolicy();
+}
+
+// The real program on a catalogue prepared by an earlier run, whose files are then taken away or
+// damaged: it says so and ends normally.
+TEST_F(PhotosTest, FilesGoneOrDamagedUnderTheGridAreToldAndTheProgramGoesOn) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    copyTestFile(kPortrait, dir.file("photos/a.jpg"));
+    copyTestFile(kPortrait, dir.file("photos/b.jpg"));
+    const std::string run = "XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" +
+                            dir.file("config") +
+                            "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --size 800x600 --catalog '" +
+                            dir.file("catalogue.db") + "' --shots '" + dir.path() + "' --script ";
+    writeFileBytes(dir.file("import.txt"), "settle\nwait 200\n");
+    ASSERT_EQ(0, runShell(run + "'" + dir.file("import.txt") + "' '" + dir.file("photos") + "'").status);
+
+    std::filesystem::remove(dir.file("photos/a.jpg"));
+    writeFileBytes(dir.file("photos/b.jpg"),
+                   readFileBytes(dir.file("photos/b.jpg")).substr(0, 200) + std::string(5000, 'x'));
+    // Each photo opened from the grid in turn (a click on the first, Return; then the second).
+    writeFileBytes(dir.file("open.txt"),
+                   "click 90 130\nkey Return\nwait 200\nkey Right Return\nwait 200\nshot after\n");
+    const ToolRun opened = runShell(run + "'" + dir.file("open.txt") + "' 2>&1");
+    EXPECT_EQ(0, opened.status) << opened.output;
+    EXPECT_NE(opened.output.find("a.jpg is no longer there"), std::string::npos) << opened.output;
+    EXPECT_NE(opened.output.find("b.jpg cannot be shown"), std::string::npos) << opened.output;
+    EXPECT_TRUE(std::filesystem::exists(dir.file("after.png")));
+
+    writeFileBytes(dir.file("bad.txt"), "wait 10\nfly away\n");
+    const ToolRun bad = runShell(run + "'" + dir.file("bad.txt") + "' 2>&1");
+    EXPECT_EQ(2, bad.status);
+    EXPECT_NE(bad.output.find("script line 2 not understood"), std::string::npos) << bad.output;
+}
+
+// The window's size and the photo open when the program ended come back at the next start.
+TEST_F(PhotosTest, TheWindowSizeAndTheLastViewAreRemembered) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    copyTestFile(kPortrait, dir.file("photos/a.jpg"));
+    const std::string run = "XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" +
+                            dir.file("config") +
+                            "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --catalog '" +
+                            dir.file("catalogue.db") + "' --shots '" + dir.path() + "' ";
+    writeFileBytes(dir.file("first.txt"), "settle\nclick 90 130\nkey Return\nwait 300\nshot first\n");
+    ASSERT_EQ(0, runShell(run + "--size 700x500 --script '" + dir.file("first.txt") + "' '" +
+                          dir.file("photos") + "'")
+                     .status);
+    writeFileBytes(dir.file("second.txt"), "wait 300\nshot second\n");
+    ASSERT_EQ(0, runShell(run + "--script '" + dir.file("second.txt") + "'").status);
+    const std::string first = readFileBytes(dir.file("first.png")),
+                      second = readFileBytes(dir.file("second.png"));
+    // The PNG header's width and height, then the whole picture: the same photo on the same screen.
+    ASSERT_GT(first.size(), 24u);
+    EXPECT_EQ(std::string("\0\0\x02\xbc\0\0\x01\xf4", 8), first.substr(16, 8));
+    EXPECT_EQ(first, second);
+}
+
+// What users do with the keys, through the real program: each case opens a photo found by the text
+// filter, edits it with the shortcuts, saves, and its file must equal `orvanta edit` of the same
+// edits in place; the photo not found by the filter is left alone.
+TEST_F(PhotosTest, ShortcutsEditTheFilteredPhotoAsTheHostDoes) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    struct Case {
+        const char* keys;
+        const char* host;
+    };
+    const Case cases[] = {
+        {"key r r ctrl+z", "rotate=90"},                     // undo takes back the second turn
+        {"key shift+r", "rotate=270"},                       // Shift turns the other way
+        {"key m ctrl+z ctrl+y", "mirror=h"},                 // redo brings the mirror back
+        {"key m m", "mirror=h mirror=h"},                    // twice mirrored, encoded anew
+        {"key r ctrl+z ctrl+z ctrl+y ctrl+y", "rotate=90"},  // past the history's ends nothing breaks
+        // The bar's buttons: Fix, Colour, B&W and Sepia.
+        {"click 648 16", "picfix"},
+        {"click 699 16", "colorize=0.6,0.5,0.4"},
+        {"click 756 16", "bw"},
+        {"click 811 16", "sepia"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.keys);
+        TempDir work;
+        copyTestFile(kPortrait, work.file("photos/a-other.jpg"));
+        copyTestFile(kPortrait, work.file("photos/b-target.jpg"));
+        copyTestFile(kPortrait, work.file("twin.jpg"));
+        const std::string script =
+            std::string("settle\nclick 400 16\ntype target\nwait 200\nclick 90 130\n") +
+            "key Return\nwait 300\n" + c.keys + "\nkey ctrl+s\nwait 300\n";
+        writeFileBytes(work.file("script.txt"), script);
+        const ToolRun run =
+            runShell("XDG_DATA_HOME='" + work.file("data") + "' XDG_CONFIG_HOME='" + work.file("config") +
+                     "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --size 1024x640 --catalog '" +
+                     work.file("c.db") + "' --shots '" + work.path() + "' --script '" +
+                     work.file("script.txt") + "' '" + work.file("photos") + "' 2>&1");
+        ASSERT_EQ(0, run.status) << run.output;
+        ASSERT_EQ(
+            0,
+            runTool("edit '" + work.file("twin.jpg") + "' '" + work.file("twin.jpg") + "' " + c.host).status);
+        EXPECT_TRUE(readFileBytes(work.file("twin.jpg")) == readFileBytes(work.file("photos/b-target.jpg")));
+        EXPECT_TRUE(readFileBytes(testDataPath(kPortrait)) == readFileBytes(work.file("photos/a-other.jpg")));
+    }
+}
+
+// The crop frame, free or of a fixed shape, applied with Enter and saved; Escape drops it.
+TEST_F(PhotosTest, TheCropFrameCutsThePhotoToItsShape) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    struct Case {
+        const char* keys;
+        int width, height;  // exactly, for the free frame; else the shape, within a pixel
+        bool exact;
+    };
+    // The frame starts a tenth in from each side (240 x 181 of 300 x 226), a fixed shape within that.
+    const Case cases[] = {
+        {"key c Return", 240, 181, true},
+        {"click 475 16\nkey Return", 1, 1, false},
+        {"click 431 16\nkey Return", 4, 3, false},
+        {"key c Escape", 300, 226, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.keys);
+        TempDir work;
+        copyTestFile(kPortrait, work.file("photos/a.jpg"));
+        writeFileBytes(work.file("script.txt"), std::string("settle\nclick 90 130\nkey Return\nwait 300\n") +
+                                                    c.keys + "\nkey ctrl+s\nwait 300\n");
+        ASSERT_EQ(
+            0, runShell("XDG_DATA_HOME='" + work.file("data") + "' XDG_CONFIG_HOME='" + work.file("config") +
+                        "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --size 1024x640 --catalog '" +
+                        work.file("c.db") + "' --script '" + work.file("script.txt") + "' '" +
+                        work.file("photos") + "'")
+                   .status);
+        const ToolRun info = runTool("info '" + work.file("photos/a.jpg") + "'");
+        ASSERT_EQ(0, info.status);
+        int width = 0, height = 0;
+        std::sscanf(info.output.substr(info.output.find('\t', info.output.find('\t') + 1)).c_str(),
+                    "\t%d\t%d", &width, &height);
+        if (c.exact) {
+            EXPECT_EQ(c.width, width) << info.output;
+            EXPECT_EQ(c.height, height) << info.output;
+        } else {
+            EXPECT_LE(std::abs(width * c.height - height * c.width), std::max(c.width, c.height))
+                << info.output;
+            EXPECT_TRUE(width <= 241 && height <= 181 && width >= 180 && height >= 135) << info.output;
+        }
+    }
+}
+
+// Delete asks first (answered yes by a script) and moves the file to the user's trash, never
+// deleting it; the catalogue forgets it.
+TEST_F(PhotosTest, DeleteMovesThePhotoToTheTrash) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    copyTestFile(kPortrait, dir.file("photos/a.jpg"));
+    writeFileBytes(dir.file("script.txt"), "settle\nclick 90 130\nkey Delete\nwait 200\n");
+    const ToolRun run =
+        runShell("XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" + dir.file("config") +
+                 "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --catalog '" + dir.file("c.db") +
+                 "' --script '" + dir.file("script.txt") + "' '" + dir.file("photos") + "' 2>&1");
+    ASSERT_EQ(0, run.status) << run.output;
+    EXPECT_NE(run.output.find("Move " + dir.file("photos/a.jpg") + " to the trash? (answered yes)"),
+              std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(dir.file("photos/a.jpg")));
+    EXPECT_EQ(readFileBytes(testDataPath(kPortrait)), readFileBytes(dir.file("data/Trash/files/a.jpg")));
+    PhotoLibrary library;
+    ASSERT_TRUE(library.open(dir.file("c.db")));
+    EXPECT_EQ(0, library.catalogue()->getCount());
+}
+
+}  // namespace
