@@ -73,8 +73,8 @@ std::string fileOf(const CString& keyPath) {
     const std::string home = configurationHome();
     if (parts.empty() || home.empty()) return {};
     std::string file = home;
-    for (const std::string& part : parts) file += "/" + folderName(part);
-    return file + "/" + Format::kFileName;
+    for (const std::string& part : parts) file.append("/").append(folderName(part));
+    return file.append("/").append(Format::kFileName);
 }
 
 // A value's name as a key of the file: the bytes a key cannot hold, or cannot begin or end with,
