@@ -8,6 +8,8 @@ enum Command : int {
     kImport = 100,
     kSortChoice,
     kFilterText,
+    // Both screens: the selected photos, or the one open.
+    kPrint = 150,
     // The picture view.
     kBack = 200,
     kPrevious,

@@ -64,6 +64,9 @@ GridScreen::GridScreen(ThumbnailDb* thumbnails, CommandListener* listener) {
     mFilter->setMinSize(220, 24);
     mFilter->setMargin(4, Style::Left);
     bar->add(mFilter, true);
+    TextButton* print = TextButton::create(kPrint, u"Print…", listener);
+    print->setMargin(12, Style::Left);
+    bar->add(print, true);
     mRoot->add(bar, 0, 0, true);
 
     mGrid = ThumbnailControl::create(ThumbnailControl::kGrow, ThumbnailControl::kFit, kThumbnailSide,

@@ -3,7 +3,7 @@
 // choice, the text filter) and one below (what the screen is doing, the import's progress).
 //
 // Contract: the screen's controls report to the listener given at construction with the commands of
-// Commands.h (kImport, kSortChoice, kFilterText) and the grid's own (kCellActivated opens a photo).
+// Commands.h (kImport, kSortChoice, kFilterText, kPrint) and the grid's own (kCellActivated opens a photo).
 // Each cell is captioned with the file's name, shown as it is (an '&' is no mnemonic).
 
 #include "orvanta/toolkit/DropDown.h"

@@ -1,12 +1,17 @@
 #include "apps/photos/PhotosApp.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include "VideoStock.h"
 #include "apps/photos/Commands.h"
 #include "apps/photos/ImportDialog.h"
+#include "apps/photos/PrintPreviewDialog.h"
+#include "orvanta/assets/AssetIterator.h"
 #include "orvanta/assets/CatalogueLocation.h"
+#include "orvanta/assets/MemAssetList.h"
 #include "orvanta/assets/SpecialFolder.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/desktop/Desktop.h"
@@ -23,6 +28,8 @@
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/ResourceModule.h"
 #include "orvanta/platform/Trash.h"
+#include "orvanta/printing/PrintDialog.h"
+#include "orvanta/printing/PrintSpooler.h"
 #include "orvanta/toolkit/MessageDialog.h"
 #include "orvanta/views/MaskingPlugin.h"
 #include "orvanta/views/RedeyePlugin.h"
@@ -293,6 +300,48 @@ void PhotosApp::importFolder(const CString& folder) {
     if (!mImport->run(folder)) tell("The folder " + folder.toUtf8() + " cannot be read.");
 }
 
+// The photo open, else the grid's selection, else its current cell: a list of the program's own.
+MemAssetList* PhotosApp::photosToPrint() {
+    MemAssetList* photos = MemAssetList::create();
+    if (Asset* open = mSession.asset()) {
+        photos->addAsset(Asset::create(open->getProperties()->clone()), false);
+        return photos;
+    }
+    ThumbnailControl* grid = mGrid->grid();
+    OwnedPtr<AssetIterator> selected =
+        grid->getSelection() ? grid->getSelection()->createIterator() : nullptr;
+    for (bool more = selected && selected->first(); more; more = selected->next())
+        photos->addAsset(Asset::create(selected->current()->getProperties()->clone()), false);
+    if (photos->getCount() == 0)
+        if (Asset* current = grid->getAsset(grid->getCurrent()))
+            photos->addAsset(Asset::create(current->getProperties()->clone()), false);
+    return photos;
+}
+
+// The printer and paper asked first, then the pages shown as they will print; the job goes to the
+// print system on the spooler's thread while the screen goes on being drawn.
+void PhotosApp::printPhotos() {
+    OwnedPtr<MemAssetList> photos = photosToPrint();
+    if (photos->getCount() == 0) return;
+    OwnedPtr<PrintDialog> where = PrintDialog::create();
+    if (where->showModal(0, 0, CString(u"Print"), mWindow) != IDOK) return refocus();
+    OwnedPtr<PrintPreviewDialog> preview = PrintPreviewDialog::create(photos, where->getPrinter());
+    if (preview->showModal(0, 0, CString(u"Print preview"), mWindow) != IDOK) return refocus();
+    OwnedPtr<PrintSpooler> spooler = PrintSpooler::create(nullptr);
+    spooler->print(preview->getJob(), where->getPrinter(), 0, 0);
+    while (!spooler->isFinished() && !mQuit) {
+        pump();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    spooler->wait();
+    const std::string printer = where->getPrinter()->getName().toUtf8();
+    if (!spooler->wasPrinted())
+        return tell("The photos were not printed on " + printer + ": " + spooler->getError() + ".");
+    std::fprintf(stderr, "orvanta-photos: sent to %s as job %d\n", printer.c_str(), spooler->getJobId());
+    if (!mSession.asset()) mGrid->setStatus(CString::fromUtf8("Sent to " + printer + "."));
+    refocus();
+}
+
 void PhotosApp::deleteSelected() {
     ThumbnailControl* grid = mGrid->grid();
     OwnedPtr<Asset> asset = grid->getAsset(grid->getCurrent());
@@ -509,6 +558,10 @@ void PhotosApp::onCommand(Control* source, int command) {
         askImport();
         return;
     }
+    if (command == kPrint) {
+        printPhotos();
+        return;
+    }
     if (source == mGrid->filter()) {
         if (command == CommandListener::kTextChanged) changeView();
         return;
@@ -530,6 +583,10 @@ bool PhotosApp::handleShortcut(const MSG& msg) {
     const bool inPicture = mSession.asset() != nullptr;
     if (control && key == 'Q') {
         onClose();
+        return true;
+    }
+    if (control && key == 'P') {
+        printPhotos();
         return true;
     }
     if (!inPicture) {

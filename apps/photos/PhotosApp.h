@@ -20,6 +20,7 @@
 #include "apps/photos/PhotoLibrary.h"
 #include "apps/photos/PictureScreen.h"
 #include "apps/photos/PictureSession.h"
+#include "orvanta/assets/MemAssetList.h"
 #include "orvanta/desktop/Prefs.h"
 #include "orvanta/desktop/SingleInstance.h"
 #include "orvanta/toolkit/Container.h"
@@ -57,6 +58,8 @@ private:
     void importFolder(const Orvanta::CString& folder);
     void askImport();
     void deleteSelected();
+    Orvanta::MemAssetList* photosToPrint();
+    void printPhotos();
     void openIndex(int index);
     void leavePicture();
     void pictureCommand(int command);

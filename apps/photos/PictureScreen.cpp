@@ -48,6 +48,7 @@ PictureScreen::PictureScreen(CommandListener* listener) {
         {kSave, u"Save"},
         {kRevert, u"Revert"},
         {kWallpaper, u"Wallpaper"},
+        {kPrint, u"Print"},
     };
     for (const auto& b : buttons) {
         TextButton* button = TextButton::create(b.id, b.text, listener);

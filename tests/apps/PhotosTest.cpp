@@ -18,6 +18,7 @@
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
+#include "tests/support/CupsServer.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
@@ -313,6 +314,35 @@ TEST_F(PhotosTest, DeleteMovesThePhotoToTheTrash) {
     PhotoLibrary library;
     ASSERT_TRUE(library.open(dir.file("c.db")));
     EXPECT_EQ(0, library.catalogue()->getCount());
+}
+
+// Two photos selected and printed two a page on the private print server's second printer: the
+// print dialog, the preview's layout and its Print, all from the keyboard; one page holding both
+// photos' own JPEG blocks reaches the printer.
+TEST_F(PhotosTest, SelectedPhotosPrintTwoAPageOnTheChosenPrinter) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    if (!CupsServer::available()) GTEST_SKIP() << "cupsd is not installed (the cups-daemon package)";
+    CupsServer server;
+    copyTestFile(kPortrait, dir.file("photos/a.jpg"));
+    copyTestFile(kPortrait, dir.file("photos/b.jpg"));
+    writeFileBytes(dir.file("script.txt"),
+                   "settle\nclick 90 130\nkey shift+Right\nkey ctrl+p\nwait 300\n"
+                   "key alt+r Down alt+p\nwait 500\nkey alt+l Down\nwait 500\nkey alt+p\nwait 300\n");
+    const ToolRun run =
+        runShell("XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" + dir.file("config") +
+                 "' SDL_VIDEODRIVER=offscreen '" ORVANTA_PHOTOS "' --catalog '" + dir.file("c.db") +
+                 "' --script '" + dir.file("script.txt") + "' '" + dir.file("photos") + "' 2>&1");
+    ASSERT_EQ(0, run.status) << run.output;
+    ASSERT_NE(run.output.find("sent to Photo as job 1"), std::string::npos) << run.output << server.log();
+    const std::string pdf = server.waitForJob(1);
+    ASSERT_FALSE(pdf.empty()) << server.log();
+    const ToolRun info = runShell("pdfinfo '" + pdf + "'");
+    EXPECT_NE(info.output.find("Pages:           1\n"), std::string::npos) << info.output;
+    const ToolRun images =
+        runShell("cd '" + dir.path() + "' && pdfimages -j '" + pdf + "' img && cat img-*.jpg");
+    const std::string both = readFileBytes(testDataPath(kPortrait)) + readFileBytes(testDataPath(kPortrait));
+    EXPECT_TRUE(images.output == both)
+        << images.output.size() << " bytes of JPEG on the page, not " << both.size();
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include "orvanta/printing/PrinterManager.h"
 #include "orvanta/printing/SimpleLayoutPrintJob.h"
 #include "tests/foundation/EventQueueSupport.h"
-#include "tests/printing/CupsServer.h"
+#include "tests/support/CupsServer.h"
 #include "tests/printing/PrintFixtures.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/ToolRunner.h"

@@ -1,4 +1,4 @@
-#include "tests/printing/CupsServer.h"
+#include "tests/support/CupsServer.h"
 
 #include <signal.h>
 #include <spawn.h>
