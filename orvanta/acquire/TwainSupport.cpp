@@ -1,5 +1,7 @@
 #include "orvanta/acquire/TwainSupport.h"
 
+#include "orvanta/platform/SaneHelper.h"
+
 namespace Orvanta {
 
 std::atomic<int> TwainSupport::mgMode{kTwainAutomatic};
@@ -19,6 +21,10 @@ TwainSupport::TwainMode TwainSupport::getTwainMode() {
 
 bool TwainSupport::hasTwainCrashed() {
     return mgCrashed;
+}
+
+void TwainSupport::setHangTimeout(int milliseconds) {
+    Platform::SaneHelper::setHangTimeout(milliseconds);
 }
 
 void TwainSupport::setTwainCrashed() {

@@ -22,6 +22,8 @@ public:
     static void setTwainCrashed();
     // Kept for the interface's sake: the driver host is never unloaded while the process lives.
     static void unloadTwainDll() {}
+    // How long a driver may stay silent before it counts as hung (and so crashed); 0: the default.
+    static void setHangTimeout(int milliseconds);
 
 private:
     static std::atomic<int> mgMode;
