@@ -6,26 +6,29 @@ namespace Orvanta::Platform {
 
 namespace {
 
-// The lists of drivers and ports libgphoto2 loads from its folders: read once, kept for the process.
-struct Catalogues {
+// The lists of drivers and ports libgphoto2 loads from its folders, for one open. Not kept between
+// opens: a lookup adds to the port list, and cameras are opened from several threads.
+class Catalogues {
+public:
+    explicit Catalogues(GPContext* context) {
+        const Gphoto2Api& gp = gphoto2();
+        if (gp.gp_abilities_list_new(&abilities) < GP_OK ||
+            gp.gp_abilities_list_load(abilities, context) < GP_OK ||
+            gp.gp_port_info_list_new(&ports) < GP_OK || gp.gp_port_info_list_load(ports) < GP_OK)
+            loaded = false;
+    }
+    ~Catalogues() {
+        const Gphoto2Api& gp = gphoto2();
+        if (abilities) gp.gp_abilities_list_free(abilities);
+        if (ports) gp.gp_port_info_list_free(ports);
+    }
+    Catalogues(const Catalogues&) = delete;
+    Catalogues& operator=(const Catalogues&) = delete;
+
     CameraAbilitiesList* abilities = nullptr;
     GPPortInfoList* ports = nullptr;
+    bool loaded = true;
 };
-
-const Catalogues& catalogues(GPContext* context) {
-    static const Catalogues loaded = [context] {
-        Catalogues c;
-        const Gphoto2Api& gp = gphoto2();
-        if (gp.gp_abilities_list_new(&c.abilities) < GP_OK ||
-            gp.gp_abilities_list_load(c.abilities, context) < GP_OK ||
-            gp.gp_port_info_list_new(&c.ports) < GP_OK || gp.gp_port_info_list_load(c.ports) < GP_OK) {
-            c.abilities = nullptr;
-            c.ports = nullptr;
-        }
-        return c;
-    }();
-    return loaded;
-}
 
 GPContextFeedback onCancel(GPContext*, void* data) {
     const auto* cancelled = static_cast<const std::function<bool()>*>(data);
@@ -63,7 +66,7 @@ std::unique_ptr<GphotoCamera> GphotoCamera::open(const std::string& id) {
     const std::string port = id.substr(at + 1);
     const Gphoto2Api& gp = gphoto2();
     GPContext* context = gp.gp_context_new();
-    const Catalogues& known = catalogues(context);
+    const Catalogues known(context);
     Camera* camera = nullptr;
     CameraAbilities abilities;
     GPPortInfo portInfo;

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <sstream>
 
 extern char** environ;
@@ -154,7 +155,17 @@ SaneHelper::Outcome SaneHelper::listDevices(std::vector<Device>* devices) {
 SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::string& folder,
                                      const std::vector<std::string>& options, const ImageSink& onImage,
                                      int* status) {
-    std::vector<std::string> arguments = {"scan", device, folder};
+    // The frames go to a folder of their own, removed with whatever a helper that died left in it.
+    std::string frameFolder = folder + "/orvanta-frames-XXXXXX";
+    if (!mkdtemp(frameFolder.data())) return kFailed;
+    struct Remover {
+        std::string path;
+        ~Remover() {
+            std::error_code ignored;
+            std::filesystem::remove_all(path, ignored);
+        }
+    } remover{frameFolder};
+    std::vector<std::string> arguments = {"scan", device, frameFolder};
     arguments.insert(arguments.end(), options.begin(), options.end());
     Conversation helper(arguments);
     if (!helper.started()) return kFailed;

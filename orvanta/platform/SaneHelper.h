@@ -5,7 +5,8 @@
 //
 // Contract: each operation starts a helper (posix_spawn), talks to it over a socket pair and waits
 // for it to end. The helper sends text lines; a scanned frame travels as a file of raw SANE bytes in
-// the folder the host names, which the host deletes once it has read it. An operation answers
+// a new folder inside the one the host names, which is removed with everything in it at the end,
+// so that a helper that dies in the middle of a frame leaves nothing behind. An operation answers
 // kCrashed when the helper ended without its closing line (a signal, a sanitizer's report, an exit
 // in the middle), or sent nothing for the hang timeout, after which it is killed by its pid.
 // listDevices() gives SANE's devices. scan() sets each option given as NAME=VALUE, then scans

@@ -1,6 +1,7 @@
 #include "tests/acquire/AcquireFixtures.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <mutex>
 #include <thread>
 
@@ -14,6 +15,13 @@
 using namespace Orvanta;
 
 namespace OrvantaTest {
+
+PrivateSane::PrivateSane() {
+    writeFileBytes(mDir.file("dll.conf"), "test\norvantacrash\n");
+    writeFileBytes(mDir.file("test.conf"), "number_of_devices 2\n");
+    setenv("SANE_CONFIG_DIR", mDir.path().c_str(), 1);
+    setenv("LD_LIBRARY_PATH", ORVANTA_CRASH_BACKEND_DIR, 1);
+}
 
 void registerAcquireCodecs() {
     static std::once_flag once;

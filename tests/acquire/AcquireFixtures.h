@@ -11,8 +11,19 @@
 #include "orvanta/foundation/EventListener.h"
 #include "orvanta/foundation/Task.h"
 #include "orvanta/foundation/UniqueID.h"
+#include "tests/support/TempDir.h"
 
 namespace OrvantaTest {
+
+// SANE for this process and the helpers it starts: SANE's test backend (two devices) and the
+// crashing backend of tests/acquire/crash-backend, and none of the machine's settings.
+class PrivateSane {
+public:
+    PrivateSane();
+
+private:
+    TempDir mDir;
+};
 
 // JPEG, TIFF and BMP, and the video codec.
 void registerAcquireCodecs();
