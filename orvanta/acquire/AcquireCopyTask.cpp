@@ -85,6 +85,7 @@ void AcquireCopyTask::send(int code, const UniqueID& id, const CString& path) {
 
 void AcquireCopyTask::doTask() {
     mCopied = mSkipped = mFailed = 0;
+    mMadeFolder = CString();
     mCameraFailed = false;
     send(AcquireTaskEvent::kStarted, UniqueID(), CString());
     bool ok;
@@ -106,7 +107,9 @@ void AcquireCopyTask::doTask() {
 CString AcquireCopyTask::makeTarget(const CString& fileName) {
     const CString target = mHelper ? mHelper->makeTargetPath(mTargetFolder, fileName)
                                    : FilePath::makePath(mTargetFolder, fileName, false);
-    FilePath::createFolder(target);  // the folders leading to it
+    // The folders leading to it, made once for the run's copies into one folder.
+    const CString folder = FilePath::getFolder(target);
+    if (folder != mMadeFolder && FilePath::createFolder(target)) mMadeFolder = folder;
     return target;
 }
 

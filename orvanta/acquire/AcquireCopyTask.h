@@ -71,6 +71,7 @@ private:
     int mSkipped = 0;
     int mFailed = 0;
     bool mCameraFailed = false;
+    CString mMadeFolder;                         // the last target folder made
     std::map<CString, OwnedPtr<Asset>> mPicked;  // a camera's picked files by their path on it
 };
 

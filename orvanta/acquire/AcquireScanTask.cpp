@@ -71,8 +71,9 @@ bool AcquireScanTask::scan() {
             }
         case kSourceRemovableDrive:
         case kSourceOpticalDrive: {
+            // Every file is looked at: cameras name their files in capitals ("IMG_0001.JPG"), which the
+            // walker's own extension filter, matching case, would pass over.
             OwnedPtr<FolderWalker> walker = FolderWalker::create(this, mDeviceId, 0);
-            walker->addCodecExtensions(CodecTypeAll);
             // A card pulled out during the walk is no clean finish, even if the walk got to its end.
             return walker->run() && canRead(mDeviceId);
         }
@@ -92,7 +93,9 @@ bool AcquireScanTask::addFile(const CString& path) {
 }
 
 bool AcquireScanTask::onFile(WIN32_FIND_DATA& data) {
-    return addFile(CString(data.cFileName));
+    const CString path(data.cFileName);
+    if (!CodecManager::getCodec(path)) return !wasKilled();
+    return addFile(path);
 }
 
 bool AcquireScanTask::onImage(TwainImageItem* item) {

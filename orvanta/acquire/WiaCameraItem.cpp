@@ -74,6 +74,7 @@ void WiaCameraItem::load() {
     mWidth = info.width;
     mHeight = info.height;
     mByteSize = info.size;
+    mFileTime = info.time;
     if (info.time) mTime = DateTime(static_cast<long>(info.time));
 }
 
@@ -117,9 +118,7 @@ bool WiaCameraItem::downloadTo(const CString& path, bool verify) {
     if (!mCamera->download(mFolder, mFileName, &bytes)) return false;
     const std::string target = path.toUtf8();
     const std::string folder = FilePath::getFolder(path).toUtf8();
-    Platform::GphotoCamera::FileInfo info;
-    const std::time_t time = mCamera->getInfo(mFolder, mFileName, &info) ? info.time : 0;
-    const std::string temporary = writeTemporary(folder.empty() ? "." : folder, bytes, time);
+    const std::string temporary = writeTemporary(folder.empty() ? "." : folder, bytes, mFileTime);
     if (temporary.empty()) return false;
     Platform::FileSystem& fs = Platform::FileSystem::current();
     if (fs.renameNoReplace(temporary.c_str(), target.c_str()) != 0) {

@@ -56,6 +56,7 @@ private:
     int mWidth = 0, mHeight = 0;
     std::size_t mByteSize = 0;
     DateTime mTime;
+    std::time_t mFileTime = 0;  // the camera's time of the file, 0 when it gives none
 };
 
 }  // namespace Orvanta

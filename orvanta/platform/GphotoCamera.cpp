@@ -6,28 +6,40 @@ namespace Orvanta::Platform {
 
 namespace {
 
-// The lists of drivers and ports libgphoto2 loads from its folders, for one open. Not kept between
-// opens: a lookup adds to the port list, and cameras are opened from several threads.
-class Catalogues {
-public:
-    explicit Catalogues(GPContext* context) {
+// The drivers libgphoto2 knows, loaded once for the process (loading them opens every camera driver,
+// which costs more than opening a camera); after the load it is only read. The port list is read per
+// open: a lookup may add to it.
+CameraAbilitiesList* knownCameras(GPContext* context) {
+    static CameraAbilitiesList* const loaded = [context] {
         const Gphoto2Api& gp = gphoto2();
-        if (gp.gp_abilities_list_new(&abilities) < GP_OK ||
-            gp.gp_abilities_list_load(abilities, context) < GP_OK ||
-            gp.gp_port_info_list_new(&ports) < GP_OK || gp.gp_port_info_list_load(ports) < GP_OK)
-            loaded = false;
-    }
-    ~Catalogues() {
-        const Gphoto2Api& gp = gphoto2();
-        if (abilities) gp.gp_abilities_list_free(abilities);
-        if (ports) gp.gp_port_info_list_free(ports);
-    }
-    Catalogues(const Catalogues&) = delete;
-    Catalogues& operator=(const Catalogues&) = delete;
+        CameraAbilitiesList* list = nullptr;
+        if (gp.gp_abilities_list_new(&list) < GP_OK) return static_cast<CameraAbilitiesList*>(nullptr);
+        if (gp.gp_abilities_list_load(list, context) < GP_OK) {
+            gp.gp_abilities_list_free(list);
+            return static_cast<CameraAbilitiesList*>(nullptr);
+        }
+        return list;
+    }();
+    return loaded;
+}
 
-    CameraAbilitiesList* abilities = nullptr;
+class PortList {
+public:
+    PortList() {
+        const Gphoto2Api& gp = gphoto2();
+        if (gp.gp_port_info_list_new(&ports) < GP_OK) return;
+        if (gp.gp_port_info_list_load(ports) < GP_OK) {
+            gp.gp_port_info_list_free(ports);
+            ports = nullptr;
+        }
+    }
+    ~PortList() {
+        if (ports) gphoto2().gp_port_info_list_free(ports);
+    }
+    PortList(const PortList&) = delete;
+    PortList& operator=(const PortList&) = delete;
+
     GPPortInfoList* ports = nullptr;
-    bool loaded = true;
 };
 
 GPContextFeedback onCancel(GPContext*, void* data) {
@@ -66,15 +78,15 @@ std::unique_ptr<GphotoCamera> GphotoCamera::open(const std::string& id) {
     const std::string port = id.substr(at + 1);
     const Gphoto2Api& gp = gphoto2();
     GPContext* context = gp.gp_context_new();
-    const Catalogues known(context);
+    CameraAbilitiesList* cameras = knownCameras(context);
+    const PortList known;
     Camera* camera = nullptr;
     CameraAbilities abilities;
     GPPortInfo portInfo;
-    const int modelIndex =
-        known.abilities ? gp.gp_abilities_list_lookup_model(known.abilities, model.c_str()) : -1;
+    const int modelIndex = cameras ? gp.gp_abilities_list_lookup_model(cameras, model.c_str()) : -1;
     const int portIndex = known.ports ? gp.gp_port_info_list_lookup_path(known.ports, port.c_str()) : -1;
     if (modelIndex < 0 || portIndex < 0 ||
-        gp.gp_abilities_list_get_abilities(known.abilities, modelIndex, &abilities) < GP_OK ||
+        gp.gp_abilities_list_get_abilities(cameras, modelIndex, &abilities) < GP_OK ||
         gp.gp_port_info_list_get_info(known.ports, portIndex, &portInfo) < GP_OK ||
         gp.gp_camera_new(&camera) < GP_OK) {
         gp.gp_context_unref(context);

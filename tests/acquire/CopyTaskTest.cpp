@@ -36,7 +36,8 @@ long long mtimeNs(const std::string& path) {
     return static_cast<long long>(info.st_mtim.tv_sec) * 1000000000LL + info.st_mtim.tv_nsec;
 }
 
-// A card: photographs in DCIM folders, one nested deeper, a text file no codec takes.
+// A card: photographs in DCIM folders, every other one nested deeper and named in capitals as
+// cameras name them, and a text file no codec takes.
 std::vector<std::string> fillCard(const std::string& root, int photos) {
     const std::vector<std::string> sources = testDataFiles("jpeg", {".jpg"});
     fs::create_directories(root + "/DCIM/100CARD/deeper");
@@ -44,8 +45,8 @@ std::vector<std::string> fillCard(const std::string& root, int photos) {
     writeFileBytes(root + "/DCIM/notes.txt", "not a photo");
     std::vector<std::string> files;
     for (int i = 0; i < photos; ++i) {
-        const std::string path =
-            root + (i % 2 ? "/DCIM/100CARD/deeper/P" : "/DCIM/100CARD/P") + std::to_string(i) + ".jpg";
+        const std::string path = root + (i % 2 ? "/DCIM/100CARD/deeper/P" + std::to_string(i) + ".JPG"
+                                               : "/DCIM/100CARD/P" + std::to_string(i) + ".jpg");
         fs::copy_file(sources[static_cast<std::size_t>(i) % sources.size()], path);
         files.push_back(path);
     }

@@ -31,25 +31,20 @@ public:
     }
     ~FakeKernel() { DriveEnumerator::setRoots("/proc", "/sys"); }
 
-    // A disk with its attributes and partitions, numbered major:minor, minor+1, ...
+    // A disk with its attributes (removable, size, SCSI type) and partitions numbered minor+1, ...
     void disk(const std::string& name, int major, int minor, const std::string& removable,
               const std::string& size, const std::vector<std::string>& partitions,
               const std::string& scsiType = "") {
-        const std::string folder = "sys/block/" + name;
-        fs::create_directories(mDir.file(folder));
-        writeFileBytes(mDir.file(folder + "/dev"),
-                       std::to_string(major) + ":" + std::to_string(minor) + "\n");
-        writeFileBytes(mDir.file(folder + "/removable"), removable + "\n");
-        writeFileBytes(mDir.file(folder + "/size"), size + "\n");
-        if (!scsiType.empty()) {
-            fs::create_directories(mDir.file(folder + "/device"));
-            writeFileBytes(mDir.file(folder + "/device/type"), scsiType + "\n");
-        }
-        int next = minor;
-        for (const std::string& partition : partitions) {
-            fs::create_directories(mDir.file(folder + "/" + partition));
-            writeFileBytes(mDir.file(folder + "/" + partition + "/dev"),
-                           std::to_string(major) + ":" + std::to_string(++next) + "\n");
+        const std::string folder = mDir.file("sys/block/" + name);
+        fs::create_directories(folder + "/device");
+        const auto number = [&](int m) { return std::to_string(major) + ":" + std::to_string(m) + "\n"; };
+        writeFileBytes(folder + "/dev", number(minor));
+        writeFileBytes(folder + "/removable", removable + "\n");
+        writeFileBytes(folder + "/size", size + "\n");
+        if (!scsiType.empty()) writeFileBytes(folder + "/device/type", scsiType + "\n");
+        for (std::size_t i = 0; i < partitions.size(); ++i) {
+            fs::create_directories(folder + "/" + partitions[i]);
+            writeFileBytes(folder + "/" + partitions[i] + "/dev", number(minor + 1 + static_cast<int>(i)));
         }
     }
 
@@ -64,7 +59,6 @@ public:
                   " " + source + " rw\n";
         return point;
     }
-    void rawLine(const std::string& line) { mTable += line + "\n"; }
     void commit() { writeFileBytes(mDir.file("proc/self/mountinfo"), mTable); }
 
 private:
@@ -117,8 +111,6 @@ TEST(DriveEnumeration, ClassesOneEntryPerDeviceAndOnlyReadableMediaInMountOrder)
     const std::string share = kernel.mount("0:53", "share", "nfs4", "server:/photos");
     kernel.mount("0:22", "proc", "proc", "proc");
     kernel.mount("8:2", "gone", "ext4", "/dev/sda2", true);  // its mount point cannot be looked at
-    kernel.rawLine("garbage that is not a mount line");
-    kernel.rawLine("30 1 8:x / /nowhere rw - ext4 /dev/sda9 rw");
     kernel.commit();
 
     Collector any;
@@ -194,7 +186,7 @@ TEST(DriveEnumeration, OneSourceIsTakenWithoutAskingAndNoneGivesNoSource) {
     EXPECT_EQ(refusing.getDeviceId(), CString());
 }
 
-TEST(DriveEnumeration, FiftySourcesAtMostAndTheWalkStopsThere) {
+TEST(DriveEnumeration, FiftySourcesAtMost) {
     FakeKernel kernel;
     for (int i = 0; i < 60; ++i) {
         const std::string name = "sd" + std::string(1, static_cast<char>('a' + i / 26)) +
@@ -208,13 +200,6 @@ TEST(DriveEnumeration, FiftySourcesAtMostAndTheWalkStopsThere) {
     EXPECT_EQ(chooser.chooseDevice(kSourceRemovableDrive), AcquireChooser::kSourceSelected);
     EXPECT_EQ(chooser.getTotalSources(), AcquireChooser::kMaxSources);
     EXPECT_TRUE(chooser.getSourceName(49).toUtf8().ends_with("/card49"));
-
-    struct Stopper : DriveEnumeratorListener {
-        bool onDrive(int, const CString&, const CString&) override { return ++calls < 3; }
-        int calls = 0;
-    } stopper;
-    DriveEnumerator::enumerate(&stopper, DriveEnumerator::kRemovable);
-    EXPECT_EQ(stopper.calls, 3);
 }
 
 TEST(MountTable, FieldsOptionalTagsAndEscapes) {

@@ -48,21 +48,17 @@ std::vector<ScanFrames::Frame> readDirectly(const std::vector<std::string>& opti
     if (sane_open("test:0", &handle) == SANE_STATUS_GOOD) {
         for (const std::string& assignment : options) {
             const std::string name = assignment.substr(0, assignment.find('='));
-            const std::string value = assignment.substr(assignment.find('=') + 1);
+            std::string value = assignment.substr(assignment.find('=') + 1);
             for (SANE_Int i = 1; const SANE_Option_Descriptor* o = sane_get_option_descriptor(handle, i);
                  ++i) {
                 if (!o->name || name != o->name) continue;
-                if (o->type == SANE_TYPE_STRING) {
-                    std::vector<char> text(o->size + value.size() + 1, 0);
-                    std::copy(value.begin(), value.end(), text.begin());
-                    sane_control_option(handle, i, SANE_ACTION_SET_VALUE, text.data(), nullptr);
-                } else if (o->type == SANE_TYPE_BOOL || o->type == SANE_TYPE_INT) {
-                    SANE_Word word = o->type == SANE_TYPE_BOOL ? value == "yes" : std::atoi(value.c_str());
-                    sane_control_option(handle, i, SANE_ACTION_SET_VALUE, &word, nullptr);
-                } else if (o->type == SANE_TYPE_FIXED) {
-                    SANE_Word word = SANE_FIX(std::atof(value.c_str()));
-                    sane_control_option(handle, i, SANE_ACTION_SET_VALUE, &word, nullptr);
-                }
+                SANE_Word word = o->type == SANE_TYPE_BOOL    ? value == "yes"
+                                 : o->type == SANE_TYPE_FIXED ? SANE_FIX(std::atof(value.c_str()))
+                                                              : std::atoi(value.c_str());
+                value.resize(std::max<std::size_t>(value.size() + 1, o->size));
+                sane_control_option(handle, i, SANE_ACTION_SET_VALUE,
+                                    o->type == SANE_TYPE_STRING ? static_cast<void*>(value.data()) : &word,
+                                    nullptr);
             }
         }
         for (bool last = false; !last;) {

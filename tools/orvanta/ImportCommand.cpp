@@ -156,6 +156,11 @@ int runImport(const Arguments& arguments) {
         return 130;
     }
 
+    if (found->getCount() == 0) {
+        std::printf("copied 0, skipped 0, failed 0\n");
+        orvantaIUDeInit();
+        return progress.scanStopped ? 1 : 0;
+    }
     std::unique_ptr<AcquireCopyTask> copy(AcquireCopyTask::create(found, &progress));
     copy->setSource(type, id);
     if (!options.target.empty()) copy->setTarget(CString::fromUtf8(options.target), CString());
