@@ -1,6 +1,7 @@
-// The scan and copy tasks on a card (a folder of photographs) and on the directory camera: what is
-// found, copies byte-identical with their sources' times, nothing overwritten, sources deleted only
-// after their copies read back equal, and a card that fails mid-copy leaving no partial file.
+// The scan and copy tasks on a card (a folder of photographs): what is found, copies byte-identical
+// with their sources' times, nothing overwritten, sources deleted only after their copies read back
+// equal, and a card that fails mid-copy leaving no partial file. (A camera's run is in
+// ImportCommandTest and WizardTest.)
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -20,7 +21,6 @@
 #include "orvanta/codecs/Image.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "tests/acquire/AcquireFixtures.h"
-#include "tests/support/DirectoryCamera.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TestData.h"
 
@@ -185,39 +185,4 @@ TEST_F(CopyTaskTest, CardFailingMidCopyLeavesNoPartialFileAndDeletesNothing) {
     std::set<std::string> present;
     for (const auto& entry : fs::directory_iterator(dir.file("out"))) present.insert(entry.path().string());
     EXPECT_EQ(present, reported) << "only whole copies, no temporary files";
-}
-
-TEST_F(CopyTaskTest, CameraIsScannedWithPreviewsAndCopiedWithItsTimesThenEmptied) {
-    DirectoryCamera camera(5);
-    TempDir dir;
-    ThumbnailDb::createFile(dir.wide("thumbs.db"), 3072, 128);
-    OwnedPtr<ThumbnailDb> thumbnails = ThumbnailDb::create(dir.wide("thumbs.db"), 100, 100, nullptr);
-    Scan scan(kSourceImagingDevice, camera.id(), thumbnails);
-    ASSERT_EQ(scan.end, AcquireTaskEvent::kFinished);
-    EXPECT_EQ(scan.task->getFound(), 6);  // five photographs and the video
-    std::map<std::string, std::string> originals;
-    std::map<std::string, long long> times;
-    for (const std::string& f : camera.files()) {
-        originals[fs::path(f).filename().string()] = readFileBytes(camera.localPath(f));
-        times[fs::path(f).filename().string()] = mtimeNs(camera.localPath(f)) / 1000000000LL;
-    }
-    // The video is kept on the camera by a file of its name in the target.
-    fs::create_directories(dir.file("out"));
-    writeFileBytes(dir.file("out/MVI_0001.AVI"), "mine");
-    Copy copy(scan.list, kSourceImagingDevice, camera.id(), dir.file("out"), true);
-    EXPECT_EQ(copy.end, AcquireTaskEvent::kFinished);
-    EXPECT_EQ(copy.task->getCopied(), 5);
-    EXPECT_EQ(copy.task->getSkipped(), 1);
-    for (const std::string& f : camera.files()) {
-        const std::string name = fs::path(f).filename().string();
-        if (name == "MVI_0001.AVI") {
-            EXPECT_TRUE(fs::exists(camera.localPath(f)));
-            EXPECT_EQ(readFileBytes(dir.file("out/" + name)), "mine");
-            continue;
-        }
-        EXPECT_FALSE(fs::exists(camera.localPath(f))) << "deleted once verified: " << f;
-        EXPECT_EQ(readFileBytes(dir.file("out/" + name)), originals[name]);
-        EXPECT_EQ(mtimeNs(dir.file("out/" + name)) / 1000000000LL, times[name]);
-    }
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir.file("out")), fs::directory_iterator()), 6);
 }

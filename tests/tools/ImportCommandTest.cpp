@@ -1,9 +1,10 @@
 // orvanta import, run as a user runs it, on the directory camera and on a folder taken as a card:
-// the summary line, copies identical with their sources, a second run that skips everything, the
-// copies in the catalogue, and delete-after-copy emptying the source.
+// the summary line, copies identical with their sources and carrying their times, a second run that
+// skips everything, the copies in the catalogue, and delete-after-copy emptying the source.
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <set>
 #include <sstream>
@@ -54,6 +55,11 @@ TEST_F(ImportCommand, CameraCopiedOnceThenSkippedAndCataloguedThenEmptied) {
     for (const std::string& f : camera.files()) {
         const std::string copy = dir.file("photos/" + fs::path(f).filename().string());
         EXPECT_EQ(readFileBytes(copy), readFileBytes(camera.localPath(f))) << f;
+        // The camera tells whole seconds.
+        const auto seconds = [](const std::string& p) {
+            return std::chrono::floor<std::chrono::seconds>(fs::last_write_time(p));
+        };
+        EXPECT_EQ(seconds(copy), seconds(camera.localPath(f))) << "the camera's time, " << f;
         copies.insert(copy);
     }
     EXPECT_EQ(catalogued(dir.file("catalog.db")), copies);
@@ -76,6 +82,7 @@ TEST_F(ImportCommand, CameraCopiedOnceThenSkippedAndCataloguedThenEmptied) {
 }
 
 TEST_F(ImportCommand, FolderIsACardAndBadArgumentsAndSourcesFail) {
+    const DirectoryCamera drivers(0, false);  // libgphoto2 limited to the test camera's drivers
     TempDir dir;
     fs::create_directories(dir.file("card/DCIM/sub"));
     const std::vector<std::string> photos = testDataFiles("jpeg", {".jpg"});

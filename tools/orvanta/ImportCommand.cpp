@@ -192,6 +192,7 @@ int runImport(const Arguments& arguments) {
                                 .toUtf8()
                                 .c_str());
     std::printf("copied %d, skipped %d, failed %d\n", copied, skipped, failed);
+    std::fflush(stdout);
     orvantaIUDeInit();
     return runner.wasInterrupted() ? 130 : status;
 }
