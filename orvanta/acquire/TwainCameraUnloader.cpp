@@ -32,9 +32,7 @@ TwainCameraUnloader* TwainCameraUnloader::create(const CString& sourceKey, bool 
 }
 
 TwainCameraUnloader::TwainCameraUnloader(const CString& sourceKey, bool showUi)
-    : mSourceKey(sourceKey), mShowUi(showUi) {
-    openSource();
-}
+    : mSourceKey(sourceKey), mShowUi(showUi) {}
 
 bool TwainCameraUnloader::openSource() {
     if (mSourceOpen) return true;
@@ -55,15 +53,20 @@ void TwainCameraUnloader::closeSource() {
 }
 
 bool TwainCameraUnloader::isScanner() {
-    return mSourceOpen && mType.find("camera") == std::string::npos;
+    return openSource() && mType.find("camera") == std::string::npos;
 }
 
 bool TwainCameraUnloader::isCamera() {
-    return mSourceOpen && mType.find("camera") != std::string::npos;
+    return openSource() && mType.find("camera") != std::string::npos;
 }
 
 bool TwainCameraUnloader::unload(TwainCameraUnloaderListener* listener) {
-    if (!mSourceOpen || TwainSupport::hasTwainCrashed()) return false;
+    if (TwainSupport::hasTwainCrashed()) return false;
+    // The key ends in SANE's name of the device: the helper opens it by that name at once, and a
+    // device SANE does not have fails there, which spares a helper that would only list them.
+    const std::string key = mSourceKey.toUtf8();
+    const std::string device = mSourceOpen ? mDevice : key.substr(key.rfind('|') + 1);
+    if (device.empty() || key.find('|') == std::string::npos) return false;
     const CString folder = FilePath::getFolder(FilePath::getTempFilePath(nullptr));
     const auto onImage = [listener](const std::vector<Platform::SaneHelper::Frame>& sent) {
         std::vector<ScanFrames::Frame> frames;
@@ -83,7 +86,7 @@ bool TwainCameraUnloader::unload(TwainCameraUnloaderListener* listener) {
         return listener->onImage(&item);
     };
     const Platform::SaneHelper::Outcome outcome =
-        Platform::SaneHelper::scan(mDevice, folder.toUtf8(), mOptions, onImage, &mLastStatus);
+        Platform::SaneHelper::scan(device, folder.toUtf8(), mOptions, onImage, &mLastStatus);
     if (outcome == Platform::SaneHelper::kCrashed) TwainSupport::setTwainCrashed();
     return outcome == Platform::SaneHelper::kDone;
 }

@@ -2,9 +2,11 @@
 // TwainCameraUnloader: fetches every picture of one scanner or camera of SANE into temporary JPEG
 // files, through the driver helper process.
 //
-// Contract: the constructor looks for the source of the key among SANE's devices; a key no device
-// has leaves the source closed, and every call then fails quietly. isScanner() and isCamera() tell
-// the source's kind from what SANE calls it; both are false for a closed source. unload() scans
+// Contract: openSource() looks for the source of the key among SANE's devices (isScanner and
+// isCamera call it); a key no device has leaves the source closed, and both answers are false.
+// isScanner() and isCamera() tell the source's kind from what SANE calls it. unload() needs no
+// listing: the key ends in SANE's name of the device, which the helper opens directly, and a
+// device SANE does not have fails there. unload() scans
 // with the options set (NAME=VALUE, SANE's option names), turns each picture into a JPEG file named
 // after "twainImage.jpg" in the temporary folder (never over another file), and hands it to the
 // listener, which takes charge of the file; a picture of 16 bits a sample is skipped. It answers

@@ -212,7 +212,10 @@ TEST_F(ScannerTest, UnloadWritesJpegsSkipsSixteenBitsFeedsSheetsAndReportsAJam) 
     ASSERT_TRUE(scanner->isScanner());
     {
         Collected got;
-        scanner->setOptions({"mode=Color", "test-picture=Color pattern", "resolution=100"});
+        const std::vector<std::string> page = {
+            "mode=Color",    "depth=8", "three-pass=no", "hand-scanner=no", "test-picture=Color pattern",
+            "resolution=100"};
+        scanner->setOptions(page);
         EXPECT_TRUE(scanner->unload(&got));
         ASSERT_EQ(got.paths.size(), 1u);
         EXPECT_TRUE(got.paths[0].find("twainImage") != std::string::npos);
@@ -220,8 +223,7 @@ TEST_F(ScannerTest, UnloadWritesJpegsSkipsSixteenBitsFeedsSheetsAndReportsAJam) 
         CSize size;
         OwnedPtr<Dib> decoded = jpeg->read(CString::fromUtf8(got.paths[0]), &size, 0, 0);
         ASSERT_TRUE(decoded);
-        const std::vector<ScanFrames::Frame> direct =
-            readDirectly({"mode=Color", "test-picture=Color pattern", "resolution=100"});
+        const std::vector<ScanFrames::Frame> direct = readDirectly(page);
         EXPECT_EQ(decoded->getSize(), CSize(direct[0].pixelsPerLine, direct[0].lines));
     }
     {
