@@ -30,9 +30,9 @@ test-asan:
 # loop woken by other threads, the clipboard's own thread, asset lists changed and walked from two
 # threads, the thumbnail store's workers, a folder walk cancelled from another thread, the
 # single-instance socket's thread, the print spooler's and preview's workers, the thumbnail grid
-# taking up a list changed on another thread) are built under
+# taking up a list changed on another thread, the acquisition tasks feeding a wizard) are built under
 # ThreadSanitizer, to keep the run short.
-TSAN_TESTS = test_platform test_foundation test_toolkit test_assets test_desktop test_printing test_views
+TSAN_TESTS = test_platform test_foundation test_toolkit test_assets test_desktop test_printing test_views test_acquire
 test-tsan:
 	cmake -S . -B build/tsan $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DORVANTA_TSAN=ON
 	cmake --build build/tsan -j $(JOBS) --target $(TSAN_TESTS)

@@ -153,6 +153,26 @@ echo "== The contact sheet's first page in a print preview, drawn by the job's o
 "$(dirname "$orvanta")/orvanta-window-demo" --print-preview "$out/print-preview.png" "${photos[@]}"
 
 echo
+echo "== Photographs imported from a camera: libgphoto2's directory camera serving a folder (orvanta import)"
+camera_dir=$(mktemp -d /tmp/orvanta-demo-camera.XXXXXX)
+mkdir -p "$camera_dir/DCIM/100DEMO" "$camera_dir/DCIM/101DEMO/nested" "$camera_dir/DCIM/102EMPTY"
+i=0
+for jpeg in "${jpegs[@]}"; do
+  i=$((i + 1))
+  folder=$camera_dir/DCIM/100DEMO
+  (( i % 2 )) || folder=$camera_dir/DCIM/101DEMO/nested
+  cp "$jpeg" "$folder/$(printf 'IMG_%04d.JPG' "$i")"
+done
+rm -rf "$out/imported" "$out/imported.db"
+echo "-- the sources this machine offers (orvanta devices):"
+"$orvanta" devices || true
+echo "-- the camera copied, then copied again: every photograph is there already, nothing is overwritten"
+"$orvanta" import "Directory Browse@disk:$camera_dir" --to "$out/imported" --catalog "$out/imported.db"
+"$orvanta" import "Directory Browse@disk:$camera_dir" --to "$out/imported" --catalog "$out/imported.db"
+"$orvanta" catalog list --catalog "$out/imported.db"
+rm -rf "$camera_dir"
+
+echo
 echo "== Orvanta Photos driven by a script of posted input: import, scroll, open, crop, red eye, save"
 bash "$(dirname "$0")/photos-demo.sh" "$(dirname "$orvanta")/orvanta-photos" "$out"
 

@@ -52,6 +52,14 @@ packages=(
   # start a private instance of
   libcups2-dev
   cups-daemon
+  # acquisition: libgphoto2 for cameras (loaded when cameras are first asked about) and its
+  # command-line tool, which the benchmark times beside orvanta; SANE for scanners (in a helper
+  # process), with its test backend and scanimage
+  libgphoto2-dev
+  gphoto2
+  libsane-dev
+  libsane1
+  sane-utils
   # Xlib, to notice that the X server went away; XCB, to own the X clipboard for file lists and
   # pictures; xclip, for the tests to paste them as another program would
   libx11-dev

@@ -17,7 +17,37 @@ int FaultyFileSystem::open(const char* path, int flags, mode_t mode) {
         errno = mCreateError;
         return -1;
     }
-    return FileSystem::open(path, flags, mode);
+    const int fd = FileSystem::open(path, flags, mode);
+    if (fd >= 0) {
+        const std::string opened = path;
+        const bool corrupt =
+            !mCorruptFolder.empty() && opened.starts_with(mCorruptFolder) && mCorruptOpens > 0;
+        if (corrupt) --mCorruptOpens;
+        if (corrupt || (!mReadFolder.empty() && opened.starts_with(mReadFolder))) mWatched[fd] = corrupt;
+    }
+    return fd;
+}
+
+int FaultyFileSystem::close(int fd) {
+    mWatched.erase(fd);
+    return FileSystem::close(fd);
+}
+
+ssize_t FaultyFileSystem::read(int fd, void* buffer, std::size_t size) {
+    const auto watched = mWatched.find(fd);
+    if (watched == mWatched.end()) return FileSystem::read(fd, buffer, size);
+    if (mReadBudget >= 0 && !watched->second) {
+        if (mReadBudget == 0) {
+            errno = mReadError;
+            return -1;
+        }
+        if (static_cast<long long>(size) > mReadBudget) size = static_cast<std::size_t>(mReadBudget);
+    }
+    const off_t at = FileSystem::seek(fd, 0, SEEK_CUR);
+    const ssize_t got = FileSystem::read(fd, buffer, size);
+    if (got > 0 && watched->second && at == 0) static_cast<unsigned char*>(buffer)[0] ^= 0xFF;
+    if (got > 0 && mReadBudget > 0 && !watched->second) mReadBudget -= got;
+    return got;
 }
 
 ssize_t FaultyFileSystem::write(int fd, const void* data, std::size_t size) {

@@ -39,8 +39,23 @@ public:
     // Examining the file at exactly this path without following it fails with error (a file that
     // went away after its folder was listed).
     void failExamining(const std::string& path, int error) { mExamineErrors[path] = error; }
+    // Files opened under this folder give only this many more bytes in all; the read after fails
+    // with error (a card pulled out, a camera unplugged).
+    void failReadsUnder(const std::string& folder, long long bytes, int error) {
+        mReadFolder = folder + "/";
+        mReadBudget = bytes;
+        mReadError = error;
+    }
+    // The next n files opened under this folder read with their first byte inverted (a flaky
+    // card reader), and the ones after read true.
+    void corruptReadsUnder(const std::string& folder, int n) {
+        mCorruptFolder = folder + "/";
+        mCorruptOpens = n;
+    }
 
     int open(const char* path, int flags, mode_t mode) override;
+    int close(int fd) override;
+    ssize_t read(int fd, void* buffer, std::size_t size) override;
     ssize_t write(int fd, const void* data, std::size_t size) override;
     int rename(const char* from, const char* to) override;
     int renameNoReplace(const char* from, const char* to) override;
@@ -63,6 +78,12 @@ private:
     bool mHideBirthTimes = false;
     std::map<std::string, int> mListingErrors;
     std::map<std::string, int> mExamineErrors;
+    std::string mReadFolder;
+    long long mReadBudget = -1;
+    int mReadError = 0;
+    std::string mCorruptFolder;
+    int mCorruptOpens = 0;
+    std::map<int, bool> mWatched;  // fds opened under the folders above: true while a read corrupts
 };
 
 }  // namespace OrvantaTest

@@ -30,5 +30,7 @@ int runCatalog(const Arguments& arguments);
 int runWallpaper(const Arguments& arguments);
 int runPrint(const Arguments& arguments);
 int runPrinters(const Arguments& arguments);
+int runDevices(const Arguments& arguments);
+int runImport(const Arguments& arguments);
 
 }  // namespace OrvantaTool

@@ -202,6 +202,29 @@ const std::vector<Command>& commands() {
          "paper (its name, size, the margins left, top, right and bottom in dots at the printer's\n"
          "first resolution, and whether it is borderless) and per resolution.\n",
          runPrinters},
+        {"devices", "devices [--scanners] the cameras, scanners and drives photos can be imported from",
+         "usage: orvanta devices [--scanners]\n"
+         "One source a line, KIND  ID  NAME separated by tabs: the cameras libgphoto2 finds connected\n"
+         "(KIND camera, ID MODEL@PORT), with --scanners the scanners of SANE (scanner, ID\n"
+         "VENDOR|MODEL|DEVICE), then the removable and optical drives mounted with a medium in them\n"
+         "(removable or optical, ID the drive's mount point). A scanner driver that crashes is said on\n"
+         "standard error and the other sources are still listed. Exit status 0, 2 for bad arguments.\n",
+         runDevices},
+        {"import", "import ID [--to FOLDER] [--delete-after-copy] [--catalog FILE]  copies a device's photos",
+         "usage: orvanta import ID [--to FOLDER] [--delete-after-copy] [--catalog FILE]\n"
+         "                     [--scan-option NAME=VALUE]...\n"
+         "Copies every photo and video of a source into FOLDER (default: \"acquired photos\" in the\n"
+         "user's pictures) and adds the copies to the catalogue FILE (default: the user's own). ID is\n"
+         "one of orvanta devices, or a camera given as libgphoto2's MODEL@PORT, for example\n"
+         "\"Directory Browse@disk:/media/card\", or any folder taken as a card. A scanner's pictures\n"
+         "are scanned with its SANE options NAME=VALUE. A file of the same name in FOLDER is never\n"
+         "overwritten: that photo is skipped. Copies keep the times of their sources. With\n"
+         "--delete-after-copy a source on a card or camera is deleted once its copy was read back and\n"
+         "found equal. A progress bar is drawn on a terminal; the last line is\n"
+         "copied N, skipped N, failed N.\n"
+         "Exit status 0 when all were copied or skipped, 1 when some failed or the source stopped\n"
+         "answering, 2 for bad arguments, 130 when interrupted.\n",
+         runImport},
     };
     return table;
 }

@@ -1,0 +1,30 @@
+#pragma once
+// ScanFrames: turns the frames of one scanned picture, as SANE sends them, into a Dib.
+//
+// Contract: toDib() takes the frames of one picture: a single grey or RGB frame, or the red, green
+// and blue frames of a three-pass scanner in any order. SANE sends rows top-down, so the rows keep
+// their order; RGB becomes the Dib's blue-first order; grey is spread to three equal channels, and a
+// 1-bit frame has a set bit for black, highest bit first. A frame of unknown length (a hand scanner)
+// has the lines that came. Answers a new 3-channel Dib at owner count 0, or null for frames it
+// does not take: 16 bits a sample (skipped, as the native transfer of old drivers did), a frame
+// missing or of other dimensions, or fewer bytes than the dimensions promise.
+
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+
+class Dib;
+
+class ScanFrames {
+public:
+    struct Frame {
+        int format = 0;  // SANE's: 0 grey, 1 RGB, 2 red, 3 green, 4 blue
+        int bytesPerLine = 0, pixelsPerLine = 0, lines = 0, depth = 8;
+        std::string bytes;
+    };
+
+    static Dib* toDib(const std::vector<Frame>& frames);
+};
+
+}  // namespace Orvanta

@@ -1,0 +1,203 @@
+#include "orvanta/platform/SaneHelper.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <sstream>
+
+extern char** environ;
+
+namespace Orvanta::Platform {
+
+namespace {
+
+constexpr int kDefaultTimeout = 60000;
+std::atomic<int> gTimeout{kDefaultTimeout};
+
+std::vector<std::string> splitTabs(const std::string& line) {
+    std::vector<std::string> fields;
+    std::stringstream in(line);
+    std::string field;
+    while (std::getline(in, field, '\t')) fields.push_back(field);
+    return fields;
+}
+
+bool isExecutable(const std::string& path) {
+    return !path.empty() && access(path.c_str(), X_OK) == 0;
+}
+
+// One helper process and our end of its socket.
+class Conversation {
+public:
+    explicit Conversation(const std::vector<std::string>& arguments) {
+        int ends[2];
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return;
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, ends[1], 3);  // dup2 clears close-on-exec
+        std::vector<std::string> argv = {SaneHelper::helperPath()};
+        argv.insert(argv.end(), arguments.begin(), arguments.end());
+        std::vector<char*> pointers;
+        for (std::string& a : argv) pointers.push_back(a.data());
+        pointers.push_back(nullptr);
+        if (isExecutable(argv[0]) &&
+            posix_spawn(&mPid, argv[0].c_str(), &actions, nullptr, pointers.data(), environ) == 0)
+            mSocket = ends[0];
+        else
+            close(ends[0]);
+        close(ends[1]);
+        posix_spawn_file_actions_destroy(&actions);
+    }
+
+    ~Conversation() { finish(true); }
+
+    bool started() const { return mSocket >= 0; }
+
+    // The next line, or false at the end, on a timeout (the helper is then killed) or a broken socket.
+    bool readLine(std::string* line) {
+        for (;;) {
+            const std::size_t newline = mPending.find('\n');
+            if (newline != std::string::npos) {
+                *line = mPending.substr(0, newline);
+                mPending.erase(0, newline + 1);
+                return true;
+            }
+            pollfd waiting = {mSocket, POLLIN, 0};
+            const int ready = poll(&waiting, 1, gTimeout.load());
+            if (ready == 0) {
+                mHung = true;
+                kill(mPid, SIGKILL);
+                return false;
+            }
+            if (ready < 0) {
+                if (errno == EINTR) continue;
+                return false;
+            }
+            char buffer[4096];
+            const ssize_t got = recv(mSocket, buffer, sizeof buffer, 0);
+            if (got < 0 && errno == EINTR) continue;
+            if (got <= 0) return false;
+            mPending.append(buffer, static_cast<std::size_t>(got));
+        }
+    }
+
+    void send(const char* line) { ::send(mSocket, line, std::strlen(line), MSG_NOSIGNAL); }
+
+    // Waits for the helper to end (killing it first with kill), and answers whether it was hung.
+    bool finish(bool killFirst) {
+        if (mSocket >= 0) {
+            close(mSocket);
+            mSocket = -1;
+        }
+        if (mPid > 0) {
+            if (killFirst) kill(mPid, SIGKILL);
+            int status;
+            while (waitpid(mPid, &status, 0) < 0 && errno == EINTR) {
+            }
+            mPid = -1;
+        }
+        return mHung;
+    }
+
+private:
+    pid_t mPid = -1;
+    int mSocket = -1;
+    bool mHung = false;
+    std::string mPending;
+};
+
+}  // namespace
+
+void SaneHelper::setHangTimeout(int milliseconds) {
+    gTimeout = milliseconds > 0 ? milliseconds : kDefaultTimeout;
+}
+
+std::string SaneHelper::helperPath() {
+    if (const char* given = std::getenv("ORVANTA_SANE_HELPER"); given && *given) return given;
+    Dl_info info;
+    if (!dladdr(reinterpret_cast<void*>(&SaneHelper::helperPath), &info) || !info.dli_fname)
+        return std::string();
+    std::string folder = info.dli_fname;
+    folder = folder.substr(0, folder.rfind('/') + 1);
+    for (const char* relative : {"../bin/orvanta-sane-helper", "../libexec/orvanta/orvanta-sane-helper"})
+        if (isExecutable(folder + relative)) return folder + relative;
+    return std::string();
+}
+
+SaneHelper::Outcome SaneHelper::listDevices(std::vector<Device>* devices) {
+    Conversation helper({"list"});
+    if (!helper.started()) return kFailed;
+    std::string line;
+    while (helper.readLine(&line)) {
+        const std::vector<std::string> fields = splitTabs(line);
+        if (fields.size() == 5 && fields[0] == "device") {
+            devices->push_back({fields[1], fields[2], fields[3], fields[4]});
+        } else if (!fields.empty() && fields[0] == "end") {
+            helper.finish(false);
+            return kDone;
+        }
+    }
+    helper.finish(false);
+    return kCrashed;
+}
+
+SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::string& folder,
+                                     const std::vector<std::string>& options, const ImageSink& onImage,
+                                     int* status) {
+    // The frames go to a folder of their own, removed with whatever a helper that died left in it.
+    std::string frameFolder = folder + "/orvanta-frames-XXXXXX";
+    if (!mkdtemp(frameFolder.data())) return kFailed;
+    struct Remover {
+        std::string path;
+        ~Remover() {
+            std::error_code ignored;
+            std::filesystem::remove_all(path, ignored);
+        }
+    } remover{frameFolder};
+    std::vector<std::string> arguments = {"scan", device, frameFolder};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    Conversation helper(arguments);
+    if (!helper.started()) return kFailed;
+    std::vector<Frame> frames;
+    std::string line;
+    while (helper.readLine(&line)) {
+        const std::vector<std::string> fields = splitTabs(line);
+        if (fields.empty()) continue;
+        if (fields[0] == "frame" && fields.size() == 8) {
+            Frame frame;
+            frame.path = fields[1];
+            frame.format = std::atoi(fields[2].c_str());
+            frame.last = fields[3] == "1";
+            frame.bytesPerLine = std::atoi(fields[4].c_str());
+            frame.pixelsPerLine = std::atoi(fields[5].c_str());
+            frame.lines = std::atoi(fields[6].c_str());
+            frame.depth = std::atoi(fields[7].c_str());
+            frames.push_back(frame);
+        } else if (fields[0] == "image") {
+            const bool more = onImage(frames);
+            for (const Frame& frame : frames) unlink(frame.path.c_str());
+            frames.clear();
+            helper.send(more ? "next\n" : "stop\n");
+        } else if (fields[0] == "status" && fields.size() == 3) {
+            *status = std::atoi(fields[1].c_str());
+            helper.finish(false);
+            return fields[2] == "ok" ? kDone : kFailed;
+        }
+    }
+    for (const Frame& frame : frames) unlink(frame.path.c_str());
+    helper.finish(false);
+    return kCrashed;
+}
+
+}  // namespace Orvanta::Platform

@@ -1,0 +1,214 @@
+// orvanta-sane-helper: the process in which every SANE call of the Orvanta library runs, so that a
+// scanner driver that crashes or hangs ends this process and not its host.
+//
+//   orvanta-sane-helper list
+//   orvanta-sane-helper scan DEVICE FOLDER [OPTION=VALUE...]
+//
+// It talks on file descriptor 3, a socket the host holds the other end of, in lines of tab-separated
+// fields:
+//   device NAME VENDOR MODEL TYPE          one per device (list), then "end"
+//   frame PATH FORMAT LAST BYTES_PER_LINE PIXELS_PER_LINE LINES DEPTH
+//                                          a frame's raw bytes written to a file of FOLDER
+//   image                                  a whole picture has been sent; the host answers
+//                                          "next" or "stop"
+//   status CODE ok|failed                  the last line: SANE's status at the end
+// A host that sees the socket close before the last line knows the driver died.
+
+#include <fcntl.h>
+#include <sane/sane.h>
+#include <sane/saneopts.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kSocket = 3;
+
+void sendLine(const std::string& line) {
+    const std::string text = line + "\n";
+    for (std::size_t done = 0; done < text.size();) {
+        const ssize_t wrote = send(kSocket, text.data() + done, text.size() - done, MSG_NOSIGNAL);
+        if (wrote <= 0) std::_Exit(2);  // the host is gone: nothing left to do
+        done += static_cast<std::size_t>(wrote);
+    }
+}
+
+std::string readLine() {
+    std::string line;
+    char c;
+    while (recv(kSocket, &c, 1, 0) == 1 && c != '\n') line += c;
+    return line;
+}
+
+std::string clean(const char* text) {
+    std::string out = text ? text : "";
+    for (char& c : out)
+        if (c == '\t' || c == '\n') c = ' ';
+    return out;
+}
+
+int list() {
+    const SANE_Device** devices = nullptr;
+    if (sane_get_devices(&devices, SANE_FALSE) == SANE_STATUS_GOOD)
+        for (int i = 0; devices[i]; ++i)
+            sendLine("device\t" + clean(devices[i]->name) + "\t" + clean(devices[i]->vendor) + "\t" +
+                     clean(devices[i]->model) + "\t" + clean(devices[i]->type));
+    sendLine("end");
+    return 0;
+}
+
+// Sets NAME=VALUE on the device, by the option's type; unknown names and bad values are passed over.
+void setOption(SANE_Handle handle, const std::string& assignment) {
+    const std::size_t equals = assignment.find('=');
+    if (equals == std::string::npos) return;
+    const std::string name = assignment.substr(0, equals);
+    const std::string value = assignment.substr(equals + 1);
+    for (SANE_Int i = 1;; ++i) {
+        const SANE_Option_Descriptor* option = sane_get_option_descriptor(handle, i);
+        if (!option) return;
+        if (!option->name || name != option->name) continue;
+        SANE_Int info = 0;
+        switch (option->type) {
+            case SANE_TYPE_BOOL: {
+                SANE_Bool b = value == "yes" || value == "true" || value == "1";
+                sane_control_option(handle, i, SANE_ACTION_SET_VALUE, &b, &info);
+                break;
+            }
+            case SANE_TYPE_INT: {
+                SANE_Int n = std::atoi(value.c_str());
+                sane_control_option(handle, i, SANE_ACTION_SET_VALUE, &n, &info);
+                break;
+            }
+            case SANE_TYPE_FIXED: {
+                SANE_Fixed f = SANE_FIX(std::atof(value.c_str()));
+                sane_control_option(handle, i, SANE_ACTION_SET_VALUE, &f, &info);
+                break;
+            }
+            case SANE_TYPE_STRING: {
+                std::vector<char> text(std::max<std::size_t>(value.size() + 1, option->size), 0);
+                std::memcpy(text.data(), value.c_str(), value.size());
+                sane_control_option(handle, i, SANE_ACTION_SET_VALUE, text.data(), &info);
+                break;
+            }
+            default:
+                break;
+        }
+        return;
+    }
+}
+
+// Whether the device feeds sheets: its source option names a feeder.
+bool hasFeeder(SANE_Handle handle) {
+    for (SANE_Int i = 1;; ++i) {
+        const SANE_Option_Descriptor* option = sane_get_option_descriptor(handle, i);
+        if (!option) return false;
+        if (!option->name || std::strcmp(option->name, SANE_NAME_SCAN_SOURCE) != 0 ||
+            option->type != SANE_TYPE_STRING)
+            continue;
+        std::vector<char> value(option->size + 1, 0);
+        if (sane_control_option(handle, i, SANE_ACTION_GET_VALUE, value.data(), nullptr) != SANE_STATUS_GOOD)
+            return false;
+        const std::string source = value.data();
+        return source.find("ADF") != std::string::npos || source.find("Feeder") != std::string::npos;
+    }
+}
+
+// Reads one frame into a new file of folder; SANE's status at its end (EOF when whole).
+SANE_Status readFrame(SANE_Handle handle, const std::string& folder, const SANE_Parameters& parameters) {
+    std::string path = folder + "/orvanta-frame-XXXXXX";
+    const int fd = mkstemp(path.data());
+    if (fd < 0) return SANE_STATUS_NO_MEM;
+    std::vector<SANE_Byte> buffer(1 << 16);
+    SANE_Status status;
+    long long total = 0;
+    for (;;) {
+        SANE_Int got = 0;
+        status = sane_read(handle, buffer.data(), static_cast<SANE_Int>(buffer.size()), &got);
+        if (status != SANE_STATUS_GOOD) break;
+        if (got > 0 && write(fd, buffer.data(), static_cast<std::size_t>(got)) != got) {
+            status = SANE_STATUS_IO_ERROR;
+            break;
+        }
+        total += got;
+    }
+    close(fd);
+    if (status != SANE_STATUS_EOF) {
+        unlink(path.c_str());
+        return status;
+    }
+    // A hand scanner does not know its length before the end: count the lines that came.
+    const int lines = parameters.lines >= 0 || parameters.bytes_per_line <= 0
+                          ? parameters.lines
+                          : static_cast<int>(total / parameters.bytes_per_line);
+    sendLine("frame\t" + path + "\t" + std::to_string(parameters.format) + "\t" +
+             (parameters.last_frame ? "1" : "0") + "\t" + std::to_string(parameters.bytes_per_line) + "\t" +
+             std::to_string(parameters.pixels_per_line) + "\t" + std::to_string(lines) + "\t" +
+             std::to_string(parameters.depth));
+    return SANE_STATUS_EOF;
+}
+
+int scan(const std::string& device, const std::string& folder, const std::vector<std::string>& options) {
+    SANE_Handle handle = nullptr;
+    SANE_Status status = sane_open(device.c_str(), &handle);
+    if (status != SANE_STATUS_GOOD) {
+        sendLine("status\t" + std::to_string(status) + "\tfailed");
+        return 0;
+    }
+    for (const std::string& option : options) setOption(handle, option);
+    const bool feeder = hasFeeder(handle);
+    bool ok = true;
+    for (bool more = true; more;) {
+        // One picture: frames until the last one.
+        for (bool last = false; !last;) {
+            status = sane_start(handle);
+            SANE_Parameters parameters;
+            if (status == SANE_STATUS_GOOD) status = sane_get_parameters(handle, &parameters);
+            if (status == SANE_STATUS_GOOD) status = readFrame(handle, folder, parameters);
+            if (status != SANE_STATUS_EOF) break;
+            last = parameters.last_frame;
+        }
+        if (status != SANE_STATUS_EOF) {
+            // No more sheets after the first is the feeder's normal end.
+            ok = status == SANE_STATUS_NO_DOCS && feeder;
+            break;
+        }
+        sendLine("image");
+        more = readLine() == "next" && feeder;
+    }
+    sane_cancel(handle);
+    sane_close(handle);
+    sendLine("status\t" + std::to_string(status) + (ok ? "\tok" : "\tfailed"));
+    return 0;
+}
+
+}  // namespace
+
+// The helper lives for one request and runs drivers that are not ours (SANE's test backend keeps a
+// read buffer to the end): what they leave allocated at exit is no concern of the sanitizer builds.
+extern "C" const char* __lsan_default_options() {
+    return "detect_leaks=0";
+}
+
+int main(int argc, char** argv) {
+    if (argc < 2) return 1;
+    const std::string command = argv[1];
+    SANE_Int version = 0;
+    if (sane_init(&version, nullptr) != SANE_STATUS_GOOD) {
+        sendLine(command == "list" ? "end" : "status\t" + std::to_string(SANE_STATUS_INVAL) + "\tfailed");
+        return 0;
+    }
+    int result = 1;
+    if (command == "list") {
+        result = list();
+    } else if (command == "scan" && argc >= 4) {
+        result = scan(argv[2], argv[3], std::vector<std::string>(argv + 4, argv + argc));
+    }
+    sane_exit();
+    return result;
+}
