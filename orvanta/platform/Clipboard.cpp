@@ -80,8 +80,9 @@ bool Clipboard::setFiles(const std::vector<CString>& paths, const std::vector<st
         std::unique_ptr<char, GFreeDeleter> uri(g_filename_to_uri(path.toUtf8().c_str(), nullptr, nullptr));
         if (!uri) return false;
         uris += uri.get() + std::string("\r\n");
-        copied += "\n" + std::string(uri.get());
-        text += (text.empty() ? "" : "\n") + path.toUtf8();
+        copied.append("\n").append(uri.get());
+        if (!text.empty()) text += '\n';
+        text += path.toUtf8();
     }
     SelectionOwner::Formats formats = {{"text/uri-list", uris},
                                        {"x-special/gnome-copied-files", copied},

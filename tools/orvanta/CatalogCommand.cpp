@@ -41,7 +41,7 @@ int usage() {
 
 std::string isoDate(const DateTime& date) {
     if (date.isNull()) return std::string();
-    char text[32];
+    char text[80];  // room for any int in every field, though a date's fields are small
     std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", date.getYear(), date.getMonth(),
                   date.getMDay(), date.getHour(), date.getMinute(), date.getSecond());
     return text;
