@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "orvanta/codecs/CodecManager.h"
@@ -12,6 +11,7 @@
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/platform/PrintDocument.h"
 #include "orvanta/printing/PrintTemplatePageRenderer.h"
+#include "tests/foundation/TestEnvironment.h"
 #include "tests/printing/PrintFixtures.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestPictures.h"
@@ -104,16 +104,6 @@ protected:
         renderer = PrintTemplatePageRenderer::create();
         writeQuadrantJpeg(dir.file("small.jpg"), 640, 480);
         writeQuadrantJpeg(dir.file("large.jpg"), 1600, 1200);
-        std::filesystem::create_directory(dir.file("tmp"));
-        const char* old = std::getenv("TMPDIR");
-        oldTmp = old ? old : "";
-        setenv("TMPDIR", dir.file("tmp").c_str(), 1);
-    }
-    void TearDown() override {
-        if (oldTmp.empty())
-            unsetenv("TMPDIR");
-        else
-            setenv("TMPDIR", oldTmp.c_str(), 1);
     }
     // The page drawn on Letter at 300 dpi, printable everywhere, into page.pdf.
     void printPage(unsigned maxDpi, bool directJpeg) {
@@ -127,8 +117,8 @@ protected:
         page->setAsset(Platform::Canvas::createScreenContext().get(), slot, asset);
     }
 
-    TempDir dir;
-    std::string oldTmp;
+    TempDir dir, tmp;
+    ScopedVariable tmpdir{"TMPDIR", tmp.path().c_str()};
     OwnedPtr<PrintTemplate> design;
     OwnedPtr<PrintTemplatePage> page;
     OwnedPtr<PrintTemplatePageRenderer> renderer;
@@ -159,7 +149,7 @@ TEST_F(PageRendering, APdfPageTakesUnchangedFilesAsTheyAreAndChangedOrCappedOnes
     const std::string source = readFileBytes(dir.file("small.jpg"));
     EXPECT_TRUE(blocks[0] == source);
     EXPECT_FALSE(blocks[1] == source);
-    EXPECT_EQ(0u, std::distance(std::filesystem::directory_iterator(dir.file("tmp")), {}));
+    EXPECT_EQ(0u, tmp.count());
 }
 
 // With the screen's resolution as the limit the working copy (192 x 144) is drawn, even on a
