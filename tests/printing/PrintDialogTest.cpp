@@ -8,8 +8,8 @@
 
 #include "orvanta/printing/PrintDialog.h"
 #include "orvanta/printing/TextPrintJob.h"
-#include "tests/support/CupsServer.h"
 #include "tests/printing/PrintFixtures.h"
+#include "tests/support/CupsServer.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/UiHarness.h"
 
