@@ -121,21 +121,14 @@ TEST(SortedAssetList, EqualsAStableSortOfItsSourceAndThenOfEveryInsertionAsItFol
     }
 }
 
-TEST(SortedAssetList, NullValuesCompareLopsidedlyAndTiesKeepTheInsertionOrder) {
-    const DateTime date(2004, 2, 29, 8, 0, 0, 0);
+// Missing dates and numbers are covered by the stable sort above; a missing text compares lopsidedly.
+TEST(SortedAssetList, AMissingTextIsLopsidedAndTiesKeepTheInsertionOrder) {
     const struct {
         const char16_t* key;
         bool ascending;
         PropertyValue first, second;  // inserted in this order; null: the asset lacks the property
         bool secondBefore;
     } cases[] = {
-        {u"timestamp", false, PropertyValue(), PropertyValue(date), true},  // no date: last when descending
-        {u"timestamp", true, PropertyValue(date), PropertyValue(), true},
-        {u"rating", true, PropertyValue(), PropertyValue(-1), true},  // a missing number is 0
-        {u"rating", true, PropertyValue(), PropertyValue(1), false},
-        {u"rating", true, PropertyValue(0), PropertyValue(), false},  // equal: insertion order
-        {u"rating", false, PropertyValue(0), PropertyValue(), true},  // but going down, above 0
-        {u"rating", false, PropertyValue(), PropertyValue(1), true},
         {u"caption", true, PropertyValue(u"abc"), PropertyValue(), false},
         {u"caption", true, PropertyValue(), PropertyValue(u"abc"), false},
         // Going down, each goes before the other: the one inserted later comes first.
@@ -170,58 +163,32 @@ TEST(AssetList, EachChangeNotifiesTheListItsFilteredViewAndTheSelection) {
     others->addAsset(OwnedPtr<Asset>(assetFor(6)), false),
         others->addAsset(OwnedPtr<Asset>(assetFor(7)), false);
     gone->addAsset(list->getAsset(idFor(1)), false), gone->addAsset(list->getAsset(idFor(2)), false);
-    using V = std::vector<Heard::Entry>;
+    // What the list, the view and the selection heard, as "code:n,n" per notification.
     const struct {
         const char* what;
         std::function<void()> run;
-        V list, view, selection;
+        const char *list, *view, *selection;
     } steps[] = {
-        {"add one that passes", [&] { list->addAsset(kept, true); }, {change(1, {4})}, {change(1, {4})}, {}},
-        {"add one that fails", [&] { list->addAsset(dropped, true); }, {change(1, {5})}, {}, {}},
+        {"add one that passes", [&] { list->addAsset(kept, true); }, "1:4", "1:4", ""},
+        {"add one that fails", [&] { list->addAsset(dropped, true); }, "1:5", "", ""},
         {"select twice",
          [&] {
-             selection->select(idFor(4), true), selection->select(idFor(4), true),
-                 selection->select(idFor(1), true);
+             selection->select(idFor(4), true), selection->select(idFor(4), true);
+             selection->select(idFor(1), true);
          },
-         {},
-         {},
-         {change(1, {4}), change(1, {1})}},
-        {"change a property",
-         [&] { kept->getProperties()->set(u"rating", PropertyValue(5), true); },
-         {change(3, {4})},
-         {change(3, {4})},
-         {}},
+         "", "", "1:4 1:1"},
+        {"change a property", [&] { kept->getProperties()->set(u"rating", PropertyValue(5), true); }, "3:4",
+         "3:4", ""},
         {"now passes, but only a rebuild adds it",
-         [&] { dropped->getProperties()->set(u"keep", PropertyValue(1), true); },
-         {change(3, {5})},
-         {},
-         {}},
-        {"the same object again",
-         [&] { list->addAsset(kept, true); },
-         {change(3, {4})},
-         {change(3, {4})},
-         {}},
-        {"remove",
-         [&] { list->removeAsset(kept, true); },
-         {change(2, {4})},
-         {change(2, {4})},
-         {change(2, {4})}},
+         [&] { dropped->getProperties()->set(u"keep", PropertyValue(1), true); }, "3:5", "", ""},
+        {"the same object again", [&] { list->addAsset(kept, true); }, "3:4", "3:4", ""},
+        {"remove", [&] { list->removeAsset(kept, true); }, "2:4", "2:4", "2:4"},
         {"the view refuses what fails",
-         [&] { EXPECT_FALSE(view->addAsset(OwnedPtr<Asset>(assetFor(8)), true)); },
-         {},
-         {},
-         {}},
-        {"add several: new objects lacking keep",
-         [&] { EXPECT_TRUE(list->addAssets(others, true)); },
-         {change(4, {6, 7})},
-         {change(4, {})},
-         {}},
-        {"remove several",
-         [&] { list->removeAssets(gone, true); },
-         {change(5, {1, 2})},
-         {change(5, {1, 2})},
-         {change(2, {1})}},
-        {"clear: the view empties silently", [&] { list->removeAll(); }, {change(6, {0})}, {}, {}},
+         [&] { EXPECT_FALSE(view->addAsset(OwnedPtr<Asset>(assetFor(8)), true)); }, "", "", ""},
+        {"add several: new objects lacking keep", [&] { EXPECT_TRUE(list->addAssets(others, true)); },
+         "4:6,7", "4:", ""},
+        {"remove several", [&] { list->removeAssets(gone, true); }, "5:1,2", "5:1,2", "2:1"},
+        {"clear: the view empties silently", [&] { list->removeAll(); }, "6:0", "", ""},
     };
     for (const auto& step : steps) {
         step.run();

@@ -108,6 +108,7 @@ TEST(Asset, PropertiesAndPathFollowEachOtherBothWaysAndClonesShareNothing) {
 }
 
 TEST(Asset, DamagedPicturesAndVideosAreAssetsWithoutThumbnails) {
+    ORVANTA_REQUIRE_TESTDATA();
     video();
     for (const char* name :
          {"jpeg-awkward/missing-sos.jpg", "video/mjpeg-320x240-pcm.avi", "video/none.mov"}) {

@@ -17,6 +17,7 @@
 #include "orvanta/codecs/GenericVideoCodec.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/foundation/OwnedPtr.h"
+#include "tests/foundation/TestEnvironment.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
 
@@ -204,14 +205,10 @@ TEST(FolderWalker, EntersEachFolderAtOnceAndStopsForAListenerOrACancelFromAnothe
 
 TEST(SpecialFolder, ComesFromTheUserDirectoriesFileWithTheXdgDefaults) {
     TempDir dir;
-    const std::string home = getenv("HOME") ? getenv("HOME") : "/";
-    setenv("HOME", dir.path().c_str(), 1);
-    setenv("XDG_CONFIG_HOME", "relative/ignored", 1);
+    const ScopedVariable home("HOME", dir.path().c_str()), config("XDG_CONFIG_HOME", "relative/ignored");
     touch(dir.file(".config/user-dirs.dirs"));
     writeFileBytes(dir.file(".config/user-dirs.dirs"), "XDG_DOCUMENTS_DIR=\"$HOME/Dokumente\"\n");
     EXPECT_EQ(dir.file("Dokumente"), SpecialFolder::getFolder(SpecialFolder::kPersonal).toUtf8());
     EXPECT_EQ(dir.file("Pictures"), SpecialFolder::getFolder(SpecialFolder::kMyPictures).toUtf8());
     EXPECT_EQ(u"", SpecialFolder::getFolder(static_cast<SpecialFolder::FolderID>(4)));
-    setenv("HOME", home.c_str(), 1);
-    unsetenv("XDG_CONFIG_HOME");
 }

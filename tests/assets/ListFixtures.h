@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -28,23 +29,25 @@ inline Orvanta::Asset* assetFor(
     return Asset::create(list);
 }
 
-// What a listener heard: each notification's code and ids (a selection's change as its one id).
+// What a listener heard: each notification's code and ids (a selection's change as its one id),
+// told as "code:n,n" per notification, n as in idFor(n) (0 for the null id).
 struct Heard : Orvanta::NotifierListener {
-    using Entry = std::pair<int, std::set<Orvanta::UniqueID>>;
     void onNotification(void*, const Orvanta::Notification& notification) override {
+        std::set<Orvanta::UniqueID> ids;
         if (const auto* change = dynamic_cast<const Orvanta::AssetSelection::Change*>(&notification))
-            entries.emplace_back(notification.getCode(), std::set<Orvanta::UniqueID>{change->getID()});
+            ids = {change->getID()};
         else
-            entries.emplace_back(notification.getCode(), Orvanta::AssetListChange::idsOf(notification));
+            ids = Orvanta::AssetListChange::idsOf(notification);
+        told += (told.empty() ? "" : " ") + std::to_string(notification.getCode()) + ":";
+        for (const Orvanta::UniqueID& id : ids) {
+            unsigned char bytes[Orvanta::UniqueID::kByteSize];
+            id.writeBytes(bytes);
+            told += std::to_string(bytes[15] | bytes[14] << 8) + (id == *ids.rbegin() ? "" : ",");
+        }
     }
-    std::vector<Entry> take() { return std::exchange(entries, {}); }
-    std::vector<Entry> entries;
+    // What was heard since the last call.
+    std::string take() { return std::exchange(told, {}); }
+    std::string told;
 };
-
-inline Heard::Entry change(int code, std::initializer_list<std::uint32_t> ns) {
-    std::set<Orvanta::UniqueID> ids;
-    for (std::uint32_t n : ns) ids.insert(n ? idFor(n) : Orvanta::UniqueID());
-    return {code, ids};
-}
 
 }  // namespace OrvantaTest

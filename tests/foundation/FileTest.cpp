@@ -160,14 +160,3 @@ TEST_F(FileTest, AMoveNeverReplacesAFileAndAcrossFileSystemsCopiesWithTimesThenD
     ASSERT_EQ(0, stat(dir.file("moved").c_str(), &info));
     EXPECT_EQ(1000000000, info.st_mtim.tv_sec);
 }
-
-TEST_F(FileTest, AMoveBetweenRealFileSystems) {
-    struct stat a, b;
-    if (stat(dir.path().c_str(), &a) != 0 || stat("/dev/shm", &b) != 0 || a.st_dev == b.st_dev)
-        GTEST_SKIP() << "no /dev/shm on another file system than the temporary folder";
-    TempDir memory("/dev/shm");
-    writeFileBytes(dir.file("photo.jpg"), "pixels");
-    EXPECT_TRUE(File::move(dir.wide("photo.jpg"), memory.wide("photo.jpg")));
-    EXPECT_EQ("pixels", readFileBytes(memory.file("photo.jpg")));
-    EXPECT_FALSE(std::filesystem::exists(dir.file("photo.jpg")));
-}

@@ -4,32 +4,17 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
 #include "orvanta/printing/PrintDialog.h"
 #include "orvanta/printing/TextPrintJob.h"
-#include "tests/support/CupsServer.h"
 #include "tests/printing/PrintFixtures.h"
+#include "tests/support/CupsServer.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/UiHarness.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
-
-namespace {
-
-std::string pdfText(const std::string& pdf) {
-    std::string text;
-    if (FILE* pipe = popen(("pdftotext -layout '" + pdf + "' - 2> /dev/null").c_str(), "r")) {
-        char buffer[4096];
-        for (std::size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) text.append(buffer, n);
-        pclose(pipe);
-    }
-    return text;
-}
-
-}  // namespace
 
 TEST(PrintDialog, KeysChooseThePrinterPaperAndCopiesAndACancelChangesNothing) {
     if (!CupsServer::available()) GTEST_SKIP() << "cupsd is not installed (the cups-daemon package)";
@@ -84,7 +69,8 @@ TEST(PrintText, OnePageOfWrappedTextCutAtTheBottomWithItsAmpersands) {
     for (int line = 1; line <= 400; ++line)
         text += u"\nline " + std::u16string(CString::fromUtf8(std::to_string(line)).c_str());
     ASSERT_TRUE(printText(printer, CString(text), nullptr, u"Notes"));
-    const std::string printed = pdfText(dir.file("text.pdf"));
+    const std::string printed =
+        commandOutput("pdftotext -layout '" + dir.file("text.pdf") + "' - 2> /dev/null");
     EXPECT_NE(std::string::npos, printed.find("Salt & pepper, café crème:")) << printed;
     EXPECT_NE(std::string::npos, printed.find("line 20\n")) << printed;
     EXPECT_EQ(std::string::npos, printed.find("line 400")) << "one page only, the rest cut";

@@ -4,14 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
+#include <sstream>
+#include <string_view>
 
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/ImageCodec.h"
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/platform/PrintDocument.h"
 #include "orvanta/printing/PrintTemplatePageRenderer.h"
+#include "tests/foundation/TestEnvironment.h"
 #include "tests/printing/PrintFixtures.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestPictures.h"
@@ -42,49 +44,33 @@ constexpr Rgb kWhite{255, 255, 255}, kBlack{0, 0, 0}, kGrey{128, 128, 128};
 }  // namespace
 
 // The box (5, 5)-(15, 15) in black over grey: a hairline closes on its right and bottom edges, a wide
-// solid pen is centred on the edges, a wide dotted one stays inside the frame.
+// solid pen is centred on the edges, a wide dotted one stays inside the frame. The pixels checked lie
+// on the diagonal: "4B" is black at (4, 4); W white, G the grey fill.
 TEST(DrawBox, HairlinesCoverTheEdgesWidePensSitOnOrInsideTheFrame) {
     const struct {
         int width;
         bool dotted;
         COLORREF fill;
-        std::vector<std::pair<CPoint, Rgb>> pixels;
-    } cases[] = {
-        {1,
-         false,
-         0x808080,
-         {{{5, 5}, kBlack}, {{15, 15}, kBlack}, {{15, 9}, kBlack}, {{10, 10}, kGrey}, {{16, 16}, kWhite}}},
-        {1,
-         true,
-         0x808080,
-         {{{5, 5}, kWhite}, {{6, 6}, kBlack}, {{14, 14}, kBlack}, {{15, 15}, kWhite}, {{10, 10}, kGrey}}},
-        {3,
-         false,
-         0x808080,
-         {{{3, 3}, kWhite},
-          {{4, 4}, kBlack},
-          {{6, 6}, kBlack},
-          {{7, 7}, kGrey},
-          {{15, 15}, kBlack},
-          {{16, 16}, kWhite}}},
-        {3,
-         true,
-         0x808080,
-         {{{4, 4}, kWhite},
-          {{5, 5}, kBlack},
-          {{7, 7}, kBlack},
-          {{8, 8}, kGrey},
-          {{14, 14}, kBlack},
-          {{15, 15}, kWhite}}},
-        {1, false, kNoColor, {{{10, 10}, kWhite}, {{15, 15}, kBlack}}},
-    };
+        const char* diagonal;
+    } cases[] = {{1, false, 0x808080, "5B 15B 10G 16W"},
+                 {1, true, 0x808080, "5W 6B 14B 15W 10G"},
+                 {3, false, 0x808080, "3W 4B 6B 7G 15B 16W"},
+                 {3, true, 0x808080, "4W 5B 7B 8G 14B 15W"},
+                 {1, false, kNoColor, "10W 15B"}};
+    const Rgb kColours[] = {kBlack, kGrey, kWhite};
     for (const auto& c : cases) {
         Paper paper;
         drawBox(paper.canvas.get(), CRect(5, 5, 15, 15), c.fill, c.width, 0, c.dotted);
-        for (const auto& [at, colour] : c.pixels)
-            EXPECT_EQ(colour, pixelAt(paper.dib, at.x, at.y))
-                << "width " << c.width << (c.dotted ? " dotted" : "") << " at " << at.x << "," << at.y;
+        std::istringstream points(c.diagonal);
+        int at;
+        for (char colour; points >> at >> colour;)
+            EXPECT_EQ(kColours[std::string_view("BGW").find(colour)], pixelAt(paper.dib, at, at))
+                << "width " << c.width << (c.dotted ? " dotted" : "") << " at " << at;
     }
+    // A hairline also covers the right edge away from the corner.
+    Paper paper;
+    drawBox(paper.canvas.get(), CRect(5, 5, 15, 15), 0x808080, 1, 0, false);
+    EXPECT_EQ(kBlack, pixelAt(paper.dib, 15, 9));
 }
 
 namespace {
@@ -104,16 +90,6 @@ protected:
         renderer = PrintTemplatePageRenderer::create();
         writeQuadrantJpeg(dir.file("small.jpg"), 640, 480);
         writeQuadrantJpeg(dir.file("large.jpg"), 1600, 1200);
-        std::filesystem::create_directory(dir.file("tmp"));
-        const char* old = std::getenv("TMPDIR");
-        oldTmp = old ? old : "";
-        setenv("TMPDIR", dir.file("tmp").c_str(), 1);
-    }
-    void TearDown() override {
-        if (oldTmp.empty())
-            unsetenv("TMPDIR");
-        else
-            setenv("TMPDIR", oldTmp.c_str(), 1);
     }
     // The page drawn on Letter at 300 dpi, printable everywhere, into page.pdf.
     void printPage(unsigned maxDpi, bool directJpeg) {
@@ -127,8 +103,8 @@ protected:
         page->setAsset(Platform::Canvas::createScreenContext().get(), slot, asset);
     }
 
-    TempDir dir;
-    std::string oldTmp;
+    TempDir dir, tmp;
+    ScopedVariable tmpdir{"TMPDIR", tmp.path().c_str()};
     OwnedPtr<PrintTemplate> design;
     OwnedPtr<PrintTemplatePage> page;
     OwnedPtr<PrintTemplatePageRenderer> renderer;
@@ -159,7 +135,7 @@ TEST_F(PageRendering, APdfPageTakesUnchangedFilesAsTheyAreAndChangedOrCappedOnes
     const std::string source = readFileBytes(dir.file("small.jpg"));
     EXPECT_TRUE(blocks[0] == source);
     EXPECT_FALSE(blocks[1] == source);
-    EXPECT_EQ(0u, std::distance(std::filesystem::directory_iterator(dir.file("tmp")), {}));
+    EXPECT_EQ(0u, tmp.count());
 }
 
 // With the screen's resolution as the limit the working copy (192 x 144) is drawn, even on a
