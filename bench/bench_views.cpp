@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "bench/BenchData.h"
+#include "bench/BenchScreen.h"
 #include "orvanta/assets/AssetDb.h"
 #include "orvanta/assets/CatalogueFormat.h"
 #include "orvanta/assets/SortedAssetList.h"
@@ -43,6 +44,8 @@
 #include "orvanta/views/ThumbnailControl.h"
 
 using namespace Orvanta;
+using OrvantaBench::runUntilIdle;
+using Screen = OrvantaBench::BenchScreen;
 
 namespace {
 
@@ -57,12 +60,6 @@ double msSince(Clock::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-void runUntilIdle(Container* root) {
-    MSG msg;
-    while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE))
-        if (!processMessage(&msg, root)) Platform::dispatchMessage(&msg);
-}
-
 long long residentKilobytes() {
     std::ifstream status("/proc/self/status");
     std::string line;
@@ -70,21 +67,6 @@ long long residentKilobytes() {
         if (line.rfind("VmRSS:", 0) == 0) return std::atoll(line.c_str() + 6);
     return 0;
 }
-
-struct Screen {
-    HWND window;
-    OwnedPtr<Container> root;
-    Screen() {
-        window =
-            Platform::Window::create(nullptr, CRect(CPoint(0, 0), kScreen), WS_OVERLAPPEDWINDOW, nullptr);
-        root = Container::create(window);
-        window->show(true);
-    }
-    ~Screen() {
-        root = nullptr;
-        window->destroy();
-    }
-};
 
 std::string workDir() {
     const char* base = std::getenv("TMPDIR");
@@ -161,7 +143,7 @@ void BM_GridScroll1000000Assets(benchmark::State& state) {
     OwnedPtr<AssetDb> db = AssetDb::create(CString::fromUtf8(catalogue(1000000)));
     OwnedPtr<SortedAssetList> view = db->createSorted(Asset::kPropTimestamp, true, nullptr);
     OwnedPtr<ThumbnailDb> store = thumbnails(view, (kScrollRows + 8) * 12, "thumbs-1000000.db");
-    Screen screen;
+    Screen screen(kScreen);
     ThumbnailControl* control = grid(screen, store, view);
     runUntilIdle(screen.root);
     std::vector<double> frames;
@@ -197,7 +179,7 @@ void BM_StartToFirstGrid100000Assets(benchmark::State& state) {
         OwnedPtr<ThumbnailDb> store = thumbnails(view, 200, "thumbs-100000.db");
     }
     for (auto _ : state) {
-        Screen screen;
+        Screen screen(kScreen);
         const auto start = Clock::now();
         OwnedPtr<AssetDb> db = AssetDb::create(CString::fromUtf8(path));
         OwnedPtr<SortedAssetList> view = db->createSorted(Asset::kPropTimestamp, true, nullptr);
@@ -223,7 +205,7 @@ void BM_Photo24OpenToFullScreen(benchmark::State& state) {
         return;
     }
     jpeg();
-    Screen screen;
+    Screen screen(kScreen);
     ImageControl* control = ImageControl::create(true);
     control->setRect(CRect(CPoint(0, 0), kScreen));
     screen.root->add(control, true);
@@ -259,7 +241,7 @@ void BM_Photo24RedeyeClick(benchmark::State& state) {
         state.SkipWithError("no benchmark photographs");
         return;
     }
-    Screen screen;
+    Screen screen(kScreen);
     ImageControl* control = ImageControl::create(true);
     control->setRect(CRect(CPoint(0, 0), kScreen));
     screen.root->add(control, true);
@@ -287,11 +269,5 @@ BENCHMARK(BM_Photo24RedeyeClick)->Unit(benchmark::kMillisecond)->UseManualTime()
 }  // namespace
 
 int main(int argc, char** argv) {
-    setenv("SDL_VIDEODRIVER", "offscreen", 0);
-    init();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    deinit();
-    return 0;
+    return OrvantaBench::runScreenBenchmarks(argc, argv);
 }

@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <string>
 
+#include "bench/BenchScreen.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/Window.h"
@@ -22,30 +23,12 @@
 #include "orvanta/toolkit/ListView.h"
 
 using namespace Orvanta;
+using OrvantaBench::runUntilIdle;
+using Screen = OrvantaBench::BenchScreen;
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-void runUntilIdle(Container* root) {
-    MSG msg;
-    while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE))
-        if (!processMessage(&msg, root)) Platform::dispatchMessage(&msg);
-}
-
-struct Screen {
-    HWND window;
-    OwnedPtr<Container> root;
-    explicit Screen(CSize size) {
-        window = Platform::Window::create(nullptr, CRect(CPoint(0, 0), size), WS_OVERLAPPEDWINDOW, nullptr);
-        root = Container::create(window);
-        window->show(true);
-    }
-    ~Screen() {
-        root = nullptr;
-        window->destroy();
-    }
-};
 
 ListView* makeList(Screen& screen, int rows) {
     ListView* view = ListView::create(1);
@@ -148,11 +131,5 @@ BENCHMARK(BM_FolderTreeOpen10000Folders)->Unit(benchmark::kMillisecond)->Iterati
 }  // namespace
 
 int main(int argc, char** argv) {
-    setenv("SDL_VIDEODRIVER", "offscreen", 0);
-    init();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    deinit();
-    return 0;
+    return OrvantaBench::runScreenBenchmarks(argc, argv);
 }

@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/BenchScreen.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/Window.h"
@@ -22,30 +23,12 @@
 #include "orvanta/toolkit/Label.h"
 
 using namespace Orvanta;
+using OrvantaBench::runUntilIdle;
+using Screen = OrvantaBench::BenchScreen;
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-void runUntilIdle(Container* root) {
-    MSG msg;
-    while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE))
-        if (!processMessage(&msg, root)) Platform::dispatchMessage(&msg);
-}
-
-struct Screen {
-    HWND window;
-    OwnedPtr<Container> root;
-    explicit Screen(CSize size) {
-        window = Platform::Window::create(nullptr, CRect(CPoint(0, 0), size), WS_OVERLAPPEDWINDOW, nullptr);
-        root = Container::create(window);
-        window->show(true);
-    }
-    ~Screen() {
-        root = nullptr;
-        window->destroy();
-    }
-};
 
 void BM_FullRepaint500Controls(benchmark::State& state) {
     Screen screen(CSize(1920, 1080));
@@ -168,13 +151,5 @@ BENCHMARK(BM_LoopThroughputSameThread);
 }  // namespace
 
 int main(int argc, char** argv) {
-    // The library's figures, on the offscreen display; SDL_VIDEODRIVER=x11 with DISPLAY set measures
-    // the same on an X server (the wait inside SDL, presentation through the server).
-    setenv("SDL_VIDEODRIVER", "offscreen", 0);
-    init();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    deinit();
-    return 0;
+    return OrvantaBench::runScreenBenchmarks(argc, argv);
 }
