@@ -1,6 +1,6 @@
 #pragma once
-// PictureScreen: one photo in an ImageControl, with the bar of what can be done to it above and the
-// file's name below.
+// PictureScreen: one photo in an ImageControl, with the bar of what can be done to it above and, below,
+// the file's name and what is done with the file as a whole (save, revert, wallpaper, print).
 //
 // Contract: the buttons report to the listener with the commands of Commands.h. The screen shows
 // what it is given (setPicture) and knows nothing of files or history: the application decides.
