@@ -175,26 +175,33 @@ int TextLayout::moveVisually(int position, int direction) const {
     return positionOfByte(index, trailing);
 }
 
-int TextLayout::nextCursorPosition(int position, bool forward) const {
+namespace {
+
+// The code point after (or before) c whose attributes pass test, or the text's end it reaches.
+template <typename Test>
+int nextCharWhere(PangoLayout* layout, int c, int last, bool forward, Test test) {
     int count = 0;
-    const PangoLogAttr* attrs = pango_layout_get_log_attrs_readonly(mLayout, &count);
-    int c = charOf(position);
-    const int last = static_cast<int>(mUnitOfChar.size()) - 1;
+    const PangoLogAttr* attrs = pango_layout_get_log_attrs_readonly(layout, &count);
     do {
         c += forward ? 1 : -1;
-    } while (c > 0 && c < last && c < count && !attrs[c].is_cursor_position);
-    return mUnitOfChar[std::clamp(c, 0, last)];
+    } while (c > 0 && c < last && c < count && !test(attrs[c]));
+    return std::clamp(c, 0, last);
+}
+
+}  // namespace
+
+int TextLayout::nextCursorPosition(int position, bool forward) const {
+    const int c = charOf(position);  // builds the index on first need
+    const int last = static_cast<int>(mUnitOfChar.size()) - 1;
+    return mUnitOfChar[nextCharWhere(mLayout, c, last, forward,
+                                     [](const PangoLogAttr& a) { return a.is_cursor_position; })];
 }
 
 int TextLayout::nextWordStart(int position, bool forward) const {
-    int count = 0;
-    const PangoLogAttr* attrs = pango_layout_get_log_attrs_readonly(mLayout, &count);
-    int c = charOf(position);
+    const int c = charOf(position);  // builds the index on first need
     const int last = static_cast<int>(mUnitOfChar.size()) - 1;
-    do {
-        c += forward ? 1 : -1;
-    } while (c > 0 && c < last && c < count && !attrs[c].is_word_start);
-    return mUnitOfChar[std::clamp(c, 0, last)];
+    return mUnitOfChar[nextCharWhere(mLayout, c, last, forward,
+                                     [](const PangoLogAttr& a) { return a.is_word_start; })];
 }
 
 int TextLayout::backspaceStart(int position) const {
