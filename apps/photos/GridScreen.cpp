@@ -1,6 +1,7 @@
 #include "apps/photos/GridScreen.h"
 
 #include "apps/photos/Commands.h"
+#include "apps/photos/ScreenLayout.h"
 #include "orvanta/assets/Asset.h"
 #include "orvanta/platform/Canvas.h"
 #include "orvanta/toolkit/PackedContainer.h"
@@ -38,16 +39,8 @@ public:
 }  // namespace
 
 GridScreen::GridScreen(ThumbnailDb* thumbnails, CommandListener* listener) {
-    mRoot = GridContainer::create(3, 1);
-    mRoot->setRowSpec(0, GridContainer::kFit);
-    mRoot->setRowSpec(1, GridContainer::kFlexible);
-    mRoot->setRowSpec(2, GridContainer::kFit);
-    mRoot->setColSpec(0, GridContainer::kFlexible);
-    mRoot->setAlignment(Control::AlignFill, Control::AlignFill);
-
-    PackedContainer* bar = PackedContainer::create(true);
-    bar->setPackDirection(Control::AlignLeft);
-    bar->setMargin(4, Style::kBorders);
+    mRoot = ScreenLayout::barsAroundView();
+    PackedContainer* bar = ScreenLayout::buttonBar();
     TextButton* import = TextButton::create(kImport, u"Import folder…", listener);
     bar->add(import, true);
     mSort = DropDown::create(kSortChoice, listener);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "apps/photos/Commands.h"
+#include "apps/photos/ScreenLayout.h"
 #include "orvanta/platform/Canvas.h"
 #include "orvanta/platform/Cursor.h"
 #include "orvanta/toolkit/PackedContainer.h"
@@ -13,16 +14,8 @@ using namespace Orvanta;
 namespace OrvantaPhotos {
 
 PictureScreen::PictureScreen(CommandListener* listener) {
-    mRoot = GridContainer::create(3, 1);
-    mRoot->setRowSpec(0, GridContainer::kFit);
-    mRoot->setRowSpec(1, GridContainer::kFlexible);
-    mRoot->setRowSpec(2, GridContainer::kFit);
-    mRoot->setColSpec(0, GridContainer::kFlexible);
-    mRoot->setAlignment(Control::AlignFill, Control::AlignFill);
-
-    PackedContainer* bar = PackedContainer::create(true);
-    bar->setPackDirection(Control::AlignLeft);
-    bar->setMargin(4, Style::kBorders);
+    mRoot = ScreenLayout::barsAroundView();
+    PackedContainer* bar = ScreenLayout::buttonBar();
     const struct {
         int id;
         const char16_t* text;

@@ -115,8 +115,13 @@ void PrintPreviewDialog::onEvent(Event*) {
 
 void PrintPreviewDialog::onCommand(Control* source, int command) {
     if (source == mLayouts && command == CommandListener::kSelectionChanged) applyLayout();
-    if (command == kPreviousPage) mPreview->previousPage(), showPageNumber();
-    if (command == kNextPage) mPreview->nextPage(), showPageNumber();
+    if (command == kPreviousPage || command == kNextPage) {
+        if (command == kPreviousPage)
+            mPreview->previousPage();
+        else
+            mPreview->nextPage();
+        showPageNumber();
+    }
     if (command == IDOK || command == IDCANCEL) close(command);
 }
 
