@@ -100,7 +100,9 @@ unsigned char* PixelBlocks::allocatePicture(std::size_t size, Contents contents)
         b.kept.erase(std::next(it).base());
         b.handedOut.emplace(block, Mapping{length, true});
         lock.unlock();
-        if (contents == kZeroed) std::memset(block, 0, size);
+        // Dropped rather than cleared: the pages come back zeroed as they are touched, so a picture
+        // that is never written whole (a file cut short) holds no more memory than it uses.
+        if (contents == kZeroed) madvise(block, length, MADV_DONTNEED);
         return block;
     }
     return mapBlock(size, true, b, lock);
