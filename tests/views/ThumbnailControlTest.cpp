@@ -15,11 +15,16 @@
 #include "orvanta/codecs/Image.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/platform/Canvas.h"
+#include "orvanta/platform/Cursor.h"
+#include "orvanta/platform/Display.h"
+#include "orvanta/platform/MouseTracker.h"
 #include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/Tooltip.h"
 #include "orvanta/views/ThumbnailControl.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/UiHarness.h"
+#include "tests/support/XvfbServer.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -65,6 +70,9 @@ public:
     std::set<int> refused;
     bool takeClicks = false;
     std::vector<Direction> arrows;
+    // What the pointer did, as "+4" (entered cell 4's picture) or "-4b" (left its bottom annotation).
+    std::vector<std::string> pointer;
+    std::vector<UINT> edits;
 
     COLORREF getCellBkColor(const Cell& cell) override { return RGB(200, 180 + (index(cell) * 7) % 70, 190); }
     void drawAnnotation(HDC dc, const Cell& cell, Padding::Side side) override {
@@ -79,6 +87,28 @@ public:
     }
     bool canSelectCell(const Cell& cell) override { return !refused.count(index(cell)); }
     bool onClick(const Cell&, ClickEvent) override { return takeClicks; }
+    bool onEditCommand(UINT message) override {
+        edits.push_back(message);
+        return message == WM_PASTE;
+    }
+    bool onMouse(const Cell& cell, MouseEvent event) override {
+        pointer.push_back((event == MouseEvent::Enter ? "+" : "-") + std::to_string(index(cell)));
+        return false;
+    }
+    // The caption below each picture is hot and tells the cell's number.
+    bool onMouseAnnotation(const Cell& cell, Padding::Side side, MouseEvent event) override {
+        pointer.push_back((event == MouseEvent::Enter ? "+" : "-") + std::to_string(index(cell)) +
+                          (side == Padding::Bottom ? "b" : "o"));
+        if (side != Padding::Bottom) return false;
+        if (event == MouseEvent::Leave) {
+            removeTooltip(index(cell));
+            return false;
+        }
+        const CRect whole = getThumbnailControl()->cellRect(cell, true);
+        addTooltip(CString::fromUtf8("Photo " + std::to_string(index(cell))), index(cell),
+                   CRect(whole.left, whole.bottom - 9, whole.right, whole.bottom));
+        return true;
+    }
     void moveToNext(Direction direction, bool extend) override {
         arrows.push_back(direction);
         ThumbnailControlHelper::moveToNext(direction, extend);
@@ -95,8 +125,8 @@ public:
 };
 
 struct Grid {
-    Grid(int rows, int cols, int count, CSize window = CSize(230, 170))
-        : ui(window), catalogue(count, CSize(40, 30)), helper(new TestHelper()) {
+    Grid(int rows, int cols, int count, CSize window = CSize(230, 170), bool offscreen = true)
+        : ui(window, CPoint(40, 30), offscreen), catalogue(count, CSize(40, 30)), helper(new TestHelper()) {
         control = ThumbnailControl::create(rows, cols, 40, 30, catalogue.store, true, &commands, helper);
         control->setAnnotation(6, Padding::Bottom);
         control->setPadding(5, Padding::kAll);
@@ -315,6 +345,23 @@ TEST(ThumbnailControl, TheMouseBandsDragsAndDefersToTheHelper) {
     grid.ui.repaintAll();
     EXPECT_EQ(after, grid.ui.pixels());  // no bar left behind
 
+    // Dropped on another window of the program the cells say which; where there is none, nothing.
+    Platform::Window* other = Platform::Window::create(nullptr, CRect(300, 60, 420, 160), WS_POPUP, nullptr);
+    other->show(true);
+    for (const CPoint& outside : {CPoint(300, 50), CPoint(600, 50)}) {
+        grid.commands.heard.clear();
+        grid.ui.mouseDown(grid.centre(1));
+        grid.ui.mouseMove(CPoint(grid.centre(1).x + 10, grid.centre(1).y));
+        grid.ui.mouseMove(outside);
+        grid.ui.mouseUp(outside);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ(-1, control->getDropIndex());
+        EXPECT_EQ(outside.x == 300 ? other : nullptr, control->getDropWindow());
+        EXPECT_EQ(outside.x == 300, std::count(grid.commands.heard.begin(), grid.commands.heard.end(),
+                                               ThumbnailControl::kDropped) == 1);
+    }
+    other->destroy();
+
     // Held below the window, a band scrolls the grid on the timer, keeping its first corner.
     grid.ui.mouseDown(CPoint(1, 1));
     grid.ui.mouseMove(CPoint(100, 400));
@@ -330,6 +377,89 @@ TEST(ThumbnailControl, TheMouseBandsDragsAndDefersToTheHelper) {
     grid.ui.click(grid.centre(2 + 3 * control->getFirstRow()));
     grid.ui.runUntilIdle();
     EXPECT_EQ(before, grid.selected());
+}
+
+TEST(ThumbnailControl, ThePointerIsToldToTheHelperWhichShowsAHandAndATooltipOverItsCaption) {
+    Grid grid(ThumbnailControl::kGrow, ThumbnailControl::kFit, 10);
+    ThumbnailControl* control = grid.control;
+    const CRect four = control->cellRect(control->cellFromIndex(4), true);
+    const CPoint caption(four.left + 20, four.bottom - 4);
+    const auto cursor = [] { return Platform::Cursor::current() ? Platform::Cursor::current()->getId() : 0; };
+    const int hover = Platform::MouseTracker::kDefaultHoverTime + 200;
+    grid.ui.mouseMove(grid.centre(4));
+    grid.ui.mouseMove(CPoint(grid.centre(4).x + 2, grid.centre(4).y + 2));  // within the picture: nothing new
+    grid.ui.runUntilIdle();
+    EXPECT_EQ(IDC_ARROW, cursor());
+    grid.ui.mouseMove(caption);
+    grid.ui.runFor(hover);
+    EXPECT_EQ(IDC_HAND, cursor());
+    const Tooltip* tooltip = control->getTooltipWindow();
+    ASSERT_NE(tooltip, nullptr);
+    EXPECT_TRUE(tooltip->isShown());
+    EXPECT_EQ(u"Photo 4", tooltip->getText().str());
+    grid.ui.mouseMove(CPoint(caption.x + 3, caption.y));  // still in the caption
+    grid.ui.runUntilIdle();
+    EXPECT_TRUE(tooltip->isShown());
+    grid.ui.mouseMove(grid.centre(5));
+    grid.ui.runUntilIdle();
+    EXPECT_FALSE(tooltip->isShown());
+    EXPECT_EQ(IDC_ARROW, cursor());
+    // Back on the caption, a press hides the tooltip; leaving the window ends the hot part.
+    grid.ui.mouseMove(caption);
+    grid.ui.runFor(hover);
+    EXPECT_TRUE(tooltip->isShown());
+    grid.ui.mouseDown(caption);
+    grid.ui.mouseUp(caption);
+    grid.ui.runUntilIdle();
+    EXPECT_FALSE(tooltip->isShown());
+    grid.ui.mouseMove(grid.centre(0));
+    grid.ui.mouseLeave();
+    grid.ui.runUntilIdle();
+    EXPECT_EQ((std::vector<std::string>{"+4", "-4", "+4b", "-4b", "+5", "-5", "+4b", "-4b", "+0", "-0"}),
+              grid.helper->pointer);
+    EXPECT_TRUE(control->getHotCell().isNull());
+}
+
+// On a private X server, so that another program (xclip) pastes what the grid put on the clipboard.
+TEST(ThumbnailControl, CopyAndCutGiveTheSelectedFilesToOtherProgramsAndTheHelperSeesEachFirst) {
+    if (!XvfbServer::available() || std::system("command -v xclip >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "Xvfb or xclip is missing";
+    XvfbServer server(320, 240);
+    ASSERT_TRUE(server.isRunning());
+    Platform::Display::instance().close();
+    setenv("DISPLAY", server.display().c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("SDL_VIDEODRIVER");
+    {
+        Grid grid(ThumbnailControl::kGrow, 3, 0, CSize(230, 170), false);
+        OwnedPtr<MemAssetList> files = MemAssetList::create();
+        const FILETIME time{1, 0};
+        for (const char16_t* path : {u"/photos/a.jpg", u"/photos/b b.jpg", u"/photos/c.jpg"})
+            files->addAsset(OwnedPtr<Asset>(Asset::create(UniqueID::create(), path, &time, &time)), false);
+        grid.control->setList(files);
+        grid.control->select(Cell(0, 1));
+        grid.control->select(Cell(0, 2));
+        const auto paste = [&](const std::string& target) {
+            const std::string out = grid.catalogue.dir.file("pasted");
+            EXPECT_EQ(0, server.run("xclip -o -selection clipboard -t '" + target + "' > '" + out + "'"));
+            return readFileBytes(out);
+        };
+        grid.ui.pressKey(SDLK_c, false, true);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ("file:///photos/b%20b.jpg\r\nfile:///photos/c.jpg\r\n", paste("text/uri-list"));
+        EXPECT_EQ("copy\nfile:///photos/b%20b.jpg\nfile:///photos/c.jpg",
+                  paste("x-special/gnome-copied-files"));
+        grid.ui.pressKey(SDLK_x, false, true);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ("cut\nfile:///photos/b%20b.jpg\nfile:///photos/c.jpg",
+                  paste("x-special/gnome-copied-files"));
+        for (int key : {SDLK_v, SDLK_z}) grid.ui.pressKey(key, false, true);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ((std::vector<UINT>{WM_COPY, WM_CUT, WM_PASTE, WM_UNDO}), grid.helper->edits);
+    }
+    Platform::Display::instance().close();
+    unsetenv("DISPLAY");
+    UiHarness::useTestEnvironment();
 }
 
 TEST(ThumbnailControl, AssetsAddedOnAnotherThreadReachTheGridOnItsOwn) {
