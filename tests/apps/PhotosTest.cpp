@@ -23,6 +23,8 @@
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
+#include "orvanta/platform/MouseTracker.h"
+#include "orvanta/toolkit/Tooltip.h"
 #include "tests/support/CupsServer.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
@@ -134,6 +136,13 @@ TEST_F(PhotosTest, AFolderIsImportedOnceWithItsThumbnailsMadeAndItsViewsSortAndF
             for (int c = 0; c < 3; ++c) error += std::abs(static_cast<int>((shown >> (8 * c)) & 0xFF) - grey);
         }
     EXPECT_LT(error / (3 * size.cx * size.cy), 4) << "mean difference per channel";
+    // Resting on the caption shows the whole name.
+    const CRect whole = screen.grid()->cellRect(ThumbnailCell(0, 0), true);
+    ui.mouseMove(ui.window()->screenToClient(
+        screen.grid()->getHWND()->clientToScreen(CPoint(whole.left + 20, whole.bottom - 8))));
+    ui.runFor(Platform::MouseTracker::kDefaultHoverTime + 200);
+    ASSERT_NE(screen.grid()->getTooltipWindow(), nullptr);
+    EXPECT_EQ(u"d-clip.mp4", screen.grid()->getTooltipWindow()->getText().str());
 }
 
 TEST_F(PhotosTest, SavedEditsEqualTheHostsInPlaceEditsAndTheFirstOriginalIsKept) {
