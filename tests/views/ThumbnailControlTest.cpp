@@ -381,43 +381,40 @@ TEST(ThumbnailControl, TheMouseBandsDragsAndDefersToTheHelper) {
 
 TEST(ThumbnailControl, ThePointerIsToldToTheHelperWhichShowsAHandAndATooltipOverItsCaption) {
     Grid grid(ThumbnailControl::kGrow, ThumbnailControl::kFit, 10);
-    ThumbnailControl* control = grid.control;
-    const CRect four = control->cellRect(control->cellFromIndex(4), true);
-    const CPoint caption(four.left + 20, four.bottom - 4);
-    const auto cursor = [] { return Platform::Cursor::current() ? Platform::Cursor::current()->getId() : 0; };
-    const int hover = Platform::MouseTracker::kDefaultHoverTime + 200;
-    grid.ui.mouseMove(grid.centre(4));
-    grid.ui.mouseMove(CPoint(grid.centre(4).x + 2, grid.centre(4).y + 2));  // within the picture: nothing new
-    grid.ui.runUntilIdle();
-    EXPECT_EQ(IDC_ARROW, cursor());
-    grid.ui.mouseMove(caption);
-    grid.ui.runFor(hover);
-    EXPECT_EQ(IDC_HAND, cursor());
-    const Tooltip* tooltip = control->getTooltipWindow();
-    ASSERT_NE(tooltip, nullptr);
-    EXPECT_TRUE(tooltip->isShown());
-    EXPECT_EQ(u"Photo 4", tooltip->getText().str());
-    grid.ui.mouseMove(CPoint(caption.x + 3, caption.y));  // still in the caption
-    grid.ui.runUntilIdle();
-    EXPECT_TRUE(tooltip->isShown());
-    grid.ui.mouseMove(grid.centre(5));
-    grid.ui.runUntilIdle();
-    EXPECT_FALSE(tooltip->isShown());
-    EXPECT_EQ(IDC_ARROW, cursor());
-    // Back on the caption, a press hides the tooltip; leaving the window ends the hot part.
-    grid.ui.mouseMove(caption);
-    grid.ui.runFor(hover);
-    EXPECT_TRUE(tooltip->isShown());
-    grid.ui.mouseDown(caption);
-    grid.ui.mouseUp(caption);
-    grid.ui.runUntilIdle();
-    EXPECT_FALSE(tooltip->isShown());
-    grid.ui.mouseMove(grid.centre(0));
-    grid.ui.mouseLeave();
-    grid.ui.runUntilIdle();
+    const CRect four = grid.control->cellRect(grid.control->cellFromIndex(4), true);
+    const CPoint caption(four.left + 20, four.bottom - 4), picture = grid.centre(4);
+    enum Act { Move, Rest, Press, Leave };
+    struct Step {
+        Act act;
+        CPoint at;
+        int cursor;  // 0: not looked at
+        bool tooltip;
+    };
+    const Step steps[] = {
+        {Move, picture, IDC_ARROW, false},
+        {Move, CPoint(picture.x + 2, picture.y + 2), IDC_ARROW, false},  // within the picture: nothing new
+        {Rest, caption, IDC_HAND, true},
+        {Move, CPoint(caption.x + 3, caption.y), IDC_HAND, true},  // still in the caption
+        {Move, grid.centre(5), IDC_ARROW, false},
+        {Rest, caption, IDC_HAND, true},
+        {Press, caption, 0, false},
+        {Move, grid.centre(0), IDC_ARROW, false},
+        {Leave, CPoint(), 0, false},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(testing::Message() << "step " << (&step - steps));
+        if (step.act == Leave) grid.ui.mouseLeave();
+        if (step.act == Press) grid.ui.click(step.at);
+        if (step.act == Move || step.act == Rest) grid.ui.mouseMove(step.at);
+        grid.ui.runFor(step.act == Rest ? Platform::MouseTracker::kDefaultHoverTime + 200 : 0);
+        if (step.cursor) EXPECT_EQ(step.cursor, Platform::Cursor::current()->getId());
+        const Tooltip* tooltip = grid.control->getTooltipWindow();
+        EXPECT_EQ(step.tooltip, tooltip && tooltip->isShown());
+        if (step.tooltip) EXPECT_EQ(u"Photo 4", tooltip->getText().str());
+    }
     EXPECT_EQ((std::vector<std::string>{"+4", "-4", "+4b", "-4b", "+5", "-5", "+4b", "-4b", "+0", "-0"}),
               grid.helper->pointer);
-    EXPECT_TRUE(control->getHotCell().isNull());
+    EXPECT_TRUE(grid.control->getHotCell().isNull());
 }
 
 // On a private X server, so that another program (xclip) pastes what the grid put on the clipboard.
