@@ -16,23 +16,41 @@ namespace {
 
 constexpr int kCaption = 16;
 
-// Captions each cell with its file's name and marks the current cell.
+// The tooltip of the caption under the pointer: one at a time.
+constexpr unsigned kCaptionTip = 1;
+
+// Captions each cell with its file's name (whole in a tooltip, where the caption cuts it short) and
+// marks the current cell.
 class CaptionHelper : public ThumbnailControlHelper {
 public:
     void drawAnnotation(HDC dc, const ThumbnailCell& cell, Padding::Side side) override {
         if (side != Padding::Bottom) return;
-        ThumbnailControl* grid = getThumbnailControl();
-        Asset* asset = grid->getAsset(cell);
+        Asset* asset = getThumbnailControl()->getAsset(cell);
         if (!asset) return;
-        const CRect whole = grid->cellRect(cell, true);
-        CRect text(whole.left + 4, whole.bottom - kCaption - 2, whole.right - 4, whole.bottom - 2);
+        CRect text = captionRect(cell);
         dc->setTextColor(RGB(40, 40, 40));
         dc->setBkOpaque(false);
         dc->drawText(asset->getProperties()->getValue(Asset::kPropFilename).asString(), &text,
                      DT_CENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
     }
+    bool onMouseAnnotation(const ThumbnailCell& cell, Padding::Side side, MouseEvent event) override {
+        if (side != Padding::Bottom) return false;
+        removeTooltip(kCaptionTip);
+        Asset* asset = event == MouseEvent::Enter ? getThumbnailControl()->getAsset(cell) : nullptr;
+        if (asset)
+            addTooltip(asset->getProperties()->getValue(Asset::kPropFilename).asString(), kCaptionTip,
+                       captionRect(cell));
+        // A caption is read, not clicked.
+        return false;
+    }
     void drawFocusHighlight(HDC dc, const ThumbnailCell& cell, bool) override {
         WidgetLook::drawFocusRect(dc, getThumbnailControl()->cellRect(cell, true));
+    }
+
+private:
+    CRect captionRect(const ThumbnailCell& cell) {
+        const CRect whole = getThumbnailControl()->cellRect(cell, true);
+        return CRect(whole.left + 4, whole.bottom - kCaption - 2, whole.right - 4, whole.bottom - 2);
     }
 };
 

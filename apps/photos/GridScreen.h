@@ -4,7 +4,8 @@
 //
 // Contract: the screen's controls report to the listener given at construction with the commands of
 // Commands.h (kImport, kSortChoice, kFilterText, kPrint) and the grid's own (kCellActivated opens a photo).
-// Each cell is captioned with the file's name, shown as it is (an '&' is no mnemonic).
+// Each cell is captioned with the file's name, shown as it is (an '&' is no mnemonic); the pointer
+// resting on a caption shows the whole name in a tooltip.
 
 #include "orvanta/toolkit/DropDown.h"
 #include "orvanta/toolkit/Edit.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <thread>
 
 #include "VideoStock.h"
@@ -116,7 +117,12 @@ bool PhotosApp::start() {
         mInstance =
             std::make_unique<SingleInstance>(u"OrvantaPhotos", u"OrvantaPhotosWindow", u"OrvantaPhotosOpen");
         if (!mInstance->isFirstInstance()) {
-            mInstance->sendToFirstInstance(CString::fromUtf8(mOptions.importPath));
+            // The running copy has a working folder of its own: a relative path would mean another place
+            // there.
+            const std::string folder = mOptions.importPath.empty()
+                                           ? std::string()
+                                           : std::filesystem::absolute(mOptions.importPath).string();
+            mInstance->sendToFirstInstance(CString::fromUtf8(folder));
             return false;
         }
     }

@@ -63,10 +63,14 @@ bool PictureSession::apply(EditingOp* op) {
 
 bool PictureSession::save(std::string* message) {
     if (!mEditable || !mImage->isEdited()) return true;
-    mImage->save();
+    // Image::save folds the history whether or not the file was written. The file is asked to write
+    // the picture the same way, and the history folded only once it has, so that after a failed save
+    // the edits can still be undone and redone, and saved again.
+    mImage->notify(Image::kSaving);
     switch (mFile->getLastSaveResult()) {
         case ImageFile::SaveRotatedInFile:
         case ImageFile::SaveReencoded:
+            mImage->commit();
             return true;
         case ImageFile::SaveRefused:
             *message =

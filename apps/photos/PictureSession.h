@@ -7,7 +7,8 @@
 // codec decodes reduced where it can), so the photo shows at once; makeEditable then loads it whole,
 // tied to its file, before the first edit. save writes through the file (rotated in place when only
 // rotations were done, re-encoded otherwise) and answers false with a message when the write failed,
-// the file then being as it was. Nothing here ever deletes or truncates the user's photo.
+// the file and the history of edits then being as they were. Nothing here ever deletes or truncates the
+// user's photo.
 
 #include <string>
 

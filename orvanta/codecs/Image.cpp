@@ -8,10 +8,6 @@
 
 namespace Orvanta {
 
-namespace {
-constexpr int kSaving = 1;
-}  // namespace
-
 Image* Image::create(Dib* dib, bool editable) {
     OwnedPtr<Image> image = new (std::nothrow) Image();
     if (!image) return nullptr;

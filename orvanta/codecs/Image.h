@@ -36,6 +36,9 @@ using HDC = Platform::Canvas*;
 
 class Image : public IOwned, public Notifier {
 public:
+    // The notification of save(): the picture's file writes it now, before the history is folded.
+    static constexpr int kSaving = 1;
+
     // With editable, dib is wrapped in a new EditableDib whose history starts at it; otherwise it
     // is held as it is. Null when memory runs out.
     static Image* create(Dib* dib, bool editable);

@@ -14,7 +14,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr int kSaving = 1;
 // The side of the EXIF thumbnail written after a save.
 constexpr int kSavedThumbnailSide = 160;
 
@@ -119,7 +118,7 @@ CSize ImageFile::getPictureSize() {
 }
 
 void ImageFile::ImageFileListener::onNotification(void* sender, const Notification& notification) {
-    if (notification.getCode() == kSaving && mOwner->mImage) mOwner->save(mOwner->mImage);
+    if (notification.getCode() == Image::kSaving && mOwner->mImage) mOwner->save(mOwner->mImage);
 }
 
 void ImageFile::save(Image* image) {

@@ -71,11 +71,12 @@ CString Clipboard::getText() {
     return result;
 }
 
-bool Clipboard::setFiles(const std::vector<CString>& paths, const std::vector<std::uint8_t>& packedDib) {
+bool Clipboard::setFiles(const std::vector<CString>& paths, const std::vector<std::uint8_t>& packedDib,
+                         bool cut) {
     if (paths.empty() || !Display::instance().open() || Display::instance().getServerName().empty())
         return false;
     // The URI list ends each line with CR LF; the file managers' own list starts with the operation.
-    std::string uris, copied = "copy", text;
+    std::string uris, copied = cut ? "cut" : "copy", text;
     for (const CString& path : paths) {
         std::unique_ptr<char, GFreeDeleter> uri(g_filename_to_uri(path.toUtf8().c_str(), nullptr, nullptr));
         if (!uri) return false;

@@ -9,7 +9,8 @@
 //    text/uri-list, x-special/gnome-copied-files, and the paths as plain text, one a line; with a
 //    packed DIB (a BITMAPINFOHEADER and what follows it, as the platform's DIB clipboard format holds
 //    it), image/bmp as well. It needs an X server: on the offscreen display and on Wayland, where the
-//    display library offers no formats but text, it answers false. Setting text afterwards replaces
+//    display library offers no formats but text, it answers false. With cut, the file managers' own
+//    list says "cut", so that pasting there moves the files instead. Setting text afterwards replaces
 //    the files, and the other way round.
 
 #include <cstdint>
@@ -25,7 +26,8 @@ public:
     static bool hasText();
     // Empty when there is none.
     static CString getText();
-    static bool setFiles(const std::vector<CString>& paths, const std::vector<std::uint8_t>& packedDib = {});
+    static bool setFiles(const std::vector<CString>& paths, const std::vector<std::uint8_t>& packedDib = {},
+                         bool cut = false);
 };
 
 }  // namespace Orvanta::Platform

@@ -416,6 +416,14 @@ Window* Window::windowFromPoint(CPoint client) {
     return this;
 }
 
+Window* Window::windowFromScreenPoint(CPoint screen) {
+    const std::vector<Window*>& tops = state().topLevels;
+    for (auto it = tops.rbegin(); it != tops.rend(); ++it)
+        if ((*it)->mShown && (*it)->mRect.contains(screen))
+            return (*it)->windowFromPoint((*it)->screenToClient(screen));
+    return nullptr;
+}
+
 void Window::move(const CRect& rect) {
     if (rect == mRect) return;
     const CRect old = mRect;

@@ -121,6 +121,9 @@ public:
 
     // The deepest shown and enabled window at a client point: a child, or this window; null outside.
     Window* windowFromPoint(CPoint client);
+    // WindowFromPoint: the deepest window at a screen point among this thread's shown top-level
+    // windows, the newest first; null where none is (other programs' windows are not known here).
+    static Window* windowFromScreenPoint(CPoint screen);
 
     static Window* getCapture();
     // Sends WM_CAPTURECHANGED to the window that loses the capture.

@@ -4,13 +4,18 @@
 #include <cstdlib>
 #include <set>
 
+#include "orvanta/assets/AssetFile.h"
 #include "orvanta/assets/ThumbnailDb.h"
 #include "orvanta/codecs/Image.h"
 #include "orvanta/foundation/Event.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/pixels/Dib.h"
 #include "orvanta/platform/Canvas.h"
+#include "orvanta/platform/Clipboard.h"
+#include "orvanta/platform/Cursor.h"
 #include "orvanta/platform/MessageQueue.h"
+#include "orvanta/platform/MouseTracker.h"
+#include "orvanta/toolkit/Tooltip.h"
 #include "orvanta/toolkit/WidgetLook.h"
 #include "orvanta/views/ShadowTiles.h"
 
@@ -61,6 +66,7 @@ ThumbnailControl::ThumbnailControl(int rows, int cols, int thumbWidth, int thumb
 }
 
 ThumbnailControl::~ThumbnailControl() {
+    setHot(Part());
     setList(nullptr);
     mHelper->setThumbnailControl(nullptr);
 }
@@ -260,6 +266,9 @@ bool ThumbnailControl::scrollBy(int dRow, int dCol) {
     const CRect client = getClientRect();
     // The band and the bar stay where the pointer is: they must not travel with the pixels.
     setOverlay(CRect(), CRect(), CRect());
+    // What was under the pointer has moved away from it.
+    setHot(Part());
+    hideTooltip();
     mFirstVisible = mFirstVisible.offset(dRow, dCol);
     pruneCellCache();
     if (mWindow->isVisible() && std::abs(dx) < client.width() && std::abs(dy) < client.height()) {
@@ -606,7 +615,10 @@ void ThumbnailControl::updateInsertionBar(CPoint point) {
 void ThumbnailControl::endDrag(CPoint point, bool drop) {
     if (mDrag == DragCells && drop) {
         updateInsertionBar(point);
-        if (mDropIndex >= 0) post(kDropped);
+        // Outside the grid the cells land on whichever of the program's windows is there.
+        mDropWindow = mDropIndex < 0 ? Platform::Window::windowFromScreenPoint(mWindow->clientToScreen(point))
+                                     : nullptr;
+        if (mDropIndex >= 0 || mDropWindow) post(kDropped);
     }
     mDrag = DragNone;
     mBandStart.clear();
@@ -622,20 +634,18 @@ void ThumbnailControl::endDrag(CPoint point, bool drop) {
 bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
     if (!isEnabled()) return false;
     mMouse = point;
+    const Part part = partAt(point);
     const Cell cell = cellFromPoint(point);
-    const bool onCell = isValidCell(cell) && mHelper->isCellClick(cell, point);
+    const bool onCell = !part.cell.isNull() && part.side == 0;
+    if (message != WM_MOUSEMOVE) hideTooltip();
     switch (message) {
         case WM_LBUTTONDOWN: {
             setFocus();
-            if (isValidCell(cell) && !onCell) {
-                const CRect box = cellRect(cell, false);
-                const Padding::Side side = point.y < box.top       ? Padding::Top
-                                           : point.y >= box.bottom ? Padding::Bottom
-                                           : point.x < box.left    ? Padding::Left
-                                                                   : Padding::Right;
-                if (mHelper->onClickAnnotation(cell, side, ThumbnailControlHelper::ClickEvent::Press))
-                    return true;
-            }
+            setHot(Part());
+            if (!part.cell.isNull() && part.side != 0 &&
+                mHelper->onClickAnnotation(part.cell, static_cast<Padding::Side>(part.side),
+                                           ThumbnailControlHelper::ClickEvent::Press))
+                return true;
             if (onCell && mHelper->onClick(cell, ThumbnailControlHelper::ClickEvent::Press)) return true;
             mDragOrigin = point;
             if (onCell) {
@@ -679,6 +689,24 @@ bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
             return true;
         }
         case WM_MOUSEMOVE:
+            if (mDrag == DragNone) {
+                if (!(part == mHot)) {
+                    setHot(part);
+                    // The cursor was chosen for this move before the part changed.
+                    Platform::Cursor::set(Platform::Cursor::system(mHotTaken ? IDC_HAND : IDC_ARROW));
+                }
+                if (mTooltipShown) {
+                    const auto shown = mTooltips.find(mTooltipId);
+                    if (shown == mTooltips.end() || !shown->second.rect.contains(point)) hideTooltip();
+                }
+                if (!mTracking) {
+                    TRACKMOUSEEVENT request;
+                    request.dwFlags = TME_LEAVE | TME_HOVER;
+                    request.hwndTrack = mWindow;
+                    mTracking = Platform::trackMouseEvent(&request);
+                }
+                return false;
+            }
             if (mDrag == DragPending && (std::abs(point.x - mDragOrigin.x) >= kDragThreshold ||
                                          std::abs(point.y - mDragOrigin.y) >= kDragThreshold)) {
                 mDrag = DragCells;
@@ -716,6 +744,80 @@ bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
     }
 }
 
+// The pointer over the cells.
+
+ThumbnailControl::Part ThumbnailControl::partAt(CPoint point) {
+    const Cell cell = cellFromPoint(point);
+    if (!isValidCell(cell) || !cellRect(cell, true).contains(point)) return Part();
+    if (mHelper->isCellClick(cell, point)) return Part{cell, 0};
+    const CRect box = cellRect(cell, false);
+    const Padding::Side side = point.y < box.top       ? Padding::Top
+                               : point.y >= box.bottom ? Padding::Bottom
+                               : point.x < box.left    ? Padding::Left
+                                                       : Padding::Right;
+    return Part{cell, side};
+}
+
+void ThumbnailControl::setHot(const Part& part) {
+    if (part == mHot) return;
+    using MouseEvent = ThumbnailControlHelper::MouseEvent;
+    const auto tell = [this](const Part& p, MouseEvent event) {
+        if (p.cell.isNull()) return false;
+        return p.side == 0 ? mHelper->onMouse(p.cell, event)
+                           : mHelper->onMouseAnnotation(p.cell, static_cast<Padding::Side>(p.side), event);
+    };
+    const Part old = mHot;
+    mHot = part;
+    mHotTaken = false;
+    tell(old, MouseEvent::Leave);
+    // The helper may have scrolled or changed the list while told: the part is told only if it is
+    // still the one under the pointer.
+    if (mHot == part) mHotTaken = tell(part, MouseEvent::Enter);
+}
+
+void ThumbnailControl::onMouseLeave() {
+    mTracking = false;
+    setHot(Part());
+    hideTooltip();
+}
+
+void ThumbnailControl::onMouseHover(CPoint point) {
+    mTracking = false;
+    if (mDrag != DragNone || !mWindow) return;
+    for (const auto& [id, area] : mTooltips)
+        if (area.rect.contains(point)) {
+            if (!mTooltip) mTooltip = std::make_unique<Tooltip>();
+            mTooltip->show(area.text, mWindow->clientToScreen(point));
+            mTooltipShown = true;
+            mTooltipId = id;
+            return;
+        }
+}
+
+void ThumbnailControl::addTooltip(const CString& text, unsigned id, const CRect& rect) {
+    if (mTooltipShown && mTooltipId == id) hideTooltip();
+    mTooltips[id] = TooltipArea{text, rect};
+}
+
+void ThumbnailControl::removeTooltip(unsigned id) {
+    if (mTooltipShown && mTooltipId == id) hideTooltip();
+    mTooltips.erase(id);
+}
+
+void ThumbnailControl::hideTooltip() {
+    if (mTooltip) mTooltip->hide();
+    mTooltipShown = false;
+}
+
+LRESULT ThumbnailControl::handleMessage(UINT message, WPARAM wParam, LPARAM lParam, bool* handled) {
+    if (message == WM_SETCURSOR && mHotTaken && mDrag == DragNone) {
+        Platform::Cursor::set(Platform::Cursor::system(IDC_HAND));
+        if (handled) *handled = true;
+        return 1;
+    }
+    return WindowedControl::handleMessage(message, wParam, lParam, handled);
+}
+
 void ThumbnailControl::onTimer(int id) {
     if (id != mScrollTimer || (mDrag != DragBand && mDrag != DragCells)) return;
     const CRect client = getClientRect();
@@ -736,6 +838,10 @@ void ThumbnailControl::onTimer(int id) {
 bool ThumbnailControl::onKeyDown(int virtualKey, LPARAM) {
     if (!isEnabled() || !mList) return false;
     if (mHelper->onKey(virtualKey)) return true;
+    if (keyHeld(VK_CONTROL))
+        for (const auto& [key, message] : {std::pair{'X', WM_CUT}, std::pair{'C', WM_COPY},
+                                           std::pair{'V', WM_PASTE}, std::pair{'Z', WM_UNDO}})
+            if (virtualKey == key) return onEditCommand(message);
     const bool shift = keyHeld(VK_SHIFT);
     const bool rowsGrow = mRowsSpec == kGrow;
     switch (virtualKey) {
@@ -787,6 +893,29 @@ bool ThumbnailControl::onKeyDown(int virtualKey, LPARAM) {
         default:
             return false;
     }
+}
+
+bool ThumbnailControl::onEditCommand(UINT message) {
+    if (!isEnabled()) return false;
+    if (mHelper->onEditCommand(message)) return true;
+    if (message == WM_COPY || message == WM_CUT) return copySelection(message == WM_CUT);
+    return false;
+}
+
+bool ThumbnailControl::copySelection(bool cut) {
+    if (!mSelection || mSelection->getCount() == 0) return false;
+    std::vector<OwnedPtr<Asset>> selected;
+    {
+        AssetList::Lock lock(mList);
+        for (int i = 0; i < mList->getCount(); ++i)
+            if (mSelection->isSelected(mList->getID(i))) selected.emplace_back(mList->getAsset(i));
+    }
+    // One picture goes with its pixels, for programs that paste pictures rather than files.
+    if (selected.size() == 1 && !cut) return selected[0] && selected[0]->copyToClipboard();
+    std::vector<CString> paths;
+    for (const OwnedPtr<Asset>& asset : selected)
+        if (asset && asset->getAssetFile()) paths.push_back(asset->getAssetFile()->getPath());
+    return Platform::Clipboard::setFiles(paths, {}, cut);
 }
 
 void ThumbnailControl::onWheelMessage(const MSG& msg) {

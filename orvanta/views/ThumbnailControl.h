@@ -27,13 +27,25 @@
 //    never join a selection.
 //  - What the user does reaches the command listeners later (sendEventLater), never inside a paint or
 //    a scroll: kSelectionChanged, kScrolled, kCellPressed and kCellReleased, kCellActivated (double
-//    click, Enter), kDropped (getDropIndex tells where).
+//    click, Enter), kDropped (getDropIndex tells where, or getDropWindow which other window of the
+//    program took the cells). Dragging onto other programs' windows is not offered: the display
+//    library has no drag source.
+//  - The pointer over the grid: as it enters and leaves a cell's picture or one of its annotations,
+//    the helper hears onMouse or onMouseAnnotation (Enter, then Leave); a part whose Enter the helper
+//    took (answered true) is hot: the pointer shows the hand over it. Leaving the window, pressing a
+//    button or scrolling ends the hot part. Tooltips (addTooltip) are areas of the client with a
+//    text: the pointer resting in one shows the toolkit's tooltip by it; moving out of the area,
+//    leaving the window or pressing hides it.
+//  - Cut, copy, paste and undo (the messages, or Ctrl with X, C, V, Z) go to the helper first; left
+//    to the control, copy puts the selected files on the clipboard (one picture with its pixels too),
+//    cut the same marked to be moved where they are pasted; paste and undo do nothing.
 //  - Only cells within a page of the view keep their asset cached.
 //  - The control holds its list. Changes of the list may arrive on any thread; the control takes
 //    them up on its own thread, and takes or lets go of the list's assets under the list's lock.
 
 #include <atomic>
 #include <map>
+#include <memory>
 #include <vector>
 
 #include "orvanta/assets/Asset.h"
@@ -52,6 +64,7 @@ namespace Orvanta {
 class Dib;
 class Image;
 class ThumbnailDb;
+class Tooltip;
 
 class ThumbnailControl : public WindowedControl,
                          public Timeable,
@@ -159,8 +172,17 @@ public:
     void setCurrent(const Cell& cell, bool extend) { moveTo(cell, extend); }
     CPoint getMousePoint() const { return mMouse; }
 
-    // Where the last drop of a drag falls in the list (0 to the count).
+    // Tooltips over areas of the client; an id added again replaces its area.
+    void addTooltip(const CString& text, unsigned id, const CRect& rect);
+    void removeTooltip(unsigned id);
+    // The cell whose picture or annotation is under the pointer, as last told to the helper.
+    Cell getHotCell() const { return mHot.cell; }
+    const Tooltip* getTooltipWindow() const { return mTooltip.get(); }
+
+    // Where the last drop of a drag falls in the list (0 to the count); -1 when it fell outside the
+    // grid, on getDropWindow (null: on no window of this program).
     int getDropIndex() const { return mDropIndex; }
+    HWND getDropWindow() const { return mDropWindow; }
     bool isDragging() const { return mDrag == DragCells; }
 
     // Drawing, also for derived helpers.
@@ -172,6 +194,7 @@ public:
     void paintContent(HDC dc) override;
     bool takesWheelMessages() override { return isEnabled(); }
     void onWheelMessage(const MSG& msg) override;
+    LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam, bool* handled) override;
     void onTimer(int id) override;
     void onEvent(Event* event) override;
     void onNotification(void* sender, const Notification& notification) override;
@@ -179,6 +202,9 @@ public:
 protected:
     bool onMouse(UINT message, CPoint point, WPARAM keys) override;
     bool onKeyDown(int virtualKey, LPARAM lParam) override;
+    bool onEditCommand(UINT message) override;
+    void onMouseLeave() override;
+    void onMouseHover(CPoint point) override;
     void onFocus(bool gained) override;
     void onSize(CSize size) override;
 
@@ -187,6 +213,16 @@ private:
     struct CellInfo {
         OwnedPtr<Asset> asset;
         CSize thumbnailSize;
+    };
+    // A part of a cell: its picture (side 0) or the annotation on one side. A null cell: none.
+    struct Part {
+        Cell cell;
+        int side = 0;
+        bool operator==(const Part& other) const { return cell == other.cell && side == other.side; }
+    };
+    struct TooltipArea {
+        CString text;
+        CRect rect;
     };
 
     ThumbnailControl(int rows, int cols, int thumbWidth, int thumbHeight, ThumbnailDb* db,
@@ -209,6 +245,12 @@ private:
     // Where the drag picture stands for the pointer at point (empty without one).
     CRect dragPictureAt(CPoint point) const;
     void endDrag(CPoint point, bool drop);
+    Part partAt(CPoint point);
+    // Tells the helper the pointer left the hot part and entered part.
+    void setHot(const Part& part);
+    void hideTooltip();
+    // The selected files to the clipboard; false when there are none or no clipboard takes them.
+    bool copySelection(bool cut);
 
     OwnedPtr<AssetList> mList;
     OwnedPtr<AssetSelection> mSelection;
@@ -248,7 +290,16 @@ private:
     OwnedPtr<Image> mDragImage;
     CRect mDragRect;
     int mDropIndex = -1;
+    HWND mDropWindow = nullptr;
     std::atomic<bool> mListStale{false};
+
+    Part mHot;
+    bool mHotTaken = false;
+    bool mTracking = false;
+    std::map<unsigned, TooltipArea> mTooltips;
+    std::unique_ptr<Tooltip> mTooltip;
+    bool mTooltipShown = false;
+    unsigned mTooltipId = 0;  // the area whose text is shown
 };
 
 }  // namespace Orvanta

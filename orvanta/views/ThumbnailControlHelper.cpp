@@ -55,6 +55,14 @@ CPoint ThumbnailControlHelper::getMousePoint() {
     return mControl->getMousePoint();
 }
 
+void ThumbnailControlHelper::addTooltip(const StringOrResource& text, unsigned id, const CRect& rect) {
+    mControl->addTooltip(text.getString(), id, rect);
+}
+
+void ThumbnailControlHelper::removeTooltip(unsigned id) {
+    mControl->removeTooltip(id);
+}
+
 int ThumbnailControlHelper::getVisibleCols(bool whole) {
     return mControl->getVisibleCols(whole);
 }

@@ -12,7 +12,9 @@
 // coordinates.
 
 #include "orvanta/foundation/IOwned.h"
+#include "orvanta/foundation/StringOrResource.h"
 #include "orvanta/platform/CRect.h"
+#include "orvanta/platform/Messages.h"
 #include "orvanta/platform/WinTypes.h"
 #include "orvanta/views/Padding.h"
 #include "orvanta/views/ThumbnailCell.h"
@@ -50,8 +52,14 @@ public:
     virtual void drawSelectionHighlight(HDC dc, const ThumbnailCell& cell, bool erase);
     // True: the control does nothing more with this click.
     virtual bool onClick(const ThumbnailCell& cell, ClickEvent event) { return false; }
+    // The pointer entered or left the cell's picture. True on Enter: the part reacts to a click, and
+    // the pointer shows it.
     virtual bool onMouse(const ThumbnailCell& cell, MouseEvent event) { return false; }
     virtual bool onKey(int key) { return false; }
+    // WM_CUT, WM_COPY, WM_PASTE or WM_UNDO (or Ctrl with X, C, V or Z) reached the grid. True: the
+    // helper did it. Otherwise copy and cut put the selected files on the clipboard, and paste and
+    // undo do nothing.
+    virtual bool onEditCommand(UINT message) { return false; }
     // kNoFill: the control's background shows.
     virtual COLORREF getCellBkColor(const ThumbnailCell& cell) { return kNoFill; }
     virtual CRect getSelectionRect(const ThumbnailCell& cell);
@@ -61,6 +69,7 @@ public:
     virtual bool onClickAnnotation(const ThumbnailCell& cell, Padding::Side side, ClickEvent event) {
         return false;
     }
+    // As onMouse, for the annotation on one side of the cell.
     virtual bool onMouseAnnotation(const ThumbnailCell& cell, Padding::Side side, MouseEvent event) {
         return false;
     }
@@ -73,6 +82,8 @@ public:
     // The 3 x 3 tile sheets drawn around each thumbnail (the second for selected cells; may be null).
     virtual void enableShadows(Dib* sheet, Dib* selectedSheet);
     virtual CPoint getMousePoint();
+    // A text shown when the pointer rests in rect (client coordinates); the id names it for removal.
+    virtual void addTooltip(const StringOrResource& text, unsigned id, const CRect& rect);
     virtual int getVisibleCols(bool whole);
     virtual int getVisibleRows(bool whole);
     virtual void setCurrentRow(int row, bool extend);
@@ -85,6 +96,7 @@ public:
 
 protected:
     ThumbnailControlHelper() = default;
+    virtual void removeTooltip(unsigned id);
     ThumbnailCell getFirstVisibleCell();
     ThumbnailCell getLastVisibleCell(bool whole);
 

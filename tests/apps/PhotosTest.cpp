@@ -9,20 +9,28 @@
 #include <string>
 #include <thread>
 
+#include "VideoStock.h"
 #include "apps/photos/FolderImport.h"
+#include "apps/photos/GridScreen.h"
 #include "apps/photos/OriginalsPolicy.h"
 #include "apps/photos/PhotoLibrary.h"
 #include "apps/photos/PictureSession.h"
+#include "orvanta/codecs/CodecManager.h"
+#include "orvanta/codecs/GenericVideoCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
+#include "orvanta/desktop/SingleInstance.h"
 #include "orvanta/editing/MirrorOp.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
+#include "orvanta/platform/MouseTracker.h"
+#include "orvanta/toolkit/Tooltip.h"
 #include "tests/support/CupsServer.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
 #include "tests/support/ToolRunner.h"
+#include "tests/support/UiHarness.h"
 
 using namespace Orvanta;
 using namespace OrvantaPhotos;
@@ -52,11 +60,20 @@ protected:
     TempDir dir;
 };
 
+// A video is catalogued too, and its cell in the grid shows the stock film frame.
 TEST_F(PhotosTest, AFolderIsImportedOnceWithItsThumbnailsMadeAndItsViewsSortAndFilter) {
+    OrvantaTool::registerVideoCodec();
     copyTestFile(kPortrait, dir.file("photos/b-Portrait.jpg"));
     copyTestFile(kCamera, dir.file("photos/nested/a-camera.jpg"));
     writeFileBytes(dir.file("photos/c-damaged.jpg"), "not a picture at all");
     writeFileBytes(dir.file("photos/notes.txt"), "text");
+    writeFileBytes(dir.file("photos/d-clip.mp4"), std::string(4096, '\x42'));
+    // Files written one after another may share a millisecond, and so a date: each is given its own,
+    // a day apart, in the order camera, video, portrait.
+    int day = 0;
+    for (const char* name : {"photos/nested/a-camera.jpg", "photos/d-clip.mp4", "photos/b-Portrait.jpg"})
+        std::filesystem::last_write_time(dir.file(name), std::filesystem::file_time_type::clock::now() -
+                                                             std::chrono::hours(24 * (3 - day++)));
     PhotoLibrary library;
     ASSERT_TRUE(library.open(dir.file("catalogue.db"))) << library.lastError();
     for (int round = 0; round < 2; ++round) {
@@ -70,12 +87,12 @@ TEST_F(PhotosTest, AFolderIsImportedOnceWithItsThumbnailsMadeAndItsViewsSortAndF
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
         // The second time nothing is new, and every thumbnail is already good.
-        EXPECT_EQ(round == 0 ? 2 : 0, added);
+        EXPECT_EQ(round == 0 ? 3 : 0, added);
         EXPECT_EQ(1, skipped);  // the damaged file, each time
         EXPECT_EQ(done, total);
     }
-    ASSERT_EQ(2, library.catalogue()->getCount());
-    for (int i = 0; i < 2; ++i)
+    ASSERT_EQ(3, library.catalogue()->getCount());
+    for (int i = 0; i < 3; ++i)
         EXPECT_TRUE(library.thumbnails()->isValid(OwnedPtr<Asset>(library.catalogue()->getAsset(i))));
 
     const auto names = [&](SortedAssetList* view) {
@@ -89,11 +106,43 @@ TEST_F(PhotosTest, AFolderIsImportedOnceWithItsThumbnailsMadeAndItsViewsSortAndF
                    " ";
         return all;
     };
-    EXPECT_EQ("a-camera.jpg b-Portrait.jpg ", names(library.makeView(PhotoLibrary::kByName, CString())));
+    EXPECT_EQ("a-camera.jpg b-Portrait.jpg d-clip.mp4 ",
+              names(library.makeView(PhotoLibrary::kByName, CString())));
     EXPECT_EQ("b-Portrait.jpg ", names(library.makeView(PhotoLibrary::kByName, u"portrait")));
-    const std::string oldest = names(library.makeView(PhotoLibrary::kOldestFirst, CString()));
-    const std::string newest = names(library.makeView(PhotoLibrary::kNewestFirst, CString()));
-    EXPECT_NE(oldest, newest);
+    EXPECT_EQ("a-camera.jpg d-clip.mp4 b-Portrait.jpg ",
+              names(library.makeView(PhotoLibrary::kOldestFirst, CString())));
+    EXPECT_EQ("b-Portrait.jpg d-clip.mp4 a-camera.jpg ",
+              names(library.makeView(PhotoLibrary::kNewestFirst, CString())));
+
+    // The grid of the video alone: its cell holds the film frame (stored as a JPEG, so nearly).
+    UiHarness ui(CSize(640, 480));
+    GridScreen screen(library.thumbnails(), nullptr);
+    screen.root()->setRect(CRect(0, 0, 640, 480));
+    ui.root()->add(screen.root());
+    screen.grid()->setList(library.makeView(PhotoLibrary::kByName, u"clip"));
+    ui.runUntilIdle();
+    Dib* stock =
+        static_cast<GenericVideoCodec*>(CodecManager::getCodec(u"mp4"))->getThumbnailImage()->getDib();
+    const CSize size = stock->getSize();
+    const CRect cell = screen.grid()->thumbnailRect(ThumbnailCell(0, 0));
+    ASSERT_EQ(size, cell.size());
+    const CPoint origin = screen.grid()->getHWND()->clientToScreen(cell.topLeft());
+    const CPoint inWindow = ui.window()->screenToClient(origin);
+    long long error = 0;
+    for (int y = 0; y < size.cy; ++y)
+        for (int x = 0; x < size.cx; ++x) {
+            const int grey = stock->getBits()[std::size_t(y) * ((size.cx * 3 + 3) & ~3) + 3 * x];
+            const COLORREF shown = ui.pixel(inWindow.x + x, inWindow.y + y);
+            for (int c = 0; c < 3; ++c) error += std::abs(static_cast<int>((shown >> (8 * c)) & 0xFF) - grey);
+        }
+    EXPECT_LT(error / (3 * size.cx * size.cy), 4) << "mean difference per channel";
+    // Resting on the caption shows the whole name.
+    const CRect whole = screen.grid()->cellRect(ThumbnailCell(0, 0), true);
+    ui.mouseMove(ui.window()->screenToClient(
+        screen.grid()->getHWND()->clientToScreen(CPoint(whole.left + 20, whole.bottom - 8))));
+    ui.runFor(Platform::MouseTracker::kDefaultHoverTime + 200);
+    ASSERT_NE(screen.grid()->getTooltipWindow(), nullptr);
+    EXPECT_EQ(u"d-clip.mp4", screen.grid()->getTooltipWindow()->getText().str());
 }
 
 TEST_F(PhotosTest, SavedEditsEqualTheHostsInPlaceEditsAndTheFirstOriginalIsKept) {
@@ -134,7 +183,9 @@ TEST_F(PhotosTest, SavedEditsEqualTheHostsInPlaceEditsAndTheFirstOriginalIsKept)
     AssetBackupPolicy::clearCurrentPolicy();
 }
 
-TEST_F(PhotosTest, ASaveOntoAFullDiskSaysSoAndLeavesThePhotoAsItWas) {
+// The history of edits outlives a failed save: the edits are undone and redone, and saved once there
+// is room, equal to the host's same edit.
+TEST_F(PhotosTest, ASaveOntoAFullDiskSaysSoAndLeavesThePhotoAndTheEditsAsTheyWere) {
     OriginalsPolicy originals(dir.file("originals"));
     originals.makePolicyCurrent();
     const std::string path = dir.file("photo.jpg");
@@ -152,7 +203,18 @@ TEST_F(PhotosTest, ASaveOntoAFullDiskSaysSoAndLeavesThePhotoAsItWas) {
     }
     EXPECT_NE(message.find("could not be saved"), std::string::npos) << message;
     EXPECT_EQ(readFileBytes(testDataPath(kPortrait)), readFileBytes(path));
+    EXPECT_TRUE(session.image()->isEdited());
+    EXPECT_TRUE(session.image()->undo(true));
+    EXPECT_FALSE(session.image()->isEdited());
+    EXPECT_TRUE(session.image()->redo());
+    ASSERT_TRUE(session.save(&message)) << message;
+    EXPECT_FALSE(session.image()->isEdited());
     AssetBackupPolicy::clearCurrentPolicy();
+    if (!toolAvailable()) return;
+    const std::string twin = dir.file("twin.jpg");
+    copyTestFile(kPortrait, twin);
+    ASSERT_EQ(0, runTool("edit '" + twin + "' '" + twin + "' mirror=h").status);
+    EXPECT_TRUE(readFileBytes(twin) == readFileBytes(path));
 }
 
 // The real program on a catalogue prepared by an earlier run, whose files are then taken away or
@@ -184,6 +246,82 @@ TEST_F(PhotosTest, FilesGoneOrDamagedUnderTheGridAreToldAndTheProgramGoesOn) {
     const ToolRun bad = runShell(run + "'" + dir.file("bad.txt") + "' 2>&1");
     EXPECT_EQ(2, bad.status);
     EXPECT_NE(bad.output.find("script line 2 not understood"), std::string::npos) << bad.output;
+}
+
+// A second start hands its folder, made absolute, to the copy already running and ends at once. The
+// test is the running copy, in a runtime folder of its own.
+TEST_F(PhotosTest, ASecondStartHandsItsFolderToTheFirstAndEnds) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    struct First : Platform::Window::Handler {
+        LRESULT windowProc(HWND, UINT message, WPARAM, LPARAM lParam) override {
+            if (message == WM_COPYDATA)
+                SingleInstance::crackIncomingMessage(reinterpret_cast<const COPYDATASTRUCT*>(lParam), text);
+            return message == WM_COPYDATA;
+        }
+        CString text;
+    } first;
+    std::filesystem::create_directories(dir.file("run"));
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    const std::string saved = runtime ? runtime : "";
+    setenv("XDG_RUNTIME_DIR", dir.file("run").c_str(), 1);
+    HWND window = Platform::Window::create(nullptr, CRect(0, 0, 10, 10), WS_POPUP, &first);
+    {
+        SingleInstance instance(u"OrvantaPhotos", u"OrvantaPhotosWindow", u"OrvantaPhotosOpen");
+        ASSERT_TRUE(instance.isFirstInstance());
+        ASSERT_TRUE(instance.listen(window));
+        std::atomic<bool> ended{false};
+        ToolRun second;
+        std::thread start([&] {
+            second = runShell("cd '" + dir.path() + "' && XDG_DATA_HOME='" + dir.file("data") +
+                              "' XDG_CONFIG_HOME='" + dir.file("config") +
+                              "' SDL_VIDEODRIVER=offscreen timeout 60 '" ORVANTA_PHOTOS "' photos 2>&1");
+            ended = true;
+        });
+        // The second start waits until the first has taken the folder.
+        while (!ended) {
+            pump();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        start.join();
+        EXPECT_EQ(0, second.status) << second.output;
+        EXPECT_EQ(dir.file("photos"), first.text.toUtf8());
+        EXPECT_FALSE(std::filesystem::exists(dir.file("data")));  // it opened no catalogue
+    }
+    window->destroy();
+    if (runtime)
+        setenv("XDG_RUNTIME_DIR", saved.c_str(), 1);
+    else
+        unsetenv("XDG_RUNTIME_DIR");
+}
+
+// Wallpaper in the picture view gives the desktop the photo in the session's own settings (GLib's
+// keyfile backend under a private configuration folder); a desktop whose settings are not kept is
+// told that it does not take its wallpaper from here, and nothing is written.
+TEST_F(PhotosTest, WallpaperSetsThePhotoInTheDesktopsSettingsOrSaysItCannot) {
+    if (!toolAvailable()) GTEST_SKIP() << "run through CTest, which names the programs";
+    if (std::system("command -v gsettings >/dev/null 2>&1") != 0) GTEST_SKIP() << "gsettings is missing";
+    copyTestFile(kPortrait, dir.file("photos/a.jpg"));
+    writeFileBytes(dir.file("script.txt"),
+                   "settle\nclick 90 130\nkey Return\nwait 300\nclick 928 625\nwait 300\n");
+    for (const std::string backend : {"keyfile", "memory"}) {
+        SCOPED_TRACE(backend);
+        TempDir home;
+        const std::string session = "env -u XDG_CURRENT_DESKTOP HOME='" + home.path() +
+                                    "' XDG_CONFIG_HOME='" + home.file("config") + "' XDG_DATA_HOME='" +
+                                    home.file("data") + "' GSETTINGS_BACKEND=" + backend +
+                                    " SDL_VIDEODRIVER=offscreen ";
+        const ToolRun run =
+            runShell(session + "'" ORVANTA_PHOTOS "' --size 1024x640 --catalog '" + home.file("c.db") +
+                     "' --script '" + dir.file("script.txt") + "' '" + dir.file("photos") + "' 2>&1");
+        ASSERT_EQ(0, run.status) << run.output;
+        const std::string bmp = home.file("data") + "/orvanta/wallpaper.bmp";
+        const bool kept = backend == "keyfile";
+        EXPECT_EQ(kept, std::filesystem::exists(bmp));
+        EXPECT_EQ(kept, run.output.find("does not take its wallpaper") == std::string::npos) << run.output;
+        if (kept)
+            EXPECT_EQ("'file://" + bmp + "'\n",
+                      runShell(session + "gsettings get org.gnome.desktop.background picture-uri").output);
+    }
 }
 
 // The window's size and the photo open when the program ended come back at the next start.

@@ -15,11 +15,16 @@
 #include "orvanta/codecs/Image.h"
 #include "orvanta/codecs/IntelJpegCodec.h"
 #include "orvanta/platform/Canvas.h"
+#include "orvanta/platform/Cursor.h"
+#include "orvanta/platform/Display.h"
+#include "orvanta/platform/MouseTracker.h"
 #include "orvanta/toolkit/CommandListener.h"
+#include "orvanta/toolkit/Tooltip.h"
 #include "orvanta/views/ThumbnailControl.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/UiHarness.h"
+#include "tests/support/XvfbServer.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -65,6 +70,9 @@ public:
     std::set<int> refused;
     bool takeClicks = false;
     std::vector<Direction> arrows;
+    // What the pointer did, as "+4" (entered cell 4's picture) or "-4b" (left its bottom annotation).
+    std::vector<std::string> pointer;
+    std::vector<UINT> edits;
 
     COLORREF getCellBkColor(const Cell& cell) override { return RGB(200, 180 + (index(cell) * 7) % 70, 190); }
     void drawAnnotation(HDC dc, const Cell& cell, Padding::Side side) override {
@@ -79,6 +87,28 @@ public:
     }
     bool canSelectCell(const Cell& cell) override { return !refused.count(index(cell)); }
     bool onClick(const Cell&, ClickEvent) override { return takeClicks; }
+    bool onEditCommand(UINT message) override {
+        edits.push_back(message);
+        return message == WM_PASTE;
+    }
+    bool onMouse(const Cell& cell, MouseEvent event) override {
+        pointer.push_back((event == MouseEvent::Enter ? "+" : "-") + std::to_string(index(cell)));
+        return false;
+    }
+    // The caption below each picture is hot and tells the cell's number.
+    bool onMouseAnnotation(const Cell& cell, Padding::Side side, MouseEvent event) override {
+        pointer.push_back((event == MouseEvent::Enter ? "+" : "-") + std::to_string(index(cell)) +
+                          (side == Padding::Bottom ? "b" : "o"));
+        if (side != Padding::Bottom) return false;
+        if (event == MouseEvent::Leave) {
+            removeTooltip(index(cell));
+            return false;
+        }
+        const CRect whole = getThumbnailControl()->cellRect(cell, true);
+        addTooltip(CString::fromUtf8("Photo " + std::to_string(index(cell))), index(cell),
+                   CRect(whole.left, whole.bottom - 9, whole.right, whole.bottom));
+        return true;
+    }
     void moveToNext(Direction direction, bool extend) override {
         arrows.push_back(direction);
         ThumbnailControlHelper::moveToNext(direction, extend);
@@ -95,8 +125,8 @@ public:
 };
 
 struct Grid {
-    Grid(int rows, int cols, int count, CSize window = CSize(230, 170))
-        : ui(window), catalogue(count, CSize(40, 30)), helper(new TestHelper()) {
+    Grid(int rows, int cols, int count, CSize window = CSize(230, 170), bool offscreen = true)
+        : ui(window, CPoint(40, 30), offscreen), catalogue(count, CSize(40, 30)), helper(new TestHelper()) {
         control = ThumbnailControl::create(rows, cols, 40, 30, catalogue.store, true, &commands, helper);
         control->setAnnotation(6, Padding::Bottom);
         control->setPadding(5, Padding::kAll);
@@ -315,6 +345,23 @@ TEST(ThumbnailControl, TheMouseBandsDragsAndDefersToTheHelper) {
     grid.ui.repaintAll();
     EXPECT_EQ(after, grid.ui.pixels());  // no bar left behind
 
+    // Dropped on another window of the program the cells say which; where there is none, nothing.
+    Platform::Window* other = Platform::Window::create(nullptr, CRect(300, 60, 420, 160), WS_POPUP, nullptr);
+    other->show(true);
+    for (const CPoint& outside : {CPoint(300, 50), CPoint(600, 50)}) {
+        grid.commands.heard.clear();
+        grid.ui.mouseDown(grid.centre(1));
+        grid.ui.mouseMove(CPoint(grid.centre(1).x + 10, grid.centre(1).y));
+        grid.ui.mouseMove(outside);
+        grid.ui.mouseUp(outside);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ(-1, control->getDropIndex());
+        EXPECT_EQ(outside.x == 300 ? other : nullptr, control->getDropWindow());
+        EXPECT_EQ(outside.x == 300, std::count(grid.commands.heard.begin(), grid.commands.heard.end(),
+                                               ThumbnailControl::kDropped) == 1);
+    }
+    other->destroy();
+
     // Held below the window, a band scrolls the grid on the timer, keeping its first corner.
     grid.ui.mouseDown(CPoint(1, 1));
     grid.ui.mouseMove(CPoint(100, 400));
@@ -330,6 +377,86 @@ TEST(ThumbnailControl, TheMouseBandsDragsAndDefersToTheHelper) {
     grid.ui.click(grid.centre(2 + 3 * control->getFirstRow()));
     grid.ui.runUntilIdle();
     EXPECT_EQ(before, grid.selected());
+}
+
+TEST(ThumbnailControl, ThePointerIsToldToTheHelperWhichShowsAHandAndATooltipOverItsCaption) {
+    Grid grid(ThumbnailControl::kGrow, ThumbnailControl::kFit, 10);
+    const CRect four = grid.control->cellRect(grid.control->cellFromIndex(4), true);
+    const CPoint caption(four.left + 20, four.bottom - 4), picture = grid.centre(4);
+    enum Act { Move, Rest, Press, Leave };
+    struct Step {
+        Act act;
+        CPoint at;
+        int cursor;  // 0: not looked at
+        bool tooltip;
+    };
+    const Step steps[] = {
+        {Move, picture, IDC_ARROW, false},
+        {Move, CPoint(picture.x + 2, picture.y + 2), IDC_ARROW, false},  // within the picture: nothing new
+        {Rest, caption, IDC_HAND, true},
+        {Move, CPoint(caption.x + 3, caption.y), IDC_HAND, true},  // still in the caption
+        {Move, grid.centre(5), IDC_ARROW, false},
+        {Rest, caption, IDC_HAND, true},
+        {Press, caption, 0, false},
+        {Move, grid.centre(0), IDC_ARROW, false},
+        {Leave, CPoint(), 0, false},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(testing::Message() << "step " << (&step - steps));
+        if (step.act == Leave) grid.ui.mouseLeave();
+        if (step.act == Press) grid.ui.click(step.at);
+        if (step.act == Move || step.act == Rest) grid.ui.mouseMove(step.at);
+        grid.ui.runFor(step.act == Rest ? Platform::MouseTracker::kDefaultHoverTime + 200 : 0);
+        if (step.cursor) EXPECT_EQ(step.cursor, Platform::Cursor::current()->getId());
+        const Tooltip* tooltip = grid.control->getTooltipWindow();
+        EXPECT_EQ(step.tooltip, tooltip && tooltip->isShown());
+        if (step.tooltip) EXPECT_EQ(u"Photo 4", tooltip->getText().str());
+    }
+    EXPECT_EQ((std::vector<std::string>{"+4", "-4", "+4b", "-4b", "+5", "-5", "+4b", "-4b", "+0", "-0"}),
+              grid.helper->pointer);
+    EXPECT_TRUE(grid.control->getHotCell().isNull());
+}
+
+// On a private X server, so that another program (xclip) pastes what the grid put on the clipboard.
+TEST(ThumbnailControl, CopyAndCutGiveTheSelectedFilesToOtherProgramsAndTheHelperSeesEachFirst) {
+    if (!XvfbServer::available() || std::system("command -v xclip >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "Xvfb or xclip is missing";
+    XvfbServer server(320, 240);
+    ASSERT_TRUE(server.isRunning());
+    Platform::Display::instance().close();
+    setenv("DISPLAY", server.display().c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    unsetenv("SDL_VIDEODRIVER");
+    {
+        Grid grid(ThumbnailControl::kGrow, 3, 0, CSize(230, 170), false);
+        OwnedPtr<MemAssetList> files = MemAssetList::create();
+        const FILETIME time{1, 0};
+        for (const char16_t* path : {u"/photos/a.jpg", u"/photos/b b.jpg", u"/photos/c.jpg"})
+            files->addAsset(OwnedPtr<Asset>(Asset::create(UniqueID::create(), path, &time, &time)), false);
+        grid.control->setList(files);
+        grid.control->select(Cell(0, 1));
+        grid.control->select(Cell(0, 2));
+        const auto paste = [&](const std::string& target) {
+            const std::string out = grid.catalogue.dir.file("pasted");
+            EXPECT_EQ(0, server.run("xclip -o -selection clipboard -t '" + target + "' > '" + out + "'"));
+            return readFileBytes(out);
+        };
+        grid.ui.pressKey(SDLK_c, false, true);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ("file:///photos/b%20b.jpg\r\nfile:///photos/c.jpg\r\n", paste("text/uri-list"));
+        EXPECT_EQ("copy\nfile:///photos/b%20b.jpg\nfile:///photos/c.jpg",
+                  paste("x-special/gnome-copied-files"));
+        grid.ui.pressKey(SDLK_x, false, true);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ("cut\nfile:///photos/b%20b.jpg\nfile:///photos/c.jpg",
+                  paste("x-special/gnome-copied-files"));
+        for (int key : {SDLK_v, SDLK_z}) grid.ui.pressKey(key, false, true);
+        grid.ui.runUntilIdle();
+        EXPECT_EQ((std::vector<UINT>{WM_COPY, WM_CUT, WM_PASTE, WM_UNDO}), grid.helper->edits);
+    }
+    Platform::Display::instance().close();
+    unsetenv("DISPLAY");
+    UiHarness::useTestEnvironment();
 }
 
 TEST(ThumbnailControl, AssetsAddedOnAnotherThreadReachTheGridOnItsOwn) {
