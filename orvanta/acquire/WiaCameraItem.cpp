@@ -19,14 +19,14 @@ namespace Orvanta {
 namespace {
 
 // Writes bytes to a new temporary file in folder; its path, or empty.
-std::string writeTemporary(const std::string& folder, const std::string& bytes, std::time_t time) {
+std::string writeTemporary(const std::string& folder, const char* bytes, std::size_t size, std::time_t time) {
     Platform::FileSystem& fs = Platform::FileSystem::current();
     std::string pattern = folder + "/.orvanta-download-XXXXXX";
     const int fd = fs.makeTemporary(pattern.data(), 0);
     if (fd < 0) return std::string();
     bool ok = true;
-    for (std::size_t done = 0; ok && done < bytes.size();) {
-        const ssize_t wrote = fs.write(fd, bytes.data() + done, bytes.size() - done);
+    for (std::size_t done = 0; ok && done < size;) {
+        const ssize_t wrote = fs.write(fd, bytes + done, size - done);
         ok = wrote > 0;
         if (ok) done += static_cast<std::size_t>(wrote);
     }
@@ -42,10 +42,10 @@ std::string writeTemporary(const std::string& folder, const std::string& bytes, 
     return std::string();
 }
 
-bool hasSameBytes(const std::string& path, const std::string& bytes) {
+bool hasSameBytes(const std::string& path, const char* bytes, std::size_t size) {
     Platform::FileContents contents;
-    return contents.open(path) && static_cast<std::size_t>(contents.size()) == bytes.size() &&
-           (bytes.empty() || std::memcmp(contents.data(), bytes.data(), bytes.size()) == 0);
+    return contents.open(path) && static_cast<std::size_t>(contents.size()) == size &&
+           (size == 0 || std::memcmp(contents.data(), bytes, size) == 0);
 }
 
 Dib* decodeJpeg(const std::string& bytes) {
@@ -114,18 +114,19 @@ std::size_t WiaCameraItem::getByteSize() {
 
 bool WiaCameraItem::downloadTo(const CString& path, bool verify) {
     load();
-    std::string bytes;
-    if (!mCamera->download(mFolder, mFileName, &bytes)) return false;
     const std::string target = path.toUtf8();
     const std::string folder = FilePath::getFolder(path).toUtf8();
-    const std::string temporary = writeTemporary(folder.empty() ? "." : folder, bytes, mFileTime);
-    if (temporary.empty()) return false;
-    Platform::FileSystem& fs = Platform::FileSystem::current();
-    if (fs.renameNoReplace(temporary.c_str(), target.c_str()) != 0) {
-        fs.unlink(temporary.c_str());
-        return false;
-    }
-    return !verify || hasSameBytes(target, bytes);
+    // Written straight from the memory libgphoto2 read the file into.
+    return mCamera->download(mFolder, mFileName, [&](const char* bytes, std::size_t size) {
+        const std::string temporary = writeTemporary(folder.empty() ? "." : folder, bytes, size, mFileTime);
+        if (temporary.empty()) return false;
+        Platform::FileSystem& fs = Platform::FileSystem::current();
+        if (fs.renameNoReplace(temporary.c_str(), target.c_str()) != 0) {
+            fs.unlink(temporary.c_str());
+            return false;
+        }
+        return !verify || hasSameBytes(target, bytes, size);
+    });
 }
 
 CString WiaCameraItem::download() {

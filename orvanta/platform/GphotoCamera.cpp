@@ -168,7 +168,7 @@ bool GphotoCamera::getInfo(const std::string& folder, const std::string& name, F
     return true;
 }
 
-bool GphotoCamera::get(const std::string& folder, const std::string& name, int type, std::string* bytes) {
+bool GphotoCamera::get(const std::string& folder, const std::string& name, int type, const Sink& take) {
     const Gphoto2Api& gp = gphoto2();
     CameraFile* file = nullptr;
     if (gp.gp_file_new(&file) < GP_OK) return false;
@@ -176,22 +176,28 @@ bool GphotoCamera::get(const std::string& folder, const std::string& name, int t
     unsigned long size = 0;
     const bool ok = gp.gp_camera_file_get(mCamera, folder.c_str(), name.c_str(),
                                           static_cast<CameraFileType>(type), file, mContext) >= GP_OK &&
-                    gp.gp_file_get_data_and_size(file, &data, &size) >= GP_OK && (data || size == 0);
-    if (ok) bytes->assign(data ? data : "", size);
+                    gp.gp_file_get_data_and_size(file, &data, &size) >= GP_OK && (data || size == 0) &&
+                    !(mCancelled && mCancelled()) && take(data ? data : "", size);
     gp.gp_file_unref(file);
-    return ok && !(mCancelled && mCancelled());
+    return ok;
 }
 
-bool GphotoCamera::download(const std::string& folder, const std::string& name, std::string* bytes) {
-    return get(folder, name, GP_FILE_TYPE_NORMAL, bytes);
+bool GphotoCamera::download(const std::string& folder, const std::string& name, const Sink& take) {
+    return get(folder, name, GP_FILE_TYPE_NORMAL, take);
 }
 
 bool GphotoCamera::preview(const std::string& folder, const std::string& name, std::string* bytes) {
-    return get(folder, name, GP_FILE_TYPE_PREVIEW, bytes) && !bytes->empty();
+    return get(folder, name, GP_FILE_TYPE_PREVIEW, [bytes](const char* data, std::size_t size) {
+        bytes->assign(data, size);
+        return size > 0;
+    });
 }
 
 bool GphotoCamera::exif(const std::string& folder, const std::string& name, std::string* bytes) {
-    return get(folder, name, GP_FILE_TYPE_EXIF, bytes) && !bytes->empty();
+    return get(folder, name, GP_FILE_TYPE_EXIF, [bytes](const char* data, std::size_t size) {
+        bytes->assign(data, size);
+        return size > 0;
+    });
 }
 
 bool GphotoCamera::remove(const std::string& folder, const std::string& name) {

@@ -6,8 +6,9 @@
 // connects to the camera of an id; null when libgphoto2 is missing, the model or port is unknown, or
 // the camera does not answer. Folders are camera paths ("/", "/DCIM/100CANON"). Every operation
 // answers false (or an empty list) on a failure of the camera, a camera that went away included.
-// download() fills memory with the whole file; preview() and exif() the camera's own small picture
-// and the file's EXIF block, where the camera has them. setCancel() hands libgphoto2 a test it polls
+// download() hands the whole file to a sink, in the memory libgphoto2 read it into, and answers
+// what the sink answers; preview() and exif() fill a string with the camera's own small picture and
+// the file's EXIF block, where the camera has them. setCancel() hands libgphoto2 a test it polls
 // during long transfers; setProgress() a function told of the fraction of a transfer done. One
 // thread at a time: libgphoto2 is not safe to enter twice on one camera.
 
@@ -42,7 +43,8 @@ public:
     bool listFolders(const std::string& folder, std::vector<std::string>* names);
     bool listFiles(const std::string& folder, std::vector<std::string>* names);
     bool getInfo(const std::string& folder, const std::string& name, FileInfo* info);
-    bool download(const std::string& folder, const std::string& name, std::string* bytes);
+    using Sink = std::function<bool(const char* data, std::size_t size)>;
+    bool download(const std::string& folder, const std::string& name, const Sink& take);
     bool preview(const std::string& folder, const std::string& name, std::string* bytes);
     bool exif(const std::string& folder, const std::string& name, std::string* bytes);
     bool remove(const std::string& folder, const std::string& name);
@@ -52,7 +54,7 @@ public:
 
 private:
     GphotoCamera(_Camera* camera, _GPContext* context);
-    bool get(const std::string& folder, const std::string& name, int type, std::string* bytes);
+    bool get(const std::string& folder, const std::string& name, int type, const Sink& take);
 
     _Camera* mCamera;
     _GPContext* mContext;
