@@ -7,9 +7,10 @@
 // for it to end. The helper sends text lines; a scanned frame travels as a sealed memory file of raw
 // SANE bytes (memfd, passed along the socket), which the host maps for the time of onImage: nothing
 // is written to disk, and a helper that dies in the middle of a frame leaves nothing behind, nor
-// can it shrink a frame under the host's mapping. An operation answers
-// kCrashed when the helper ended without its closing line (a signal, a sanitizer's report, an exit
-// in the middle), or sent nothing for the hang timeout, after which it is killed by its pid.
+// can it shrink a frame under the host's mapping. An operation answers kCrashed when the helper
+// ended without its closing line (a signal, a sanitizer's report, an exit in the middle), sent a
+// frame that cannot be mapped, or sent nothing for the hang timeout, after which it is killed by its
+// pid.
 // listDevices() gives SANE's devices. scan() sets each option given as NAME=VALUE, then scans
 // pictures: after each whole picture (one frame, or the three of a three-pass scanner) onImage is
 // called with its frames and answers whether to scan another; the helper goes on while the device
