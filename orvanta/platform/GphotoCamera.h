@@ -6,11 +6,11 @@
 // connects to the camera of an id; null when libgphoto2 is missing, the model or port is unknown, or
 // the camera does not answer. Folders are camera paths ("/", "/DCIM/100CANON"). Every operation
 // answers false (or an empty list) on a failure of the camera, a camera that went away included.
-// download() hands the whole file to a sink, in the memory libgphoto2 read it into, and answers
-// what the sink answers; preview() and exif() fill a string with the camera's own small picture and
-// the file's EXIF block, where the camera has them. setCancel() hands libgphoto2 a test it polls
-// during long transfers; setProgress() a function told of the fraction of a transfer done. One
-// thread at a time: libgphoto2 is not safe to enter twice on one camera.
+// download() hands the file to a sink piece by piece as the driver reads it, without gathering it
+// in memory, and fails as soon as the sink answers false; preview() and exif() fill a string with
+// the camera's own small picture and the file's EXIF block, where the camera has them. setCancel() hands
+// libgphoto2 a test it polls during long transfers; setProgress() a function told of the fraction of a
+// transfer done. One thread at a time: libgphoto2 is not safe to enter twice on one camera.
 
 #include <ctime>
 #include <functional>
@@ -54,7 +54,7 @@ public:
 
 private:
     GphotoCamera(_Camera* camera, _GPContext* context);
-    bool get(const std::string& folder, const std::string& name, int type, const Sink& take);
+    bool get(const std::string& folder, const std::string& name, int type, std::string* bytes);
 
     _Camera* mCamera;
     _GPContext* mContext;

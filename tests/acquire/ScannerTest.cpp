@@ -225,7 +225,7 @@ TEST_F(ScannerTest, DevicesAreListedAndUnloadWritesJpegsSkipsSixteenBitsFeedsShe
         scanner->setOptions(c.options);
         EXPECT_EQ(scanner->unload(&got), !c.jammed) << c.options[0];
         EXPECT_EQ(got.paths.size(), c.pictures) << c.options[0];
-        if (c.jammed) EXPECT_EQ(scanner->getLastStatus(), SANE_STATUS_JAMMED);
+        EXPECT_EQ(scanner->getLastStatus() == SANE_STATUS_JAMMED, c.jammed) << c.options[0];
     }
     EXPECT_FALSE(TwainSupport::hasTwainCrashed()) << "a jam is no crash";
     TwainSupport::setTwainMode(TwainSupport::kTwainNever);
