@@ -93,7 +93,8 @@ void AcquireCopyTask::doTask() {
         mPicked.clear();
         for (OwnedPtr<Asset>& asset : snapshot(mList))
             mPicked[asset->getProperties()->getValue(Asset::kPropFolder).asString()] = asset;
-        OwnedPtr<WiaCameraWalker> camera = WiaCameraWalker::create(mDeviceId);
+        // The scan's connection, if it is still there: the copy walks the files the scan found.
+        OwnedPtr<WiaCameraWalker> camera = WiaCameraWalker::resume(mDeviceId);
         camera->setCancelTest([this] { return wasKilled(); });
         ok = camera->walk(this) && !mCameraFailed;
         mPicked.clear();

@@ -12,6 +12,11 @@ unsigned char greySample(const unsigned char* row, int x, int depth) {
     return row[x];
 }
 
+const unsigned char* rowOf(const ScanFrames::Frame& frame, int y) {
+    return reinterpret_cast<const unsigned char*>(frame.bytes.data()) +
+           static_cast<std::size_t>(y) * frame.bytesPerLine;
+}
+
 bool fits(const ScanFrames::Frame& frame, int bytesPerPixelTimes8) {
     if (frame.pixelsPerLine <= 0 || frame.lines <= 0 || frame.bytesPerLine <= 0) return false;
     if (static_cast<long long>(frame.bytesPerLine) * 8 <
@@ -30,17 +35,10 @@ Dib* ScanFrames::toDib(const std::vector<Frame>& frames) {
     const int height = first.lines;
     for (const Frame& frame : frames)
         if (frame.depth != 1 && frame.depth != 8) return nullptr;
-    // Which frame fills each of the Dib's channels (blue, green, red), and which channel of it.
+    // Which grey frame fills each of the Dib's channels (blue, green, red); an RGB frame fills all.
     const Frame* sources[3] = {};
-    int channels[3] = {0, 0, 0};
-    int steps[3] = {1, 1, 1};
     if (first.format == 1) {
         if (first.depth != 8 || !fits(first, 24)) return nullptr;
-        for (int c = 0; c < 3; ++c) {
-            sources[c] = &first;
-            channels[c] = 2 - c;
-            steps[c] = 3;
-        }
     } else if (first.format == 0) {
         if (!fits(first, first.depth)) return nullptr;
         sources[0] = sources[1] = sources[2] = &first;
@@ -58,15 +56,20 @@ Dib* ScanFrames::toDib(const std::vector<Frame>& frames) {
     unsigned char* bits = dib->getBits();
     for (int y = 0; y < height; ++y) {
         unsigned char* out = bits + static_cast<std::size_t>(y) * stride;
+        if (first.format == 1) {
+            // One pass over the row: red, green, blue turned to blue, green, red.
+            const auto* in = rowOf(first, y);
+            for (int x = 0; x < width; ++x, in += 3, out += 3) {
+                out[0] = in[2];
+                out[1] = in[1];
+                out[2] = in[0];
+            }
+            continue;
+        }
         for (int c = 0; c < 3; ++c) {
             const Frame& frame = *sources[c];
-            const auto* row = reinterpret_cast<const unsigned char*>(frame.bytes.data()) +
-                              static_cast<std::size_t>(y) * frame.bytesPerLine;
-            if (steps[c] == 3) {
-                for (int x = 0; x < width; ++x) out[x * 3 + c] = row[x * 3 + channels[c]];
-            } else {
-                for (int x = 0; x < width; ++x) out[x * 3 + c] = greySample(row, x, frame.depth);
-            }
+            const unsigned char* row = rowOf(frame, y);
+            for (int x = 0; x < width; ++x) out[x * 3 + c] = greySample(row, x, frame.depth);
         }
     }
     return dib;

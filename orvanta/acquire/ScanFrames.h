@@ -9,7 +9,7 @@
 // does not take: 16 bits a sample (skipped, as the native transfer of old drivers did), a frame
 // missing or of other dimensions, or fewer bytes than the dimensions promise.
 
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvanta {
@@ -21,7 +21,7 @@ public:
     struct Frame {
         int format = 0;  // SANE's: 0 grey, 1 RGB, 2 red, 3 green, 4 blue
         int bytesPerLine = 0, pixelsPerLine = 0, lines = 0, depth = 8;
-        std::string bytes;
+        std::string_view bytes;  // the caller's, for the time of toDib
     };
 
     static Dib* toDib(const std::vector<Frame>& frames);

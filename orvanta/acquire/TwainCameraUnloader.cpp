@@ -9,7 +9,6 @@
 #include "orvanta/foundation/FilePath.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/Dib.h"
-#include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/SaneHelper.h"
 
 namespace Orvanta {
@@ -67,17 +66,10 @@ bool TwainCameraUnloader::unload(TwainCameraUnloaderListener* listener) {
     const std::string key = mSourceKey.toUtf8();
     const std::string device = mSourceOpen ? mDevice : key.substr(key.rfind('|') + 1);
     if (device.empty() || key.find('|') == std::string::npos) return false;
-    const CString folder = FilePath::getFolder(FilePath::getTempFilePath(nullptr));
     const auto onImage = [listener](const std::vector<Platform::SaneHelper::Frame>& sent) {
         std::vector<ScanFrames::Frame> frames;
-        for (const Platform::SaneHelper::Frame& s : sent) {
-            ScanFrames::Frame frame{s.format, s.bytesPerLine, s.pixelsPerLine, s.lines, s.depth, {}};
-            Platform::FileContents contents;
-            if (!contents.open(s.path)) return false;
-            if (contents.size() > 0)
-                frame.bytes.assign(reinterpret_cast<const char*>(contents.data()), contents.size());
-            frames.push_back(std::move(frame));
-        }
+        for (const Platform::SaneHelper::Frame& s : sent)
+            frames.push_back({s.format, s.bytesPerLine, s.pixelsPerLine, s.lines, s.depth, s.bytes});
         OwnedPtr<Dib> dib = ScanFrames::toDib(frames);
         if (!dib) return true;  // a depth we do not take: the next picture may do
         const CString path = writeJpeg(dib);
@@ -86,7 +78,7 @@ bool TwainCameraUnloader::unload(TwainCameraUnloaderListener* listener) {
         return listener->onImage(&item);
     };
     const Platform::SaneHelper::Outcome outcome =
-        Platform::SaneHelper::scan(device, folder.toUtf8(), mOptions, onImage, &mLastStatus);
+        Platform::SaneHelper::scan(device, mOptions, onImage, &mLastStatus);
     if (outcome == Platform::SaneHelper::kCrashed) TwainSupport::setTwainCrashed();
     return outcome == Platform::SaneHelper::kDone;
 }

@@ -18,34 +18,19 @@ namespace Orvanta {
 
 namespace {
 
-// Writes bytes to a new temporary file in folder; its path, or empty.
-std::string writeTemporary(const std::string& folder, const std::string& bytes, std::time_t time) {
-    Platform::FileSystem& fs = Platform::FileSystem::current();
-    std::string pattern = folder + "/.orvanta-download-XXXXXX";
-    const int fd = fs.makeTemporary(pattern.data(), 0);
-    if (fd < 0) return std::string();
-    bool ok = true;
-    for (std::size_t done = 0; ok && done < bytes.size();) {
-        const ssize_t wrote = fs.write(fd, bytes.data() + done, bytes.size() - done);
-        ok = wrote > 0;
-        if (ok) done += static_cast<std::size_t>(wrote);
+bool writeAll(Platform::FileSystem& fs, int fd, const char* bytes, std::size_t size) {
+    for (std::size_t done = 0; done < size;) {
+        const ssize_t wrote = fs.write(fd, bytes + done, size - done);
+        if (wrote <= 0) return false;
+        done += static_cast<std::size_t>(wrote);
     }
-    // Read by everyone, as a file copied from a card would be (mkstemp makes it the owner's alone).
-    ok = ok && fs.changeMode(fd, 0644) == 0;
-    if (ok && time) {
-        const struct timespec times[2] = {{time, 0}, {time, 0}};
-        fs.setTimes(fd, times);
-    }
-    ok = fs.close(fd) == 0 && ok;
-    if (ok) return pattern;
-    fs.unlink(pattern.c_str());
-    return std::string();
+    return true;
 }
 
-bool hasSameBytes(const std::string& path, const std::string& bytes) {
+bool hasSameBytes(const std::string& path, const char* bytes, std::size_t size) {
     Platform::FileContents contents;
-    return contents.open(path) && static_cast<std::size_t>(contents.size()) == bytes.size() &&
-           (bytes.empty() || std::memcmp(contents.data(), bytes.data(), bytes.size()) == 0);
+    return contents.open(path) && static_cast<std::size_t>(contents.size()) == size &&
+           (size == 0 || std::memcmp(contents.data(), bytes, size) == 0);
 }
 
 Dib* decodeJpeg(const std::string& bytes) {
@@ -68,14 +53,15 @@ void WiaCameraItem::load() {
     mName = FilePath::getFileTitle(fileName);
     mExtension = FilePath::getExtension(fileName);
     mFullName = CString::fromUtf8(mFolder == "/" ? "/" + mFileName : mFolder + "/" + mFileName);
-    mTime = DateTime::now();
     Platform::GphotoCamera::FileInfo info;
-    if (!mCamera->getInfo(mFolder, mFileName, &info)) return;
-    mWidth = info.width;
-    mHeight = info.height;
-    mByteSize = info.size;
-    mFileTime = info.time;
-    if (info.time) mTime = DateTime(static_cast<long>(info.time));
+    if (mCamera->getInfo(mFolder, mFileName, &info)) {
+        mWidth = info.width;
+        mHeight = info.height;
+        mByteSize = info.size;
+        mFileTime = info.time;
+    }
+    // Without a time from the camera, the current time stands.
+    mTime = mFileTime ? DateTime(static_cast<long>(mFileTime)) : DateTime::now();
 }
 
 bool WiaCameraItem::isSupported() {
@@ -114,18 +100,32 @@ std::size_t WiaCameraItem::getByteSize() {
 
 bool WiaCameraItem::downloadTo(const CString& path, bool verify) {
     load();
-    std::string bytes;
-    if (!mCamera->download(mFolder, mFileName, &bytes)) return false;
+    Platform::FileSystem& fs = Platform::FileSystem::current();
     const std::string target = path.toUtf8();
     const std::string folder = FilePath::getFolder(path).toUtf8();
-    const std::string temporary = writeTemporary(folder.empty() ? "." : folder, bytes, mFileTime);
-    if (temporary.empty()) return false;
-    Platform::FileSystem& fs = Platform::FileSystem::current();
-    if (fs.renameNoReplace(temporary.c_str(), target.c_str()) != 0) {
+    std::string temporary = (folder.empty() ? "." : folder) + "/.orvanta-download-XXXXXX";
+    const int fd = fs.makeTemporary(temporary.data(), 0);
+    if (fd < 0) return false;
+    // The pieces go to the file as the camera sends them; they are kept only to compare the copy
+    // with when it is to be verified.
+    std::string sent;
+    if (verify) sent.reserve(mByteSize);
+    bool ok = mCamera->download(mFolder, mFileName, [&](const char* bytes, std::size_t size) {
+        if (verify) sent.append(bytes, size);
+        return writeAll(fs, fd, bytes, size);
+    });
+    // Read by everyone, as a file copied from a card would be (mkstemp makes it the owner's alone).
+    ok = ok && fs.changeMode(fd, 0644) == 0;
+    if (ok && mFileTime) {
+        const struct timespec times[2] = {{mFileTime, 0}, {mFileTime, 0}};
+        fs.setTimes(fd, times);
+    }
+    ok = fs.close(fd) == 0 && ok;
+    if (!ok || fs.renameNoReplace(temporary.c_str(), target.c_str()) != 0) {
         fs.unlink(temporary.c_str());
         return false;
     }
-    return !verify || hasSameBytes(target, bytes);
+    return !verify || hasSameBytes(target, sent.data(), sent.size());
 }
 
 CString WiaCameraItem::download() {

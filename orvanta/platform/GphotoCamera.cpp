@@ -179,19 +179,32 @@ bool GphotoCamera::get(const std::string& folder, const std::string& name, int t
                     gp.gp_file_get_data_and_size(file, &data, &size) >= GP_OK && (data || size == 0);
     if (ok) bytes->assign(data ? data : "", size);
     gp.gp_file_unref(file);
+    return ok && !(mCancelled && mCancelled()) && !bytes->empty();
+}
+
+bool GphotoCamera::download(const std::string& folder, const std::string& name, const Sink& take) {
+    const Gphoto2Api& gp = gphoto2();
+    // The driver appends each piece it reads to the file, which hands it straight to the sink.
+    CameraFileHandler handler = {};
+    handler.write = [](void* sink, unsigned char* data, uint64_t* size) {
+        return (*static_cast<const Sink*>(sink))(reinterpret_cast<const char*>(data), *size)
+                   ? GP_OK
+                   : GP_ERROR_IO_WRITE;
+    };
+    CameraFile* file = nullptr;
+    if (gp.gp_file_new_from_handler(&file, &handler, const_cast<Sink*>(&take)) < GP_OK) return false;
+    const bool ok = gp.gp_camera_file_get(mCamera, folder.c_str(), name.c_str(), GP_FILE_TYPE_NORMAL, file,
+                                          mContext) >= GP_OK;
+    gp.gp_file_unref(file);
     return ok && !(mCancelled && mCancelled());
 }
 
-bool GphotoCamera::download(const std::string& folder, const std::string& name, std::string* bytes) {
-    return get(folder, name, GP_FILE_TYPE_NORMAL, bytes);
-}
-
 bool GphotoCamera::preview(const std::string& folder, const std::string& name, std::string* bytes) {
-    return get(folder, name, GP_FILE_TYPE_PREVIEW, bytes) && !bytes->empty();
+    return get(folder, name, GP_FILE_TYPE_PREVIEW, bytes);
 }
 
 bool GphotoCamera::exif(const std::string& folder, const std::string& name, std::string* bytes) {
-    return get(folder, name, GP_FILE_TYPE_EXIF, bytes) && !bytes->empty();
+    return get(folder, name, GP_FILE_TYPE_EXIF, bytes);
 }
 
 bool GphotoCamera::remove(const std::string& folder, const std::string& name) {

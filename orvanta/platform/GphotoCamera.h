@@ -6,10 +6,11 @@
 // connects to the camera of an id; null when libgphoto2 is missing, the model or port is unknown, or
 // the camera does not answer. Folders are camera paths ("/", "/DCIM/100CANON"). Every operation
 // answers false (or an empty list) on a failure of the camera, a camera that went away included.
-// download() fills memory with the whole file; preview() and exif() the camera's own small picture
-// and the file's EXIF block, where the camera has them. setCancel() hands libgphoto2 a test it polls
-// during long transfers; setProgress() a function told of the fraction of a transfer done. One
-// thread at a time: libgphoto2 is not safe to enter twice on one camera.
+// download() hands the file to a sink piece by piece as the driver reads it, without gathering it
+// in memory, and fails as soon as the sink answers false; preview() and exif() fill a string with
+// the camera's own small picture and the file's EXIF block, where the camera has them. setCancel() hands
+// libgphoto2 a test it polls during long transfers; setProgress() a function told of the fraction of a
+// transfer done. One thread at a time: libgphoto2 is not safe to enter twice on one camera.
 
 #include <ctime>
 #include <functional>
@@ -42,7 +43,8 @@ public:
     bool listFolders(const std::string& folder, std::vector<std::string>* names);
     bool listFiles(const std::string& folder, std::vector<std::string>* names);
     bool getInfo(const std::string& folder, const std::string& name, FileInfo* info);
-    bool download(const std::string& folder, const std::string& name, std::string* bytes);
+    using Sink = std::function<bool(const char* data, std::size_t size)>;
+    bool download(const std::string& folder, const std::string& name, const Sink& take);
     bool preview(const std::string& folder, const std::string& name, std::string* bytes);
     bool exif(const std::string& folder, const std::string& name, std::string* bytes);
     bool remove(const std::string& folder, const std::string& name);

@@ -5,7 +5,9 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,7 +15,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
+#include <deque>
+#include <memory>
 #include <sstream>
 
 extern char** environ;
@@ -85,17 +88,43 @@ public:
                 return false;
             }
             char buffer[4096];
-            const ssize_t got = recv(mSocket, buffer, sizeof buffer, 0);
+            iovec part = {buffer, sizeof buffer};
+            alignas(cmsghdr) char control[CMSG_SPACE(4 * sizeof(int))];
+            msghdr message = {};
+            message.msg_iov = &part;
+            message.msg_iovlen = 1;
+            message.msg_control = control;
+            message.msg_controllen = sizeof control;
+            const ssize_t got = recvmsg(mSocket, &message, MSG_CMSG_CLOEXEC);
             if (got < 0 && errno == EINTR) continue;
             if (got <= 0) return false;
+            for (cmsghdr* h = CMSG_FIRSTHDR(&message); h; h = CMSG_NXTHDR(&message, h)) {
+                if (h->cmsg_level != SOL_SOCKET || h->cmsg_type != SCM_RIGHTS) continue;
+                const std::size_t count = (h->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+                for (std::size_t i = 0; i < count; ++i) {
+                    int fd;
+                    std::memcpy(&fd, CMSG_DATA(h) + i * sizeof(int), sizeof fd);
+                    mFds.push_back(fd);
+                }
+            }
             mPending.append(buffer, static_cast<std::size_t>(got));
         }
     }
 
     void send(const char* line) { ::send(mSocket, line, std::strlen(line), MSG_NOSIGNAL); }
 
+    // The oldest file descriptor that came with the lines, or -1; the caller closes it.
+    int takeFd() {
+        if (mFds.empty()) return -1;
+        const int fd = mFds.front();
+        mFds.pop_front();
+        return fd;
+    }
+
     // Waits for the helper to end (killing it first with kill), and answers whether it was hung.
     bool finish(bool killFirst) {
+        for (const int fd : mFds) close(fd);
+        mFds.clear();
         if (mSocket >= 0) {
             close(mSocket);
             mSocket = -1;
@@ -115,6 +144,40 @@ private:
     int mSocket = -1;
     bool mHung = false;
     std::string mPending;
+    std::deque<int> mFds;
+};
+
+// A frame's memory file mapped for reading, if it is sealed against shrinking: a helper that cut it
+// short after sending would otherwise fault the host when it reads.
+class FrameMapping {
+public:
+    FrameMapping(int fd, std::size_t size) {
+        struct stat info;
+        const int seals = fd >= 0 ? fcntl(fd, F_GET_SEALS) : -1;
+        if (seals >= 0 && (seals & F_SEAL_SHRINK) && fstat(fd, &info) == 0 &&
+            static_cast<std::size_t>(info.st_size) == size) {
+            void* map = size ? mmap(nullptr, size, PROT_READ, MAP_SHARED, fd, 0) : nullptr;
+            if (map != MAP_FAILED) {
+                mData = static_cast<const char*>(map);
+                mSize = size;
+                mOk = true;
+            }
+        }
+        if (fd >= 0) close(fd);
+    }
+    ~FrameMapping() {
+        if (mData) munmap(const_cast<char*>(mData), mSize);
+    }
+    FrameMapping(const FrameMapping&) = delete;
+    FrameMapping& operator=(const FrameMapping&) = delete;
+
+    bool ok() const { return mOk; }
+    std::string_view bytes() const { return std::string_view(mData, mSize); }
+
+private:
+    const char* mData = nullptr;
+    std::size_t mSize = 0;
+    bool mOk = false;
 };
 
 }  // namespace
@@ -152,31 +215,25 @@ SaneHelper::Outcome SaneHelper::listDevices(std::vector<Device>* devices) {
     return kCrashed;
 }
 
-SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::string& folder,
-                                     const std::vector<std::string>& options, const ImageSink& onImage,
-                                     int* status) {
-    // The frames go to a folder of their own, removed with whatever a helper that died left in it.
-    std::string frameFolder = folder + "/orvanta-frames-XXXXXX";
-    if (!mkdtemp(frameFolder.data())) return kFailed;
-    struct Remover {
-        std::string path;
-        ~Remover() {
-            std::error_code ignored;
-            std::filesystem::remove_all(path, ignored);
-        }
-    } remover{frameFolder};
-    std::vector<std::string> arguments = {"scan", device, frameFolder};
+SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::vector<std::string>& options,
+                                     const ImageSink& onImage, int* status) {
+    std::vector<std::string> arguments = {"scan", device};
     arguments.insert(arguments.end(), options.begin(), options.end());
     Conversation helper(arguments);
     if (!helper.started()) return kFailed;
     std::vector<Frame> frames;
+    std::vector<std::unique_ptr<FrameMapping>> mappings;
     std::string line;
     while (helper.readLine(&line)) {
         const std::vector<std::string> fields = splitTabs(line);
         if (fields.empty()) continue;
         if (fields[0] == "frame" && fields.size() == 8) {
+            mappings.push_back(std::make_unique<FrameMapping>(
+                helper.takeFd(), static_cast<std::size_t>(std::strtoull(fields[1].c_str(), nullptr, 10))));
+            // A frame that cannot be read is a helper that broke its word.
+            if (!mappings.back()->ok()) break;
             Frame frame;
-            frame.path = fields[1];
+            frame.bytes = mappings.back()->bytes();
             frame.format = std::atoi(fields[2].c_str());
             frame.last = fields[3] == "1";
             frame.bytesPerLine = std::atoi(fields[4].c_str());
@@ -186,8 +243,8 @@ SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::strin
             frames.push_back(frame);
         } else if (fields[0] == "image") {
             const bool more = onImage(frames);
-            for (const Frame& frame : frames) unlink(frame.path.c_str());
             frames.clear();
+            mappings.clear();
             helper.send(more ? "next\n" : "stop\n");
         } else if (fields[0] == "status" && fields.size() == 3) {
             *status = std::atoi(fields[1].c_str());
@@ -195,8 +252,7 @@ SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::strin
             return fields[2] == "ok" ? kDone : kFailed;
         }
     }
-    for (const Frame& frame : frames) unlink(frame.path.c_str());
-    helper.finish(false);
+    helper.finish(true);
     return kCrashed;
 }
 

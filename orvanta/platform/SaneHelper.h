@@ -4,11 +4,13 @@
 // host.
 //
 // Contract: each operation starts a helper (posix_spawn), talks to it over a socket pair and waits
-// for it to end. The helper sends text lines; a scanned frame travels as a file of raw SANE bytes in
-// a new folder inside the one the host names, which is removed with everything in it at the end,
-// so that a helper that dies in the middle of a frame leaves nothing behind. An operation answers
-// kCrashed when the helper ended without its closing line (a signal, a sanitizer's report, an exit
-// in the middle), or sent nothing for the hang timeout, after which it is killed by its pid.
+// for it to end. The helper sends text lines; a scanned frame travels as a sealed memory file of raw
+// SANE bytes (memfd, passed along the socket), which the host maps for the time of onImage: nothing
+// is written to disk, and a helper that dies in the middle of a frame leaves nothing behind, nor
+// can it shrink a frame under the host's mapping. An operation answers kCrashed when the helper
+// ended without its closing line (a signal, a sanitizer's report, an exit in the middle), sent a
+// frame that cannot be mapped, or sent nothing for the hang timeout, after which it is killed by its
+// pid.
 // listDevices() gives SANE's devices. scan() sets each option given as NAME=VALUE, then scans
 // pictures: after each whole picture (one frame, or the three of a three-pass scanner) onImage is
 // called with its frames and answers whether to scan another; the helper goes on while the device
@@ -18,6 +20,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvanta::Platform {
@@ -31,7 +34,7 @@ public:
         std::string name, vendor, model, type;
     };
     struct Frame {
-        std::string path;
+        std::string_view bytes;  // mapped until onImage returns
         int format = kGray;
         bool last = true;
         int bytesPerLine = 0, pixelsPerLine = 0, lines = 0, depth = 8;
@@ -39,8 +42,8 @@ public:
     using ImageSink = std::function<bool(const std::vector<Frame>& frames)>;
 
     static Outcome listDevices(std::vector<Device>* devices);
-    static Outcome scan(const std::string& device, const std::string& folder,
-                        const std::vector<std::string>& options, const ImageSink& onImage, int* status);
+    static Outcome scan(const std::string& device, const std::vector<std::string>& options,
+                        const ImageSink& onImage, int* status);
 
     static std::string helperPath();
     // How long the helper may stay silent before it counts as hung; 0 restores the default (60 s).

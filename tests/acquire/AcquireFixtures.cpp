@@ -1,16 +1,19 @@
 #include "tests/acquire/AcquireFixtures.h"
 
+#include <sys/stat.h>
+
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
 #include <thread>
 
-#include "orvanta/acquire/AcquireTaskEvent.h"
+#include "orvanta/acquire/TwainSupport.h"
 #include "orvanta/codecs/CodecManager.h"
 #include "orvanta/codecs/GenericVideoCodec.h"
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
+#include "tests/support/TestData.h"
 
 using namespace Orvanta;
 
@@ -31,44 +34,28 @@ void registerAcquireCodecs() {
     });
 }
 
-bool ItemCollector::onItem(WiaCameraItem* item) {
-    const DateTime time = item->getTime();
-    FILETIME fileTime;
-    time.asFileTime(&fileTime);
-    items.push_back({item->getFullName().toUtf8(), item->getName().toUtf8(), item->getExtension().toUtf8(),
-                     item->isSupported(),
-                     static_cast<long long>((static_cast<unsigned long long>(fileTime.dwHighDateTime) << 32) |
-                                            fileTime.dwLowDateTime)});
-    if (mEach) mEach(item);
-    return mStopAfter == 0 || static_cast<int>(items.size()) < mStopAfter;
-}
-
-void TaskEvents::onEvent(Event* event) {
-    auto* e = static_cast<AcquireTaskEvent*>(event);
-    records.push_back({e->getTask(), e->getTaskCode(), e->getID(), e->getPath().toUtf8()});
-}
-
-int TaskEvents::waitForEnd(Task* task) {
+bool pumpUntil(const std::function<bool()>& done) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
-    while (std::chrono::steady_clock::now() < deadline) {
+    while (!done()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
         MSG msg;
         while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE))
             if (!processMessage(&msg, nullptr)) Platform::dispatchMessage(&msg);
-        for (const Record& r : records)
-            if (r.task == task &&
-                (r.code == AcquireTaskEvent::kFinished || r.code == AcquireTaskEvent::kStopped ||
-                 r.code == AcquireTaskEvent::kError))
-                return r.code;
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
-    return -1;
+    return true;
 }
 
-std::vector<TaskEvents::Record> TaskEvents::of(Task* task, int code) const {
-    std::vector<Record> found;
-    for (const Record& r : records)
-        if (r.task == task && r.code == code) found.push_back(r);
-    return found;
+long long mtimeNs(const std::string& path) {
+    struct stat info;
+    if (stat(path.c_str(), &info) != 0) return -1;
+    return static_cast<long long>(info.st_mtim.tv_sec) * 1000000000LL + info.st_mtim.tv_nsec;
+}
+
+void AcquireTest::SetUp() {
+    ORVANTA_REQUIRE_TESTDATA();
+    registerAcquireCodecs();
+    TwainSupport::setTwainMode(TwainSupport::kTwainNever);
 }
 
 }  // namespace OrvantaTest

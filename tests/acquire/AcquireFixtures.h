@@ -1,16 +1,12 @@
 #pragma once
-// What the acquisition tests share: the codecs registered once, a listener that collects a walk's
-// camera items, and a sink for task events that pumps the library's queue until a task has ended.
+// What the acquisition tests share: the codecs registered once, SANE confined to the test backends,
+// the library's loop run until a condition holds, and the fixture of the tests on photographs.
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
-#include <vector>
 
-#include "orvanta/acquire/WiaCameraItem.h"
-#include "orvanta/acquire/WiaCameraWalkerListener.h"
-#include "orvanta/foundation/EventListener.h"
-#include "orvanta/foundation/Task.h"
-#include "orvanta/foundation/UniqueID.h"
 #include "tests/support/TempDir.h"
 
 namespace OrvantaTest {
@@ -28,39 +24,17 @@ private:
 // JPEG, TIFF and BMP, and the video codec.
 void registerAcquireCodecs();
 
-struct SeenItem {
-    std::string fullName, name, extension;
-    bool supported;
-    long long time;
-};
+// Runs the loop as a host does until done() holds; false after two minutes.
+bool pumpUntil(const std::function<bool()>& done);
 
-class ItemCollector : public Orvanta::WiaCameraWalkerListener {
-public:
-    // stopAfter: answer false on this item (1-based); 0 never.
-    explicit ItemCollector(int stopAfter = 0, std::function<void(Orvanta::WiaCameraItem*)> each = nullptr)
-        : mStopAfter(stopAfter), mEach(std::move(each)) {}
-    bool onItem(Orvanta::WiaCameraItem* item) override;
-    std::vector<SeenItem> items;
+// A file's write time in nanoseconds since 1970; -1 when it cannot be read.
+long long mtimeNs(const std::string& path);
 
-private:
-    int mStopAfter;
-    std::function<void(Orvanta::WiaCameraItem*)> mEach;
-};
-
-// Collects the events of the acquisition tasks on the thread that made it.
-class TaskEvents : public Orvanta::EventListener {
-public:
-    struct Record {
-        Orvanta::Task* task;
-        int code;
-        Orvanta::UniqueID id;
-        std::string path;
-    };
-    void onEvent(Orvanta::Event* event) override;
-    // Pumps the queue until task has sent its last event (finished or stopped); that code.
-    int waitForEnd(Orvanta::Task* task);
-    std::vector<Record> of(Orvanta::Task* task, int code) const;
-    std::vector<Record> records;
+// The tests on the test data's photographs, with the codecs registered and cameras reached through
+// libgphoto2 (the TWAIN mode "never").
+class AcquireTest : public ::testing::Test {
+protected:
+    void SetUp() override;
 };
 
 }  // namespace OrvantaTest

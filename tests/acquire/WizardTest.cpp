@@ -1,23 +1,19 @@
-// The acquire wizard on a real run, its pages plain labels: a camera scanned, chosen and copied;
-// nothing found; a scan cancelled; debugging mode; a second scan; a scanner's temporary pictures and
-// a driver that crashes (result 3). After every road out no temporary file is left.
+// The acquire wizard on a real run, its pages plain labels: a camera and a scanner's feeder scanned,
+// chosen and copied; a second scan; nothing found; a scan cancelled; a driver that crashes (result
+// 3). After every road out no temporary file is left.
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
-#include <thread>
 
 #include "orvanta/acquire/AcquireWizard.h"
 #include "orvanta/acquire/TwainSupport.h"
-#include "orvanta/assets/AssetList.h"
-#include "orvanta/foundation/OrvantaSystem.h"
-#include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/SaneHelper.h"
 #include "orvanta/toolkit/Label.h"
 #include "tests/acquire/AcquireFixtures.h"
+#include "tests/foundation/TestEnvironment.h"
 #include "tests/support/DirectoryCamera.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
@@ -47,101 +43,96 @@ public:
     std::vector<int> built;
     int found = 0;
     std::vector<std::string> copies;
-
-private:
-    LabelWizard() = default;
 };
-
-// Runs the loop as a host does until done() holds or two minutes pass.
-bool pumpUntil(const std::function<bool()>& done) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(2);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        MSG msg;
-        while (Platform::peekMessage(&msg, 0, 0, PM_REMOVE))
-            if (!processMessage(&msg, nullptr)) Platform::dispatchMessage(&msg);
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
-}
 
 // The temporary folder of the run, put in place of the system's for the test.
-class PrivateTemp {
-public:
-    PrivateTemp() {
-        if (const char* old = std::getenv("TMPDIR")) mOld = old;
-        setenv("TMPDIR", mDir.path().c_str(), 1);
-    }
-    ~PrivateTemp() {
-        if (mOld.empty())
-            unsetenv("TMPDIR");
-        else
-            setenv("TMPDIR", mOld.c_str(), 1);
-    }
-    std::size_t count() const { return mDir.count(); }
-
-private:
-    TempDir mDir;
-    std::string mOld;
+struct PrivateTemp {
+    std::size_t count() const { return dir.count(); }
+    TempDir dir;
+    ScopedVariable tmpdir{"TMPDIR", dir.path().c_str()};
 };
+
+// A wizard on a device, shown modeless over the harness's window; prepare runs before it is shown.
+OwnedPtr<LabelWizard> showWizard(UiHarness& ui, int type, const std::string& id,
+                                 const std::function<void(LabelWizard*)>& prepare = nullptr) {
+    OwnedPtr<LabelWizard> wizard = LabelWizard::create();
+    wizard->setDevice(type, CString::fromUtf8(id));
+    if (prepare) prepare(wizard);
+    wizard->showModeless(400, 300, u"Import", ui.window());
+    return wizard;
+}
 
 }  // namespace
 
-class WizardTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ORVANTA_REQUIRE_TESTDATA();
-        registerAcquireCodecs();
-        TwainSupport::setTwainMode(TwainSupport::kTwainNever);
-    }
-};
+class WizardTest : public AcquireTest {};
 
-TEST_F(WizardTest, CameraRunGoesThroughEveryPageAndLeavesNoTemporaryFile) {
-    UiHarness ui;
+// A whole run of a camera and of a scanner's feeder: found, chosen, copied, and every temporary file
+// (the thumbnail store, a scanner's pictures) gone with the wizard.
+TEST_F(WizardTest, CameraAndScannerRunsGoThroughEveryPageAndLeaveNoTemporaryFile) {
+    PrivateSane sane;
     DirectoryCamera camera(4);
-    TempDir target;
-    PrivateTemp temp;
-    OwnedPtr<LabelWizard> wizard = LabelWizard::create();
-    wizard->setDevice(kSourceImagingDevice, CString::fromUtf8(camera.id()));
-    wizard->setTarget(CString::fromUtf8(target.path()), CString());
-    EXPECT_TRUE(wizard->supportsDeleteAfterCopy());
-    wizard->showModeless(400, 300, u"Import", ui.window());
-    ASSERT_TRUE(pumpUntil([&] {
-        return wizard->getCurrentPage() == AcquireWizard::kChoosePage || !wizard->getContainer();
-    })) << wizard->found;
-    ASSERT_TRUE(wizard->getContainer());
-    EXPECT_EQ(wizard->getTotalPhotosFound(), 5);
-    EXPECT_EQ(wizard->found, 5);
-    EXPECT_EQ(wizard->getAssetList()->getCount(), 5);
-    EXPECT_EQ(temp.count(), 2u) << "the thumbnail store and its journal";
-    wizard->goToPage(AcquireWizard::kSettingsPage);
-    wizard->goToPage(AcquireWizard::kCopyPage);
-    ASSERT_TRUE(pumpUntil([&] { return wizard->getCurrentPage() == AcquireWizard::kSummaryPage; }));
-    EXPECT_EQ(wizard->getCopyResults(), AcquireWizard::kCopied);
-    EXPECT_EQ(wizard->getTotalPhotosCopied(), 5);
-    EXPECT_EQ(wizard->copies.size(), 5u);
-    for (const std::string& f : camera.files())
-        EXPECT_EQ(readFileBytes(target.file(fs::path(f).filename().string())),
-                  readFileBytes(camera.localPath(f)));
-
-    // A second look at the same camera reuses the task and counts again from nothing.
-    wizard->beginScanTask();
-    ASSERT_TRUE(pumpUntil([&] { return wizard->found == 10; }));
-    EXPECT_EQ(wizard->getTotalPhotosFound(), 5);
-    wizard->close(IDOK);
-    wizard = nullptr;
-    EXPECT_EQ(temp.count(), 0u);
+    const struct {
+        TwainSupport::TwainMode mode;
+        std::string id;
+        std::vector<std::string> options;
+        const char16_t* baseName;
+        int found, copied;
+        bool deletes;
+    } runs[] = {
+        {TwainSupport::kTwainNever, camera.id(), {}, u"", 5, 5, true},
+        // One base name for every page: the first takes it, the others find it taken.
+        {TwainSupport::kTwainAlways,
+         "Noname|frontend-tester|test:0",
+         {"source=Automatic Document Feeder", "resolution=50"},
+         u"scan",
+         10,
+         1,
+         false},
+    };
+    for (const auto& run : runs) {
+        if (run.mode == TwainSupport::kTwainAlways && Platform::SaneHelper::helperPath().empty()) continue;
+        UiHarness ui;
+        TempDir target;
+        PrivateTemp temp;
+        TwainSupport::setTwainMode(run.mode);
+        {
+            OwnedPtr<LabelWizard> wizard = showWizard(ui, kSourceImagingDevice, run.id, [&](LabelWizard* w) {
+                w->setScanOptions(run.options);
+                w->setTarget(CString::fromUtf8(target.path()), run.baseName);
+            });
+            EXPECT_EQ(wizard->supportsDeleteAfterCopy(), run.deletes) << run.id;
+            ASSERT_TRUE(pumpUntil([&] {
+                return wizard->getCurrentPage() == AcquireWizard::kChoosePage || !wizard->getContainer();
+            })) << run.id;
+            ASSERT_TRUE(wizard->getContainer()) << run.id;
+            EXPECT_EQ(wizard->found, run.found) << run.id;
+            EXPECT_GE(temp.count(), 2u) << "the thumbnail store and its journal";
+            wizard->goToPage(AcquireWizard::kSettingsPage);
+            wizard->goToPage(AcquireWizard::kCopyPage);
+            ASSERT_TRUE(pumpUntil([&] { return wizard->getCurrentPage() == AcquireWizard::kSummaryPage; }));
+            EXPECT_EQ(wizard->getCopyResults(), AcquireWizard::kCopied) << run.id;
+            EXPECT_EQ(wizard->getTotalPhotosCopied(), run.copied) << run.id;
+            EXPECT_EQ(wizard->copies.size(), static_cast<std::size_t>(run.copied)) << run.id;
+            if (run.mode == TwainSupport::kTwainNever) {
+                // A second look at the same camera reuses the task and counts again from nothing.
+                wizard->beginScanTask();
+                ASSERT_TRUE(pumpUntil([&] { return wizard->found == 10; }));
+                EXPECT_EQ(wizard->getTotalPhotosFound(), 5);
+            }
+            wizard->close(IDOK);
+        }
+        EXPECT_EQ(temp.count(), 0u) << run.id;
+    }
+    TwainSupport::setTwainMode(TwainSupport::kTwainNever);
 }
 
-TEST_F(WizardTest, NothingFoundCancelledScanAndDebuggingMode) {
+TEST_F(WizardTest, NothingFoundAndCancelledScan) {
     UiHarness ui;
     TempDir card;
     PrivateTemp temp;
     fs::create_directories(card.file("DCIM"));
     {
-        OwnedPtr<LabelWizard> wizard = LabelWizard::create();
-        wizard->setDevice(kSourceRemovableDrive, CString::fromUtf8(card.path()));
-        wizard->showModeless(400, 300, u"Import", ui.window());
+        OwnedPtr<LabelWizard> wizard = showWizard(ui, kSourceRemovableDrive, card.path());
         ASSERT_TRUE(pumpUntil([&] { return wizard->getCurrentPage() == AcquireWizard::kSummaryPage; }));
         EXPECT_EQ(wizard->getCopyResults(), AcquireWizard::kNoPhotos);
         EXPECT_EQ(wizard->built, (std::vector<int>{0, 4})) << "the choosing page is skipped";
@@ -152,56 +143,13 @@ TEST_F(WizardTest, NothingFoundCancelledScanAndDebuggingMode) {
     for (std::size_t i = 0; i < 60; ++i)
         fs::copy_file(photos[i % photos.size()], card.file("DCIM/p" + std::to_string(i) + ".jpg"));
     {
-        OwnedPtr<LabelWizard> wizard = LabelWizard::create();
-        wizard->setDevice(kSourceRemovableDrive, CString::fromUtf8(card.path()));
-        wizard->showModeless(400, 300, u"Import", ui.window());
+        OwnedPtr<LabelWizard> wizard = showWizard(ui, kSourceRemovableDrive, card.path());
         wizard->cancelScan();
         ASSERT_TRUE(pumpUntil([&] { return !wizard->getContainer(); }))
             << "a cancelled scan closes the wizard";
         EXPECT_LT(wizard->found, 60);
     }
     EXPECT_EQ(temp.count(), 0u);
-    {
-        OwnedPtr<LabelWizard> wizard = LabelWizard::create();
-        wizard->setDebuggingMode(true);
-        wizard->setDevice(kSourceRemovableDrive, CString::fromUtf8(card.path()));
-        wizard->showModeless(400, 300, u"Import", ui.window());
-        ui.runFor(200);
-        EXPECT_EQ(wizard->getCurrentPage(), AcquireWizard::kScanPage);
-        EXPECT_EQ(wizard->found, 0) << "no task runs";
-        wizard->close(0);
-    }
-    EXPECT_EQ(temp.count(), 0u);
-}
-
-TEST_F(WizardTest, ScannersTemporaryPicturesGoWithTheWizard) {
-    if (Platform::SaneHelper::helperPath().empty()) GTEST_SKIP() << "orvanta-sane-helper is not built";
-    PrivateSane sane;
-    TempDir target;
-    {
-        UiHarness ui;
-        PrivateTemp temp;
-        TwainSupport::setTwainMode(TwainSupport::kTwainAlways);
-        {
-            OwnedPtr<LabelWizard> wizard = LabelWizard::create();
-            wizard->setDevice(kSourceImagingDevice, u"Noname|frontend-tester|test:0");
-            wizard->setScanOptions({"source=Automatic Document Feeder", "resolution=50"});
-            wizard->setTarget(CString::fromUtf8(target.path()), u"scan");
-            wizard->showModeless(400, 300, u"Scan", ui.window());
-            ASSERT_TRUE(pumpUntil([&] { return wizard->getCurrentPage() == AcquireWizard::kChoosePage; }));
-            EXPECT_EQ(wizard->found, 10);
-            EXPECT_FALSE(wizard->supportsDeleteAfterCopy());
-            wizard->goToPage(AcquireWizard::kCopyPage);
-            ASSERT_TRUE(pumpUntil([&] { return wizard->getCurrentPage() == AcquireWizard::kSummaryPage; }));
-            // One base name for every page: the first takes it, the others find it taken.
-            EXPECT_EQ(wizard->getTotalPhotosCopied(), 1);
-            EXPECT_EQ(wizard->getCopyResults(), AcquireWizard::kCopied);
-            EXPECT_TRUE(fs::exists(target.file("scan.jpg")));
-            EXPECT_GT(temp.count(), 10u) << "the pictures wait in the temporary folder";
-        }
-        EXPECT_EQ(temp.count(), 0u);
-        TwainSupport::setTwainMode(TwainSupport::kTwainNever);
-    }
 }
 
 // In a child process of its own, since the crash flag lasts for the process.
@@ -217,9 +165,8 @@ TEST_F(WizardTest, DriverCrashDuringTheScanEndsOnTheSummaryWithResultThree) {
             TwainSupport::setTwainMode(TwainSupport::kTwainAlways);
             int result = -1;
             {
-                OwnedPtr<LabelWizard> wizard = LabelWizard::create();
-                wizard->setDevice(kSourceImagingDevice, u"Orvanta|Crash Tester|orvantacrash:0");
-                wizard->showModeless(400, 300, u"Scan", ui.window());
+                OwnedPtr<LabelWizard> wizard =
+                    showWizard(ui, kSourceImagingDevice, "Orvanta|Crash Tester|orvantacrash:0");
                 if (pumpUntil([&] { return wizard->getCurrentPage() == AcquireWizard::kSummaryPage; }))
                     result = wizard->getCopyResults();
             }

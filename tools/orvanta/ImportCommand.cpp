@@ -88,38 +88,56 @@ int sourceTypeOf(const std::string& id) {
     return kSourceImagingDevice;
 }
 
-// The tasks' events, on the main thread: counts, the bar, the copies' paths.
+// The copies go into the catalogue one by one as the copy task reports them, so that the catalogue
+// is written while the task brings the next file. It is opened (made if need be) with the first.
+class CatalogueFiller {
+public:
+    explicit CatalogueFiller(const CatalogueChoice& choice) : mChoice(choice) {}
+
+    void add(const CString& path) {
+        if (!mOpened) {
+            mOpened = true;
+            mDb = openCatalogue(mChoice, true);
+            mFailed = !mDb;
+        }
+        if (!mDb) return;
+        OwnedPtr<Asset> entry = CatalogueEntry::create(path);
+        if (!entry || !mDb->addAsset(entry, false)) {
+            std::fprintf(stderr, "orvanta import: %s cannot be added to the catalogue\n",
+                         path.toUtf8().c_str());
+            mFailed = true;
+        }
+    }
+    // Closes the catalogue; whether anything failed.
+    bool finish() {
+        mDb = nullptr;
+        return mFailed;
+    }
+
+private:
+    CatalogueChoice mChoice;
+    bool mOpened = false;
+    bool mFailed = false;
+    OwnedPtr<AssetDb> mDb;
+};
+
+// The tasks' events, on the main thread: counts, the bar, the copies into the catalogue.
 class Progress : public EventListener {
 public:
+    explicit Progress(const CatalogueChoice& choice) : catalogue(choice) {}
     void onEvent(Event* event) override {
         auto* e = static_cast<AcquireTaskEvent*>(event);
         if (e->getTask() != copyTask && e->getTaskCode() == AcquireTaskEvent::kStopped) scanStopped = true;
-        if (e->getTaskCode() != AcquireTaskEvent::kItem) return;
-        if (e->getTask() == copyTask) {
-            copies.push_back(e->getPath());
-            if (bar) bar->update(static_cast<int>(copies.size()));
-        }
+        if (e->getTaskCode() != AcquireTaskEvent::kItem || e->getTask() != copyTask) return;
+        catalogue.add(e->getPath());
+        if (bar) bar->update(++copies);
     }
     Task* copyTask = nullptr;
     bool scanStopped = false;
     ProgressBar* bar = nullptr;
-    std::vector<CString> copies;
+    int copies = 0;
+    CatalogueFiller catalogue;
 };
-
-int addToCatalogue(const CatalogueChoice& choice, const std::vector<CString>& copies) {
-    OwnedPtr<AssetDb> db = openCatalogue(choice, true);
-    if (!db) return 1;
-    int failed = 0;
-    for (const CString& path : copies) {
-        OwnedPtr<Asset> entry = CatalogueEntry::create(path);
-        if (!entry || !db->addAsset(entry, false)) {
-            std::fprintf(stderr, "orvanta import: %s cannot be added to the catalogue\n",
-                         path.toUtf8().c_str());
-            ++failed;
-        }
-    }
-    return failed ? 1 : 0;
-}
 
 }  // namespace
 
@@ -136,7 +154,7 @@ int runImport(const Arguments& arguments) {
     TaskRunner runner;
     const int type = sourceTypeOf(options.id);
     const CString id = CString::fromUtf8(options.id);
-    Progress progress;
+    Progress progress(options.catalogue);
     OwnedPtr<MemAssetList> found = MemAssetList::create();
 
     // Look first (no thumbnails: nobody is there to see them), then copy what was found.
@@ -181,7 +199,7 @@ int runImport(const Arguments& arguments) {
     // device that went away never gave included.
     const int failed = total - copied - skipped;
     int status = failed || progress.scanStopped ? 1 : 0;
-    if (!progress.copies.empty() && addToCatalogue(options.catalogue, progress.copies) != 0) status = 1;
+    if (progress.catalogue.finish()) status = 1;
     // A scanner's pictures were temporary files.
     if (type == kSourceImagingDevice && TwainSupport::shouldUseTwain())
         for (int i = 0; i < total; ++i)
