@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <link.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
@@ -18,6 +19,8 @@
 #include <deque>
 #include <memory>
 #include <sstream>
+
+#include "orvanta/platform/Process.h"
 
 extern char** environ;
 
@@ -188,10 +191,15 @@ void SaneHelper::setHangTimeout(int milliseconds) {
 
 std::string SaneHelper::helperPath() {
     if (const char* given = std::getenv("ORVANTA_SANE_HELPER"); given && *given) return given;
+    // The folder of the object this code is in: the library, or a host linked with the library's
+    // objects, whose name the loader knows only as argv[0] (hence its path from the kernel).
     Dl_info info;
-    if (!dladdr(reinterpret_cast<void*>(&SaneHelper::helperPath), &info) || !info.dli_fname)
+    link_map* object = nullptr;
+    if (!dladdr1(reinterpret_cast<void*>(&SaneHelper::helperPath), &info, reinterpret_cast<void**>(&object),
+                 RTLD_DL_LINKMAP) ||
+        !object)
         return std::string();
-    std::string folder = info.dli_fname;
+    std::string folder = object->l_name[0] ? object->l_name : executablePath();
     folder = folder.substr(0, folder.rfind('/') + 1);
     for (const char* relative : {"../bin/orvanta-sane-helper", "../libexec/orvanta/orvanta-sane-helper"})
         if (isExecutable(folder + relative)) return folder + relative;

@@ -408,7 +408,10 @@ Database::Block* Database::findFreeRun(int size) {
 bool Database::grow(int size) {
     if (!mBase) return false;
     const long long blockSize = getBlockSize();
-    long long blocks = std::max(mGrowBlocks, 1);
+    // A large file grows by an eighth of itself: few growths (each remaps the file), and each one
+    // long enough to hold whole 2 MiB pieces, which File::allocate writes so that the cache keeps
+    // them as large pages.
+    long long blocks = std::max({mGrowBlocks, 1, getBlockCount() / 8});
     // No allowance for the record head: a size within 40 bytes of a multiple of the block size can
     // leave the new run one block short, and the search after growing then fails.
     if (blockSize * blocks < size) blocks = size / blockSize + 1;

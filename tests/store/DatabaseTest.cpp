@@ -133,6 +133,11 @@ TEST_F(DatabaseTest, BlockRuleGrowthAndFirstFit) {
     EXPECT_EQ(db->newRecord(idFor(1), 100), nullptr);
     EXPECT_TRUE(db->addRecord(idFor(1), pattern(100, 1).data(), 100));
     EXPECT_EQ(db->getBlockCount(), 4);
+    // Past eight steps the file grows by an eighth of its blocks: 2, 4, ... 16, then 18, 20, 22, 24,
+    // 27, 30, 33, 37, 41.
+    db = make(64, 2, "eighth");
+    for (int i = 0; i < 40; ++i) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
+    EXPECT_EQ(db->getBlockCount(), 41);
     // First fit, within a word of 64 blocks and across words: with free runs of blocks 1-2, 4-8, 62-121
     // and 130-199, each allocation takes the lowest run long enough; a replaced record's blocks are
     // free for the very allocation that replaces it.
