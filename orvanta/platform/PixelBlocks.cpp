@@ -8,9 +8,9 @@
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <system_error>
-#include <thread>
 #include <vector>
+
+#include "orvanta/platform/ParallelBands.h"
 
 namespace Orvanta::Platform {
 
@@ -19,9 +19,9 @@ namespace {
 constexpr std::size_t kHugePage = std::size_t(2) << 20;
 constexpr std::size_t kMapFrom = std::size_t(4) << 20;
 constexpr std::size_t kKept = 2;
+constexpr std::size_t kPage = 4096;
 // Below this a copy's own thread costs more than it saves.
 constexpr std::size_t kCopyShare = std::size_t(8) << 20;
-constexpr unsigned kMostCopyThreads = 4;
 
 std::size_t roundUp(std::size_t size, std::size_t unit) {
     return (size + unit - 1) / unit * unit;
@@ -136,28 +136,13 @@ void PixelBlocks::release(unsigned char* block) {
 }
 
 void PixelBlocks::copy(unsigned char* to, const unsigned char* from, std::size_t size) {
-    static const unsigned cores =
-        std::max(1u, std::min(std::thread::hardware_concurrency(), kMostCopyThreads));
-    const std::size_t shares = std::min<std::size_t>(cores, size / kCopyShare);
-    if (shares <= 1) {
-        std::memcpy(to, from, size);
-        return;
-    }
-    // Shares on 4 KiB boundaries, so that no two threads write one page.
-    const std::size_t share = roundUp(size / shares, 4096);
-    std::vector<std::thread> helpers;
-    helpers.reserve(shares - 1);
-    std::size_t start = share;
-    for (; start < size; start += share) {
-        const std::size_t length = std::min(share, size - start);
-        try {
-            helpers.emplace_back([=] { std::memcpy(to + start, from + start, length); });
-        } catch (const std::system_error&) {
-            std::memcpy(to + start, from + start, length);  // no thread to be had: this one does it
-        }
-    }
-    std::memcpy(to, from, std::min(share, size));
-    for (std::thread& helper : helpers) helper.join();
+    // Bands of whole 4 KiB pages, so that no two threads write one page; the last takes the tail.
+    const std::size_t pages = size / kPage;
+    ParallelBands::forEachBand(
+        pages, kCopyShare / kPage, [&](std::size_t, std::size_t begin, std::size_t end) {
+            const std::size_t last = end == pages ? size : end * kPage;
+            std::memcpy(to + begin * kPage, from + begin * kPage, last - begin * kPage);
+        });
 }
 
 }  // namespace Orvanta::Platform
