@@ -65,26 +65,6 @@ bool pumpUntil(const std::function<bool()>& done) {
     return true;
 }
 
-// The temporary folder of the run, put in place of the system's for the test.
-class PrivateTemp {
-public:
-    PrivateTemp() {
-        if (const char* old = std::getenv("TMPDIR")) mOld = old;
-        setenv("TMPDIR", mDir.path().c_str(), 1);
-    }
-    ~PrivateTemp() {
-        if (mOld.empty())
-            unsetenv("TMPDIR");
-        else
-            setenv("TMPDIR", mOld.c_str(), 1);
-    }
-    std::size_t count() const { return mDir.count(); }
-
-private:
-    TempDir mDir;
-    std::string mOld;
-};
-
 }  // namespace
 
 class WizardTest : public ::testing::Test {

@@ -83,6 +83,15 @@ void UiHarness::click(CPoint point) {
     mouseUp(point);
 }
 
+CPoint UiHarness::pointIn(const Control* control, const CRect* part) const {
+    const CRect shown = control->getWindowRect();
+    const CRect r = part ? CRect(shown.left + part->left, shown.top + part->top, shown.left + part->right,
+                                 shown.top + part->bottom)
+                         : shown;
+    const CRect top = (mInputWindow ? mInputWindow : mWindow)->getScreenRect();
+    return CPoint((r.left + r.right) / 2 - top.left, (r.top + r.bottom) / 2 - top.top);
+}
+
 void UiHarness::mouseLeave() {
     SDL_Event event{};
     event.type = SDL_WINDOWEVENT;
