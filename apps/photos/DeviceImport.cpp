@@ -31,7 +31,8 @@ DeviceImport::Outcome DeviceImport::run(HWND owner, AssetDb* catalogue,
     source.use();
     OwnedPtr<ImportWizard> wizard = ImportWizard::create(catalogue, source.name);
     wizard->setDevice(source.type, source.id);
-    wizard->showModal(0, 0, CString(u"Import from ") + source.name, owner);
+    wizard->showModal(ImportWizard::kSize.cx, ImportWizard::kSize.cy, CString(u"Import from ") + source.name,
+                      owner);
     if (wizard->sourceFailed())
         return {source.name.toUtf8() +
                     " could not be read to its end; it may have been disconnected. Nothing was copied.",

@@ -68,6 +68,8 @@ GridContainer* ImportWizard::page(int index, Control* title, Control* body, int 
 }
 
 Control* ImportWizard::button(int page, int id) const {
+    if (page == kChoosePage && (id == kSelectAll || id == kSelectNone))
+        return id == kSelectAll ? mAll : mNone;
     if (page < 0 || page >= 5 || !mPageRoots[page]) return nullptr;
     auto* buttons = static_cast<Container*>(mPageRoots[page]->getChild(1, 0));
     return buttons ? buttons->getChildById(id) : nullptr;
@@ -80,9 +82,7 @@ void ImportWizard::enableNext(int page, bool enabled) {
 Container* ImportWizard::constructScanPage() {
     mFound = heading(u"Looking for photos on " + mSourceName + u"…");
     // The photos appear as the scan makes their thumbnails; choosing comes on the next page.
-    ThumbnailControl* grid = photoGrid(this, nullptr);
-    grid->setEnabled(false);
-    return page(kScanPage, mFound, grid, -1, kChoosePage);
+    return page(kScanPage, mFound, photoGrid(this, nullptr), -1, kChoosePage);
 }
 
 Container* ImportWizard::constructChoosePage() {
@@ -96,12 +96,12 @@ Container* ImportWizard::constructChoosePage() {
     buttons->setColSpec(0, GridContainer::kFit);
     buttons->setColSpec(1, GridContainer::kFit);
     buttons->setRowSpec(0, GridContainer::kFit);
-    TextButton* all = TextButton::create(kSelectAll, u"Select all", this);
-    all->setMargin(4, Style::kBorders);
-    buttons->add(all, 0, 0, true);
-    TextButton* none = TextButton::create(kSelectNone, u"Select none", this);
-    none->setMargin(4, Style::kBorders);
-    buttons->add(none, 0, 1, true);
+    mAll = TextButton::create(kSelectAll, u"Select all", this);
+    mAll->setMargin(4, Style::kBorders);
+    buttons->add(mAll, 0, 0, true);
+    mNone = TextButton::create(kSelectNone, u"Select none", this);
+    mNone->setMargin(4, Style::kBorders);
+    buttons->add(mNone, 0, 1, true);
     body->add(buttons, 1, 0, true);
     mChosen = heading(CString());
     return page(kChoosePage, mChosen, body, -1, kSettingsPage);
@@ -150,13 +150,23 @@ void ImportWizard::onPageActivated(int page) {
         // Everything is chosen to begin with; a click then picks one, Ctrl and Shift add.
         if (!mChoseAll) {
             mChoseAll = true;
-            const int n = getAssetList()->getCount();
-            if (n > 0)
-                mChooseGrid->selectRange(mChooseGrid->cellFromIndex(0), mChooseGrid->cellFromIndex(n - 1));
+            chooseAll(true);
         }
         chosenChanged();
         mChooseGrid->setFocus();
     }
+}
+
+void ImportWizard::chooseAll(bool chosen) {
+    AssetList* list = getAssetList();
+    AssetSelection* selection = mChooseGrid->getSelection();
+    if (!chosen) {
+        selection->clear();
+        return;
+    }
+    AssetList::Lock lock(list);
+    for (int i = 0, n = list->getCount(); i < n; ++i)
+        if (OwnedPtr<Asset> asset = list->getAsset(i)) selection->select(asset->getID(), true);
 }
 
 void ImportWizard::chosenChanged() {
@@ -260,9 +270,10 @@ void ImportWizard::parseHelperEvent(Event* event) {
 }
 
 void ImportWizard::onCommand(Control* source, int command) {
-    // The grid's commands are numbered on their own (its kSelectionChanged is IDOK's number).
-    if (source == mChooseGrid) {
-        if (command == ThumbnailControl::kSelectionChanged) chosenChanged();
+    // The grids' commands are numbered on their own (kSelectionChanged is IDOK's number, kScrolled
+    // IDCANCEL's), and the scanning page's grid has no listener but its parents.
+    if (dynamic_cast<ThumbnailControl*>(source)) {
+        if (source == mChooseGrid && command == ThumbnailControl::kSelectionChanged) chosenChanged();
         return;
     }
     // Enter in the folder's field goes on, as Next does.
@@ -274,14 +285,10 @@ void ImportWizard::onCommand(Control* source, int command) {
     const int current = getCurrentPage();
     switch (command) {
         case kSelectAll:
-        case kSelectNone: {
-            const int n = getAssetList()->getCount();
-            mChooseGrid->clearSelection();
-            if (command == kSelectAll && n > 0)
-                mChooseGrid->selectRange(mChooseGrid->cellFromIndex(0), mChooseGrid->cellFromIndex(n - 1));
+        case kSelectNone:
+            chooseAll(command == kSelectAll);
             chosenChanged();
             return;
-        }
         case kNextButton:
             if (current == kScanPage || current == kCopyPage) return;
             if (current == kChoosePage && mChooseGrid->getSelection()->getCount() == 0) return;

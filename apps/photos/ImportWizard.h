@@ -29,6 +29,8 @@ public:
     // Buttons of the choosing page.
     static constexpr int kSelectAll = 0x7E10;
     static constexpr int kSelectNone = 0x7E11;
+    // The window's size: the pages are laid out in it rather than sizing it.
+    static constexpr Orvanta::CSize kSize{640, 520};
 
     static ImportWizard* create(Orvanta::AssetDb* catalogue, const Orvanta::CString& sourceName) {
         return new ImportWizard(catalogue, sourceName);
@@ -68,6 +70,7 @@ private:
     ImportWizard(Orvanta::AssetDb* catalogue, const Orvanta::CString& sourceName);
     Orvanta::GridContainer* page(int index, Orvanta::Control* title, Orvanta::Control* body, int back,
                                  int next);
+    void chooseAll(bool chosen);
     void chosenChanged();
     void enableNext(int page, bool enabled);
 
@@ -78,6 +81,8 @@ private:
     Orvanta::Label* mFound = nullptr;
     Orvanta::Label* mChosen = nullptr;
     Orvanta::ThumbnailControl* mChooseGrid = nullptr;
+    Orvanta::Control* mAll = nullptr;
+    Orvanta::Control* mNone = nullptr;
     Orvanta::Edit* mFolder = nullptr;
     Orvanta::RadioButtonGroup* mDelete = nullptr;
     Orvanta::Label* mCopying = nullptr;

@@ -16,6 +16,7 @@
 #include "apps/photos/PhotoLibrary.h"
 #include "orvanta/acquire/TwainSupport.h"
 #include "orvanta/assets/Asset.h"
+#include "orvanta/assets/AssetFile.h"
 #include "orvanta/assets/AssetIterator.h"
 #include "orvanta/assets/SpecialFolder.h"
 #include "orvanta/platform/SaneHelper.h"
@@ -36,14 +37,13 @@ class ImportWizardTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ORVANTA_REQUIRE_TESTDATA();
-        registerAcquireCodecs();
         ASSERT_TRUE(library.open(dir.file("catalogue.db"))) << library.lastError();
     }
     void show(int type, const std::string& id, ImportSource::Kind kind) {
         ImportSource{type, kind, CString::fromUtf8(id), u"Test"}.use();
         wizard = ImportWizard::create(library.catalogue(), u"Test");
         wizard->setDevice(type, CString::fromUtf8(id));
-        wizard->showModeless(0, 0, u"Import", ui.window());
+        wizard->showModeless(ImportWizard::kSize.cx, ImportWizard::kSize.cy, u"Import", ui.window());
         ui.setInputWindow(wizard->getContainer()->getHWND());
     }
     void press(int page, int id) { ui.click(ui.pointIn(wizard->button(page, id))); }
@@ -58,6 +58,8 @@ protected:
                wizard->getContainer();
     }
 
+    // The codecs before the harness starts the library, which would keep them from registering.
+    const bool codecs = (registerAcquireCodecs(), true);
     TempDir dir;
     PrivateTemp temp;
     UiHarness ui{CSize(900, 700)};
@@ -67,6 +69,7 @@ protected:
 
 TEST_F(ImportWizardTest, ACameraThroughEveryPageIntoTheCatalogueDeletingWhatWasCopied) {
     DirectoryCamera camera(6);
+    const std::size_t before = temp.count();  // the camera's own folders
     show(kSourceImagingDevice, camera.id(), ImportSource::kCamera);
     ASSERT_TRUE(reached(AcquireWizard::kChoosePage));
     ThumbnailControl* grid = wizard->choosingGrid();
@@ -116,7 +119,7 @@ TEST_F(ImportWizardTest, ACameraThroughEveryPageIntoTheCatalogueDeletingWhatWasC
     press(AcquireWizard::kSummaryPage, IDOK);
     ASSERT_TRUE(runUntil([&] { return !wizard->getContainer(); }));
     wizard = nullptr;
-    EXPECT_EQ(temp.count(), 0u);
+    EXPECT_EQ(temp.count(), before);
 }
 
 TEST_F(ImportWizardTest, CancelOnEachPageLeavesNoTemporaryFile) {
@@ -157,13 +160,14 @@ TEST_F(ImportWizardTest, AScannerDriverCrashEndsOnTheSummaryWithResultThreeAndWh
     EXPECT_EXIT(
         {
             setenv("ORVANTA_CRASH_BACKEND", "read", 1);
+            const std::size_t before = temp.count();  // the private SANE's settings
             show(kSourceImagingDevice, "Orvanta|Crash Tester|orvantacrash:0", ImportSource::kScanner);
             const bool ended =
                 reached(AcquireWizard::kSummaryPage) &&
                 wizard->getCopyResults() == AcquireWizard::kTwainCrashed &&
                 wizard->getSummary().toUtf8().find("driver stopped working") != std::string::npos;
             wizard = nullptr;
-            std::exit(ended && temp.count() == 0 ? 0 : 1);
+            std::exit(ended && temp.count() == before ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "");
 }

@@ -3,6 +3,7 @@
 #include <SDL.h>
 #include <cairo.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -133,11 +134,18 @@ void UiHarness::pressKey(int sdlKey, bool shift, bool control, bool alt) {
 }
 
 void UiHarness::typeText(const char* utf8) {
-    SDL_Event event{};
-    event.type = SDL_TEXTINPUT;
-    event.text.windowID = windowId();
-    std::strncpy(event.text.text, utf8, sizeof(event.text.text) - 1);
-    SDL_PushEvent(&event);
+    // An event holds 31 bytes of text: longer text goes in pieces, never splitting a character.
+    for (std::size_t left = std::strlen(utf8); left > 0;) {
+        SDL_Event event{};
+        event.type = SDL_TEXTINPUT;
+        event.text.windowID = windowId();
+        std::size_t n = std::min(left, sizeof(event.text.text) - 1);
+        while (n < left && (static_cast<unsigned char>(utf8[n]) & 0xC0) == 0x80) --n;
+        std::memcpy(event.text.text, utf8, n);
+        SDL_PushEvent(&event);
+        utf8 += n;
+        left -= n;
+    }
 }
 
 void UiHarness::compose(const char* utf8, int cursor) {
