@@ -8,6 +8,7 @@ enum Command : int {
     kImport = 100,
     kSortChoice,
     kFilterText,
+    kImportDevice,
     // Both screens: the selected photos, or the one open.
     kPrint = 150,
     // The picture view.

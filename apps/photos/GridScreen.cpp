@@ -61,6 +61,9 @@ GridScreen::GridScreen(ThumbnailDb* thumbnails, CommandListener* listener) {
     PackedContainer* bar = ScreenLayout::buttonBar();
     TextButton* import = TextButton::create(kImport, u"Import folder…", listener);
     bar->add(import, true);
+    TextButton* device = TextButton::create(kImportDevice, u"Import…", listener);
+    device->setMargin(8, Style::Left);
+    bar->add(device, true);
     mSort = DropDown::create(kSortChoice, listener);
     for (const char16_t* choice : {u"Oldest first", u"Newest first", u"By name"}) mSort->addString(choice);
     mSort->setCurSel(0);

@@ -1,11 +1,12 @@
 #pragma once
-// GridScreen: the catalogue shown as a grid of thumbnails, with a bar above it (import, the sort
-// choice, the text filter) and one below (what the screen is doing, the import's progress).
+// GridScreen: the catalogue shown as a grid of thumbnails, with a bar above it (import of a folder,
+// import from a camera, scanner or card, the sort choice, the text filter) and one below (what the
+// screen is doing, the import's progress).
 //
 // Contract: the screen's controls report to the listener given at construction with the commands of
-// Commands.h (kImport, kSortChoice, kFilterText, kPrint) and the grid's own (kCellActivated opens a photo).
-// Each cell is captioned with the file's name, shown as it is (an '&' is no mnemonic); the pointer
-// resting on a caption shows the whole name in a tooltip.
+// Commands.h (kImport, kImportDevice, kSortChoice, kFilterText, kPrint) and the grid's own (kCellActivated
+// opens a photo). Each cell is captioned with the file's name, shown as it is (an '&' is no mnemonic);
+// the pointer resting on a caption shows the whole name in a tooltip.
 
 #include "orvanta/toolkit/DropDown.h"
 #include "orvanta/toolkit/Edit.h"

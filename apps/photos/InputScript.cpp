@@ -134,13 +134,16 @@ bool InputScript::step(const std::string& line) {
         mSettling = true;
         return true;
     }
-    if (verb == "shot") {
+    if (verb == "shot" || verb == "front-shot") {
         std::string name;
         if (!(words >> name)) return false;
         const std::string path = mShots + "/" + name + ".png";
+        HWND window = mHost.window;
+        if (verb == "front-shot" && Platform::Window::getActiveWindow())
+            window = Platform::Window::getActiveWindow();
         // The screen as it stands once everything asked of it is painted.
-        mHost.window->update();
-        if (!OrvantaDemo::writePng(mHost.window, path.c_str()))
+        window->update();
+        if (!OrvantaDemo::writePng(window, path.c_str()))
             std::fprintf(stderr, "orvanta-photos: cannot write %s\n", path.c_str());
         return true;
     }

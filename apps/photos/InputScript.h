@@ -14,6 +14,7 @@
 //   wait MS              time passing, the loop running
 //   settle               waits until the application has nothing in hand (an import's thumbnails)
 //   shot NAME            the main window's pixels written to DIR/NAME.png
+//   front-shot NAME      the same of the window in front (a dialog open over the main window)
 //
 // Contract: steps run on a timer of the user-interface thread, one each tick, so they go on inside
 // a modal loop (a dialog) too. After the last step the application is asked to quit. A step that

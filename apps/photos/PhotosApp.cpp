@@ -8,6 +8,7 @@
 
 #include "VideoStock.h"
 #include "apps/photos/Commands.h"
+#include "apps/photos/DeviceImport.h"
 #include "apps/photos/ImportDialog.h"
 #include "apps/photos/PrintPreviewDialog.h"
 #include "orvanta/assets/AssetIterator.h"
@@ -280,6 +281,20 @@ void PhotosApp::askImport() {
     OwnedPtr<ImportDialog> dialog = ImportDialog::create(start);
     if (dialog->showModal(0, 0, CString(u"Import a folder"), mWindow) == IDOK)
         importFolder(dialog->getFolder());
+}
+
+// A camera, scanner, card or CD, through the import wizard; the copies join the catalogue as they land.
+void PhotosApp::importFromDevice() {
+    if (mImport && mImport->isRunning()) {
+        tell("An import is already running; wait for it to finish.");
+        return;
+    }
+    const DeviceImport::Outcome outcome = DeviceImport::run(mWindow, mLibrary.catalogue(), mOptions.cameras);
+    if (!outcome.status.empty()) mGrid->setStatus(CString::fromUtf8(outcome.status));
+    if (!outcome.message.empty())
+        tell(outcome.message);
+    else
+        refocus();
 }
 
 void PhotosApp::importFolder(const CString& folder) {
@@ -564,6 +579,10 @@ void PhotosApp::onCommand(Control* source, int command) {
         askImport();
         return;
     }
+    if (command == kImportDevice) {
+        importFromDevice();
+        return;
+    }
     if (command == kPrint) {
         printPhotos();
         return;
@@ -593,6 +612,10 @@ bool PhotosApp::handleShortcut(const MSG& msg) {
     }
     if (control && key == 'P') {
         printPhotos();
+        return true;
+    }
+    if (control && key == 'I' && !inPicture) {
+        importFromDevice();
         return true;
     }
     if (!inPicture) {

@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "apps/photos/FolderImport.h"
 #include "apps/photos/GridScreen.h"
@@ -30,11 +31,12 @@ namespace OrvantaPhotos {
 class PhotosApp : public Orvanta::CommandListener {
 public:
     struct Options {
-        std::string catalogue;   // empty: the user's default catalogue
-        std::string script;      // a script of input to run, then quit
-        std::string shots;       // where the script's shots go
-        std::string importPath;  // a folder to import at start
-        Orvanta::CSize size;     // the window's size; (0, 0): the one remembered
+        std::string catalogue;             // empty: the user's default catalogue
+        std::string script;                // a script of input to run, then quit
+        std::string shots;                 // where the script's shots go
+        std::string importPath;            // a folder to import at start
+        std::vector<std::string> cameras;  // cameras offered to Import besides those detected
+        Orvanta::CSize size;               // the window's size; (0, 0): the one remembered
     };
 
     explicit PhotosApp(Options options);
@@ -57,6 +59,7 @@ private:
     void changeView();
     void importFolder(const Orvanta::CString& folder);
     void askImport();
+    void importFromDevice();
     void deleteSelected();
     Orvanta::MemAssetList* photosToPrint();
     void printPhotos();

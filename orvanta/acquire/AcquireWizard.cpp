@@ -111,6 +111,10 @@ void AcquireWizard::cancelScan() {
     if (mScanTask) mScanTask->killTask();
 }
 
+int AcquireWizard::getTotalPhotosSkipped() const {
+    return mCopyTask ? mCopyTask->getSkipped() : 0;
+}
+
 void AcquireWizard::cancelCopy() {
     if (mCopyTask) mCopyTask->killTask();
 }

@@ -68,6 +68,8 @@ public:
     virtual void setDeleteAfterCopy(bool on) { mDeleteAfterCopy = on; }
     virtual void setCopyHelper(AcquireCopyTaskHelper* helper) { mCopyHelper = helper; }
     virtual int getTotalPhotosCopied() { return mTotalPhotosCopied; }
+    // Photos the copy left alone because their target existed; read once the copy has ended.
+    int getTotalPhotosSkipped() const;
     virtual void cancelCopy();
     virtual void setCopyParameters() {}
     virtual AssetList* getSelectedAssetList() { return getAssetList(); }

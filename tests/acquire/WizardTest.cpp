@@ -13,7 +13,6 @@
 #include "orvanta/platform/SaneHelper.h"
 #include "orvanta/toolkit/Label.h"
 #include "tests/acquire/AcquireFixtures.h"
-#include "tests/foundation/TestEnvironment.h"
 #include "tests/support/DirectoryCamera.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
@@ -43,13 +42,6 @@ public:
     std::vector<int> built;
     int found = 0;
     std::vector<std::string> copies;
-};
-
-// The temporary folder of the run, put in place of the system's for the test.
-struct PrivateTemp {
-    std::size_t count() const { return dir.count(); }
-    TempDir dir;
-    ScopedVariable tmpdir{"TMPDIR", dir.path().c_str()};
 };
 
 // A wizard on a device, shown modeless over the harness's window; prepare runs before it is shown.

@@ -40,4 +40,16 @@ void writeFileBytes(const std::string& path, const std::string& bytes) {
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+PrivateTemp::PrivateTemp() {
+    if (const char* old = std::getenv("TMPDIR")) mOld = old, mHadOld = true;
+    setenv("TMPDIR", mDir.path().c_str(), 1);
+}
+
+PrivateTemp::~PrivateTemp() {
+    if (mHadOld)
+        setenv("TMPDIR", mOld.c_str(), 1);
+    else
+        unsetenv("TMPDIR");
+}
+
 }  // namespace OrvantaTest

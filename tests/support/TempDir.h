@@ -26,6 +26,20 @@ private:
     std::string mPath;
 };
 
+// A fresh temporary folder put in place of the system's (TMPDIR) while it lives, so that a test
+// can count what the library left there.
+class PrivateTemp {
+public:
+    PrivateTemp();
+    ~PrivateTemp();
+    std::size_t count() const { return mDir.count(); }
+
+private:
+    TempDir mDir;
+    std::string mOld;
+    bool mHadOld = false;
+};
+
 // Reads or writes a whole file in a test, outside the library.
 std::string readFileBytes(const std::string& path);
 void writeFileBytes(const std::string& path, const std::string& bytes);

@@ -3,6 +3,7 @@
 #include <SDL.h>
 #include <cairo.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -83,6 +84,15 @@ void UiHarness::click(CPoint point) {
     mouseUp(point);
 }
 
+CPoint UiHarness::pointIn(const Control* control, const CRect* part) const {
+    const CRect shown = control->getWindowRect();
+    const CRect r = part ? CRect(shown.left + part->left, shown.top + part->top, shown.left + part->right,
+                                 shown.top + part->bottom)
+                         : shown;
+    const CRect top = (mInputWindow ? mInputWindow : mWindow)->getScreenRect();
+    return CPoint((r.left + r.right) / 2 - top.left, (r.top + r.bottom) / 2 - top.top);
+}
+
 void UiHarness::mouseLeave() {
     SDL_Event event{};
     event.type = SDL_WINDOWEVENT;
@@ -124,11 +134,18 @@ void UiHarness::pressKey(int sdlKey, bool shift, bool control, bool alt) {
 }
 
 void UiHarness::typeText(const char* utf8) {
-    SDL_Event event{};
-    event.type = SDL_TEXTINPUT;
-    event.text.windowID = windowId();
-    std::strncpy(event.text.text, utf8, sizeof(event.text.text) - 1);
-    SDL_PushEvent(&event);
+    // An event holds 31 bytes of text: longer text goes in pieces, never splitting a character.
+    for (std::size_t left = std::strlen(utf8); left > 0;) {
+        SDL_Event event{};
+        event.type = SDL_TEXTINPUT;
+        event.text.windowID = windowId();
+        std::size_t n = std::min(left, sizeof(event.text.text) - 1);
+        while (n < left && (static_cast<unsigned char>(utf8[n]) & 0xC0) == 0x80) --n;
+        std::memcpy(event.text.text, utf8, n);
+        SDL_PushEvent(&event);
+        utf8 += n;
+        left -= n;
+    }
 }
 
 void UiHarness::compose(const char* utf8, int cursor) {

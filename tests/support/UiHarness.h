@@ -40,6 +40,9 @@ public:
     void mouseDown(Orvanta::CPoint point, int button = 1, int clicks = 1);
     void mouseUp(Orvanta::CPoint point, int button = 1);
     void click(Orvanta::CPoint point);
+    // The middle of a shown control (of part, a rectangle in its client coordinates, when given) as
+    // a client point of the input window.
+    Orvanta::CPoint pointIn(const Orvanta::Control* control, const Orvanta::CRect* part = nullptr) const;
     // The pointer leaves the window.
     void mouseLeave();
     // The wheel turned by notches (positive: away from the user) where the pointer last was.
