@@ -129,11 +129,15 @@ TEST_F(ImportWizardTest, CancelOnEachPageLeavesNoTemporaryFile) {
         fs::copy_file(photos[i % photos.size()], dir.file("card/DCIM/p" + std::to_string(i) + ".jpg"));
     for (int page = AcquireWizard::kScanPage; page <= AcquireWizard::kCopyPage; ++page) {
         show(kSourceRemovableDrive, dir.file("card"), ImportSource::kRemovable);
-        if (page > AcquireWizard::kScanPage) ASSERT_TRUE(reached(AcquireWizard::kChoosePage));
+        if (page > AcquireWizard::kScanPage) {
+            ASSERT_TRUE(reached(AcquireWizard::kChoosePage));
+        }
         for (int p = AcquireWizard::kChoosePage; p < page; ++p) {
             if (p == AcquireWizard::kSettingsPage) wizard->folderField()->setText(dir.wide("copies"));
             press(p, Wizard::kNextButton);
-            if (p + 1 < AcquireWizard::kCopyPage) ASSERT_TRUE(reached(p + 1));
+            if (p + 1 < AcquireWizard::kCopyPage) {
+                ASSERT_TRUE(reached(p + 1));
+            }
         }
         // The copy's Cancel stands where the settings page's does: both go in one turn of the loop.
         press(std::min(page, static_cast<int>(AcquireWizard::kSettingsPage)), IDCANCEL);

@@ -177,8 +177,10 @@ TEST_F(PhotosTest, SavedEditsEqualTheHostsInPlaceEditsAndTheFirstOriginalIsKept)
         EXPECT_EQ(readFileBytes(twin), readFileBytes(mine));
         // A re-encoding save keeps the original first (turns may be made in the file instead).
         const bool kept = std::filesystem::exists(originals.originalOf(mine));
-        if (c.host.find("mirror") != std::string::npos) EXPECT_TRUE(kept);
-        if (kept) EXPECT_EQ(readFileBytes(testDataPath(kCamera)), readFileBytes(originals.originalOf(mine)));
+        EXPECT_TRUE(kept || c.host.find("mirror") == std::string::npos);
+        if (kept) {
+            EXPECT_EQ(readFileBytes(testDataPath(kCamera)), readFileBytes(originals.originalOf(mine)));
+        }
     }
     AssetBackupPolicy::clearCurrentPolicy();
 }
@@ -318,9 +320,10 @@ TEST_F(PhotosTest, WallpaperSetsThePhotoInTheDesktopsSettingsOrSaysItCannot) {
         const bool kept = backend == "keyfile";
         EXPECT_EQ(kept, std::filesystem::exists(bmp));
         EXPECT_EQ(kept, run.output.find("does not take its wallpaper") == std::string::npos) << run.output;
-        if (kept)
+        if (kept) {
             EXPECT_EQ("'file://" + bmp + "'\n",
                       runShell(session + "gsettings get org.gnome.desktop.background picture-uri").output);
+        }
     }
 }
 
