@@ -138,6 +138,12 @@ Dib* WiaCameraItem::getThumbnail() {
     std::string bytes;
     if (mCamera->preview(mFolder, mFileName, &bytes))
         if (Dib* preview = decodeJpeg(bytes)) return preview;
+    if (Dib* embedded = exifThumbnail()) return embedded;
+    return reducedPicture();
+}
+
+Dib* WiaCameraItem::exifThumbnail() {
+    std::string bytes;
     if (!mCamera->exif(mFolder, mFileName, &bytes)) return nullptr;
     // The camera's EXIF block, with or without the "Exif" header of its APP1 segment.
     if (bytes.compare(0, 6, std::string("Exif\0\0", 6)) != 0) bytes.insert(0, std::string("Exif\0\0", 6));
@@ -146,6 +152,23 @@ Dib* WiaCameraItem::getThumbnail() {
     if (!exif || exif->getThumbnailSize() <= 0) return nullptr;
     return decodeJpeg(std::string(reinterpret_cast<const char*>(exif->getThumbnail()),
                                   static_cast<std::size_t>(exif->getThumbnailSize())));
+}
+
+Dib* WiaCameraItem::reducedPicture() {
+    // A picture that carries no preview of its own would show as an empty cell: the picture itself
+    // stands in, read whole from the camera and decoded at the smallest reduction that still covers a
+    // thumbnail's box (the store scales it the rest of the way).
+    auto* codec = dynamic_cast<ImageCodec*>(CodecManager::getCodec(getExtension()));
+    if (!codec) return nullptr;
+    std::string bytes;
+    if (!mCamera->download(mFolder, mFileName, [&](const char* piece, std::size_t size) {
+            bytes.append(piece, size);
+            return true;
+        }))
+        return nullptr;
+    CSize size;
+    return codec->readFromMemory(bytes.data(), static_cast<int>(bytes.size()), &size, kReducedEdge,
+                                 kReducedEdge);
 }
 
 bool WiaCameraItem::deleteItem() {

@@ -6,7 +6,8 @@
 // title, getExtension() what follows its last dot, getFullName() its path on the camera
 // ("/DCIM/100CANON/IMG_0001.JPG"), which names the item for good. isSupported() answers whether a
 // codec knows the extension. getThumbnail() is the camera's preview, else the file's EXIF thumbnail,
-// as a new Dib at owner count 0, or null. downloadTo() brings the file to a path that must not
+// else (a picture a codec reads) the picture itself decoded reduced, as a new Dib at owner count 0,
+// or null. downloadTo() brings the file to a path that must not
 // exist yet: the bytes go to a temporary file beside it, which is renamed into place (never over
 // another file) only when whole, so a camera that goes away leaves nothing behind; with verify, the
 // file is read back and compared with what the camera sent before the answer is true. download()
@@ -46,7 +47,12 @@ public:
     std::size_t getByteSize();
 
 private:
+    // The reduced picture still covers a box of this edge, enough for any thumbnail the store keeps.
+    static constexpr int kReducedEdge = 256;
+
     void load();
+    Dib* exifThumbnail();
+    Dib* reducedPicture();
 
     Platform::GphotoCamera* mCamera;
     std::string mFolder;
