@@ -1,9 +1,9 @@
 #include "apps/photos/ImportDialog.h"
 
+#include "apps/photos/ScreenLayout.h"
 #include "orvanta/platform/Canvas.h"
 #include "orvanta/toolkit/GridContainer.h"
 #include "orvanta/toolkit/Label.h"
-#include "orvanta/toolkit/TextButton.h"
 
 using namespace Orvanta;
 
@@ -27,18 +27,7 @@ void ImportDialog::populateDialog() {
     mField = Edit::create(1, mFolder, 0, this);
     mField->setMinSize(460, 26);
     grid->add(mField, 1, 0, true);
-    GridContainer* buttons = GridContainer::create(1, 2);
-    buttons->setAlignment(Control::AlignRight, Control::AlignCenter);
-    buttons->setColSpec(0, GridContainer::kFit);
-    buttons->setColSpec(1, GridContainer::kFit);
-    buttons->setRowSpec(0, GridContainer::kFit);
-    TextButton* ok = TextButton::create(IDOK, u"Import", this);
-    ok->setMargin(4, Style::kBorders);
-    buttons->add(ok, 0, 0, true);
-    TextButton* cancel = TextButton::create(IDCANCEL, u"Cancel", this);
-    cancel->setMargin(4, Style::kBorders);
-    buttons->add(cancel, 0, 1, true);
-    grid->add(buttons, 2, 0, true);
+    grid->add(ScreenLayout::okCancelButtons(u"Import", this), 2, 0, true);
     getContainer()->add(grid, true);
     mField->setFocus();
     mField->selectAll();

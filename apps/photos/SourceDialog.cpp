@@ -1,8 +1,8 @@
 #include "apps/photos/SourceDialog.h"
 
+#include "apps/photos/ScreenLayout.h"
 #include "orvanta/toolkit/GridContainer.h"
 #include "orvanta/toolkit/Label.h"
-#include "orvanta/toolkit/TextButton.h"
 
 using namespace Orvanta;
 
@@ -32,18 +32,7 @@ void SourceDialog::populateDialog() {
     mList->setAlignment(Control::AlignFill, Control::AlignFill);
     mList->selectOnly(0);
     grid->add(mList, 1, 0, true);
-    GridContainer* buttons = GridContainer::create(1, 2);
-    buttons->setAlignment(Control::AlignRight, Control::AlignCenter);
-    buttons->setColSpec(0, GridContainer::kFit);
-    buttons->setColSpec(1, GridContainer::kFit);
-    buttons->setRowSpec(0, GridContainer::kFit);
-    TextButton* ok = TextButton::create(IDOK, u"Next >", this);
-    ok->setMargin(4, Style::kBorders);
-    buttons->add(ok, 0, 0, true);
-    TextButton* cancel = TextButton::create(IDCANCEL, u"Cancel", this);
-    cancel->setMargin(4, Style::kBorders);
-    buttons->add(cancel, 0, 1, true);
-    grid->add(buttons, 2, 0, true);
+    grid->add(ScreenLayout::okCancelButtons(u"Next >", this), 2, 0, true);
     getContainer()->add(grid, true);
     mList->setFocus();
 }
