@@ -148,7 +148,7 @@ TEST_F(CatalogImport, KilledWhileAddingOrMakingThumbnailsKeepsWhatItReportedAndT
     const struct {
         int afterAdded;
         int msAfterGrowth;
-    } kills[] = {{1, 0}, {9, 0}, {files, 0}, {files, 150}};
+    } kills[] = {{1, 0}, {9, 0}, {files, 0}, {files, 40}};
     for (const auto& kill : kills) {
         fs::remove(catalogue);
         fs::remove(catalogue + "-thumbnails");
