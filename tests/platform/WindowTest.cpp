@@ -1,12 +1,11 @@
 // The in-process windows: painting by visible regions, scrolling that moves pixels and repaints
-// only what it uncovers, posting across threads, key codes, and the display chosen with no server.
+// only what it uncovers, key codes, and the display chosen with no server. (Posts from other threads
+// are the message queue's, and waking a loop asleep on the server for one is XvfbTest's.)
 
 #include <SDL.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdlib>
-#include <thread>
 
 #include "orvanta/platform/BackingStore.h"
 #include "orvanta/platform/Canvas.h"
@@ -126,29 +125,6 @@ TEST(WindowTest, PaintingKeepsToTheVisibleRegion) {
     (void)hidden;
     top->destroy();
     runUntilIdle();
-}
-
-// A message posted from another thread wakes the window's thread and reaches the window's handler.
-TEST(WindowTest, PostsFromOtherThreadsReachTheHandler) {
-    UiHarness::useTestEnvironment();
-    struct Counter : Window::Handler {
-        int received = 0;
-        LRESULT windowProc(HWND, UINT message, WPARAM wParam, LPARAM) override {
-            if (message == WM_USER) received += static_cast<int>(wParam);
-            return 0;
-        }
-    } counter;
-    HWND window = Window::create(nullptr, CRect(0, 0, 10, 10), WS_OVERLAPPEDWINDOW, &counter);
-    constexpr int kPosts = 1000;
-    std::thread poster([window] {
-        for (int i = 0; i < kPosts; ++i) Window::postMessage(window, WM_USER, 1, 0);
-        postThreadMessage(0, 0, 0, 0);
-    });
-    MSG msg;
-    while (counter.received < kPosts && getMessage(&msg)) dispatchMessage(&msg);
-    poster.join();
-    EXPECT_EQ(counter.received, kPosts);
-    window->destroy();
 }
 
 TEST(WindowTest, KeysBecomeTheirVirtualKeyCodes) {

@@ -5,9 +5,7 @@
 
 #include "orvanta/store/Database.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -107,9 +105,7 @@ TEST_F(DatabaseTest, FileMatchesTheLayoutBuiltByHand) {
     };
     head(0, first, "hello");
     head(1, idFor(7), forty);  // 40 bytes exceed a first block's 24: the payload runs on into block 2
-    head(3, Database::kInfoRecordID, "abc");
-    EXPECT_EQ(expected.substr(56, 16),
-              std::string("\x33\x22\x11\0\x55\x44\x77\x66\x88\x99\xaa\xbb\xcc\xdd\xee\xff", 16));
+    head(3, Database::kInfoRecordID, "abc");  // (an id's byte order is PropertyValueTest's)
     EXPECT_EQ(readFileBytes(dir.file("db")), expected);
     EXPECT_FALSE(fs::exists(dir.file("db-journal"))) << "a clean close leaves the file alone";
     // Deleting writes the type word of each block (here payload bytes) and nothing else.
@@ -594,23 +590,14 @@ TEST_F(DatabaseJournalTest, JournalLeftUnfinishedByItsMakerIsTakenOver) {
     }
 }
 
+// Something that is not a journal in its place keeps the file closed (the explanations, for it and
+// for a journal another program holds, are DbCommandTest's), and it is neither removed nor truncated,
+// neither at open nor when it appears while the database is open (changes then go unjournaled).
 TEST_F(DatabaseJournalTest, JournalThatCannotBeHandledKeepsTheFileClosed) {
-    interrupt("replace");
-    const auto failure = [&] {
-        EXPECT_EQ(opens("db"), kCannot);
-        return Database::explainOpenFailure(path).toUtf8();
-    };
-    // Locked by another program: the file does not open, and says why.
-    const int locked = open(dir.file("db-journal").c_str(), O_RDWR);
-    ASSERT_EQ(flock(locked, LOCK_EX), 0);
-    EXPECT_NE(failure().find("db-journal cannot be opened for writing"), std::string::npos);
-    close(locked);
-    EXPECT_EQ(opens("db"), kOpens);
-    // Something that is not a journal stands in its place: it is neither removed nor truncated,
-    // neither at open nor when it appears while the database is open (changes then go unjournaled).
     const std::string foreign(5000, '\x7f');
     writeFileBytes(dir.file("db-journal"), foreign);
-    EXPECT_NE(failure().find("db-journal is not a file this program wrote"), std::string::npos);
+    EXPECT_EQ(opens("db"), kCannot);
+    EXPECT_EQ(readFileBytes(dir.file("db-journal")), foreign);
     fs::remove(dir.file("db-journal"));
     OwnedPtr<Database> db = Database::create(path, 30);
     writeFileBytes(dir.file("db-journal"), foreign);

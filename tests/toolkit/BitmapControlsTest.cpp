@@ -42,10 +42,7 @@ protected:
     void TearDown() override { ui.reset(); }
     template <class T>
     T* place(T* control) {
-        ui->root()->add(control);
-        control->setRect(CRect(10, 10, 30, 22));
-        ui->runUntilIdle();
-        return control;
+        return OrvantaTest::place(ui->root(), control, CRect(10, 10, 30, 22));
     }
 
     std::unique_ptr<UiHarness> ui;

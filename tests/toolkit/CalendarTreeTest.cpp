@@ -82,10 +82,6 @@ TEST(DatePickerTest, KeysAndTheDropDownCalendarChangeTheDate) {
     ui.root()->add(picker, true);
     picker->setFocus();
     ui.runUntilIdle();
-    const auto onDay = [&](int day) {
-        const CRect r = picker->getCalendar()->getDayRect(day);
-        return CPoint((r.left + r.right) / 2, (r.top + r.bottom) / 2);
-    };
     struct Step {
         std::function<void()> act;
         bool open;
@@ -104,7 +100,8 @@ TEST(DatePickerTest, KeysAndTheDropDownCalendarChangeTheDate) {
         {[&] { ui.click(CPoint(100, 30)); }, true, {2024, 2, 8}, 4},
         {[&] {
              ui.setInputWindow(picker->getPopup()->getHWND());
-             ui.click(onDay(23));
+             const CRect day = picker->getCalendar()->getDayRect(23);
+             ui.click(ui.pointIn(picker->getCalendar(), &day));
          },
          false,
          {2024, 2, 23},

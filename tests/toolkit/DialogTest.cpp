@@ -100,13 +100,6 @@ private:
     CSize mSize;
 };
 
-// The client point of a control of a dialog, for input sent to the dialog's window.
-CPoint pointIn(Dialog* dialog, Control* control) {
-    const CRect r = control->getWindowRect();
-    const CRect d = dialog->getContainer()->getWindowRect();
-    return CPoint((r.left + r.right) / 2 - d.left, (r.top + r.bottom) / 2 - d.top);
-}
-
 TEST(DialogTest, ForcedModelessShowingAndWindowsThatComeAndGo) {
     UiHarness ui;
     OwnedPtr<TestDialog> dialog = TestDialog::create(), second = TestDialog::create();
@@ -212,7 +205,7 @@ TEST(DialogTest, AWizardCancelledOnEveryPageOrFinished) {
     auto toWizard = [&] { ui.setInputWindow(wizard->getContainer()->getHWND()); };
     auto press = [&](int id) {
         toWizard();
-        ui.click(pointIn(wizard, wizard->button(id)));
+        ui.click(ui.pointIn(wizard->button(id)));
     };
     const struct {
         int page;

@@ -193,22 +193,4 @@ TEST(GridLayoutTest, CellsChildrenAndTheGridsOwnSize) {
     EXPECT_EQ(wide->getRect(), CRect(2, 7, 62, 17));  // cell 6..58 across, 6..18 down
 }
 
-TEST(GridLayoutTest, DebugBordersShowTheCellsOfGridsMadeAfterwards) {
-    UiHarness ui(CSize(100, 60));
-    GridContainer::enableDebugBorders(true);
-    OwnedPtr<GridContainer> grid = GridContainer::create(2, 2);
-    GridContainer::enableDebugBorders(false);
-    OwnedPtr<GridContainer> plain = GridContainer::create(2, 2);
-    grid->setAlignment(Control::AlignFill, Control::AlignFill);
-    grid->setBkColor(RGB(255, 255, 255));
-    ui.root()->add(grid);
-    ui.runUntilIdle();
-    // One pixel of red around and between the cells: 1 + 48 + 1 + 49 + 1 across, 1 + 28 + 1 + 29 + 1 down.
-    EXPECT_EQ(grid->getColWidth(0), 48);
-    for (CPoint p : {CPoint(0, 10), CPoint(49, 10), CPoint(99, 10), CPoint(10, 29), CPoint(10, 59)})
-        EXPECT_EQ(ui.pixel(p.x, p.y), RGB(255, 0, 0)) << p.x << "," << p.y;
-    EXPECT_EQ(ui.pixel(10, 10), RGB(255, 255, 255));
-    EXPECT_EQ(plain->getStyle(), Style());
-}
-
 }  // namespace

@@ -1,12 +1,12 @@
 // Input reaches the right control: hit-testing through nested containers to windowless children
 // (painted in the order they are hit in), the mouse kept by the child that took a press, hover and
-// leave, the wheel, the keyboard focus and typed text, the tooltip. (The Tab order and buttons are
-// driven in SmallWidgetsTest.)
+// leave, the keyboard focus and typed text, the tooltip. (The Tab order and buttons are driven in
+// SmallWidgetsTest; where the wheel goes is ProcessMessageTest's, and the real wheel reaches the
+// scrolling container and the list in ContainersTest and ListsTest.)
 
 #include <SDL.h>
 #include <gtest/gtest.h>
 
-#include "orvanta/foundation/OrvantaSystem.h"
 #include "orvanta/platform/MessageQueue.h"
 #include "orvanta/platform/MouseTracker.h"
 #include "tests/support/UiHarness.h"
@@ -133,57 +133,6 @@ TEST_F(InputRoutingTest, AChildThePointerLeavesIsTold) {
     ui->mouseLeave();
     ui->runUntilIdle();
     EXPECT_EQ(b->count(WM_MOUSELEAVE), 1);
-}
-
-// A panel that scrolls with the wheel: it keeps the turns it was given.
-class WheelPanel : public Container {
-public:
-    static WheelPanel* create() { return new WheelPanel(); }
-    std::vector<int> turns;
-    bool takesWheelMessages() override { return true; }
-    void onWheelMessage(const MSG& msg) override { turns.push_back(GET_WHEEL_DELTA_WPARAM(msg.wParam)); }
-
-private:
-    WheelPanel() : Container(false) {}
-};
-
-// The wheel goes to the control under the pointer or, when that one does not take it, its nearest
-// ancestor that does; with the focus mode, to the focused control's. Nobody else sees it.
-TEST(WheelTest, TheWheelReachesTheNearestTakerAboveTheTarget) {
-    UiHarness ui(CSize(300, 200));
-    WheelPanel* scroller = WheelPanel::create();
-    scroller->setMinSize(150, 150);
-    scroller->setRect(CRect(10, 10, 160, 160));
-    ui.root()->add(scroller);
-    Box* inside = Box::create(RGB(200, 0, 0), CRect(20, 20, 80, 80));
-    scroller->add(inside);
-    TextSink* field = place(scroller, TextSink::create(), CRect(90, 90, 140, 140), true);
-    Box* outside = Box::create(RGB(0, 0, 200), CRect(200, 10, 280, 90));
-    ui.root()->add(outside);
-    ui.runUntilIdle();
-
-    struct Turn {
-        WheelMessagesMode mode;
-        CPoint pointer;
-        int notches;
-        std::vector<int> expected;  // what the scroller has been given so far
-    };
-    const Turn turns[] = {
-        {WheelMessagesToPointer, CPoint(40, 40), 1, {120}},            // over a windowless child
-        {WheelMessagesToPointer, CPoint(110, 110), -2, {120, -240}},   // over a windowed child
-        {WheelMessagesToPointer, CPoint(230, 30), 1, {120, -240}},     // nobody above takes it
-        {WheelMessagesToFocus, CPoint(230, 30), 1, {120, -240, 120}},  // the focused field's panel
-    };
-    field->setFocus();
-    for (const Turn& t : turns) {
-        setWheelMessagesMode(t.mode);
-        ui.mouseMove(t.pointer);
-        ui.wheel(t.notches);
-        ui.runUntilIdle();
-        EXPECT_EQ(scroller->turns, t.expected) << t.pointer.x << "," << t.pointer.y;
-    }
-    setWheelMessagesMode(WheelMessagesToPointer);
-    for (Box* box : {inside, outside}) EXPECT_EQ(box->count(WM_MOUSEWHEEL), 0);
 }
 
 TEST(FocusTest, TypedTextReachesTheFocusedControlAsUtf16Characters) {

@@ -169,23 +169,19 @@ TEST_F(ListViewTest, AHeaderClickSortsInTheLanguagesOrderAndTheSelectionFollowsI
     struct Click {
         int column;
         std::vector<std::u16string> names;
-        int sortColumn;
-        bool ascending;
     };
     const Click clicks[] = {
         // Accents and case come after the letters: "Émile" among the e's, "zoe" before "Zoé".
-        {0, {u"apple", u"éclair", u"Émile", u"Eve", u"zoe", u"Zoé"}, 0, true},
-        {0, {u"Zoé", u"zoe", u"Eve", u"Émile", u"éclair", u"apple"}, 0, false},
+        {0, {u"apple", u"éclair", u"Émile", u"Eve", u"zoe", u"Zoé"}},
+        {0, {u"Zoé", u"zoe", u"Eve", u"Émile", u"éclair", u"apple"}},
         // By the number the size begins with; none first, equal ones in the order they stood.
-        {1, {u"Eve", u"Zoé", u"Émile", u"zoe", u"éclair", u"apple"}, 1, true},
-        {1, {u"apple", u"zoe", u"éclair", u"Émile", u"Zoé", u"Eve"}, 1, false},
+        {1, {u"Eve", u"Zoé", u"Émile", u"zoe", u"éclair", u"apple"}},
+        {1, {u"apple", u"zoe", u"éclair", u"Émile", u"Zoé", u"Eve"}},
     };
     for (const Click& c : clicks) {
         ui->click(header(c.column));
         ui->runUntilIdle();
         EXPECT_EQ(column(0), c.names);
-        EXPECT_EQ(view->getSortColumn(), c.sortColumn);
-        EXPECT_EQ(view->isSortAscending(), c.ascending);
         ASSERT_EQ(view->getSelectedRows().size(), 1u);
         EXPECT_EQ(view->getItemText(view->getSelectedRows()[0], 0).str(), u"Zoé");
         EXPECT_EQ(view->getFocusRow(), view->getSelectedRows()[0]);
