@@ -11,7 +11,6 @@
 #include "orvanta/editing/CropOp.h"
 #include "orvanta/editing/DownsizeOp.h"
 #include "orvanta/editing/MirrorOp.h"
-#include "orvanta/editing/RedeyeOp.h"
 #include "orvanta/editing/RotateOp.h"
 #include "orvanta/editing/UndoOp.h"
 #include "orvanta/foundation/Exception.h"
@@ -97,7 +96,6 @@ TEST_F(History, NothingToDoAndFailuresLeaveTheHistoryAsItWas) {
     failing->throws = true;
     EXPECT_FALSE(picture->doOp(idle));
     EXPECT_FALSE(picture->doOp(nullptr)) << "a RedeyeOp that could not be made is nothing to do";
-    EXPECT_FALSE(doOp(RedeyeOp::create(DibPoint(0.5, 0.5), -1)));
     EXPECT_EQ(messageOf([&] { picture->doOp(failing); }), u"step failed");
     OwnedPtr<EditingOp> downsize(
         DownsizeOp::create(DownsizeOp::DownsizeMethodResample, CSize(3, 3), false, false));

@@ -10,7 +10,6 @@
 #include "orvanta/printing/PrinterManager.h"
 #include "orvanta/printing/SimpleLayoutPrintJob.h"
 #include "tests/foundation/EventQueueSupport.h"
-#include "tests/foundation/TestEnvironment.h"
 #include "tests/printing/PrintFixtures.h"
 #include "tests/support/CupsServer.h"
 #include "tests/support/TempDir.h"
@@ -105,14 +104,15 @@ protected:
         return listener.codes;
     }
 
-    TempDir dir, tmp;
-    ScopedVariable tmpdir{"TMPDIR", tmp.path().c_str()};
+    TempDir dir;
+    PrivateTemp tmp;  // what the library leaves in the temporary folder shows here
     RecordingListener listener;
 };
 
 }  // namespace
 
-// One photo a page, each on the paper turned its way; the JPEGs reach the printer as they are.
+// The job reaches the printer as two pages. How the pages are laid out and that the JPEGs go in as
+// they are is the job's and renderer's, checked through print --to-pdf without a print server.
 TEST_F(Spooling, AJobReachesThePrinterWholeAndOnlyThenIsReportedPrinted) {
     REQUIRE_CUPSD();
     if (!haveCommand("pdfinfo")) GTEST_SKIP() << "pdfinfo (poppler-utils) is not installed";
@@ -124,14 +124,8 @@ TEST_F(Spooling, AJobReachesThePrinterWholeAndOnlyThenIsReportedPrinted) {
         << spooler->getError();
     const std::string out = server.waitForJob(spooler->getJobId());
     ASSERT_FALSE(out.empty()) << server.log();
-    const std::string info = commandOutput("pdfinfo -f 1 -l 2 '" + out + "'");
+    const std::string info = commandOutput("pdfinfo '" + out + "'");
     EXPECT_NE(std::string::npos, info.find("Pages:           2")) << info;
-    EXPECT_NE(std::string::npos, info.find("Page    1 size:  792 x 612 pts")) << info;
-    EXPECT_NE(std::string::npos, info.find("Page    2 size:  612 x 792 pts")) << info;
-    const std::vector<std::string> blocks = pdfJpegs(out, dir.file("blocks"));
-    ASSERT_EQ(2u, blocks.size());
-    EXPECT_TRUE(blocks[0] == readFileBytes(dir.file("wide.jpg")));
-    EXPECT_TRUE(blocks[1] == readFileBytes(dir.file("tall.jpg")));
     EXPECT_EQ(0u, tmp.count());
 }
 

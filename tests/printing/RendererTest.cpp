@@ -13,7 +13,6 @@
 #include "orvanta/pixels/DibSection.h"
 #include "orvanta/platform/PrintDocument.h"
 #include "orvanta/printing/PrintTemplatePageRenderer.h"
-#include "tests/foundation/TestEnvironment.h"
 #include "tests/printing/PrintFixtures.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestPictures.h"
@@ -103,8 +102,8 @@ protected:
         page->setAsset(Platform::Canvas::createScreenContext().get(), slot, asset);
     }
 
-    TempDir dir, tmp;
-    ScopedVariable tmpdir{"TMPDIR", tmp.path().c_str()};
+    TempDir dir;
+    PrivateTemp tmp;  // what the library leaves in the temporary folder shows here
     OwnedPtr<PrintTemplate> design;
     OwnedPtr<PrintTemplatePage> page;
     OwnedPtr<PrintTemplatePageRenderer> renderer;

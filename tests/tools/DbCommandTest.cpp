@@ -83,33 +83,19 @@ TEST_F(DbCommand, ADamagedFileOrAJournalThatCannotBeHandledIsNamedInTheError) {
     EXPECT_EQ(runTool("db stats " + catalogue).status, 0) << "an idle journal of its own";
 }
 
-TEST_F(DbCommand, AddCataloguesReadablePicturesAndReportsTheRest) {
+// What db add catalogues (folder, size, identifier, a fresh catalogue's layout) is checked by the
+// catalogue commands' tests, which run on a catalogue it makes: here, what it refuses.
+TEST_F(DbCommand, AddReportsWhatIsNoPictureAndNeverOpensAVideo) {
     ORVANTA_REQUIRE_TESTDATA();
-    const std::string added = dir.file("new.db"), notes = dir.file("notes.txt"), videos = dir.file("videos");
+    const std::string notes = dir.file("notes.txt"), videos = dir.file("videos");
     writeFileBytes(notes, "not a picture");
-    // A folder adds what a codec knows in it: here a video, never opened.
     ASSERT_EQ(0, mkdir(videos.c_str(), 0700));
-    writeFileBytes(videos + "/clip.AVI", "");
+    writeFileBytes(videos + "/clip.AVI", "");  // empty: opened, it would be refused
     const ToolRun run =
-        runTool("db add '" + added + "' '" + testDataPath("jpeg/canon-ixus-640x480.jpg") + "' '" +
-                testDataPath("bmp/rgb24-photo-119x96-pad3.bmp") + "' '" + notes + "' '" + videos + "'");
+        runTool("db add '" + dir.file("new.db") + "' '" + testDataPath("jpeg/canon-ixus-640x480.jpg") +
+                "' '" + notes + "' '" + videos + "'");
     EXPECT_EQ(run.status, 1);  // one file was not a picture
     EXPECT_NE(run.output.find(notes + "\tunreadable\n"), std::string::npos) << run.output;
-    // Each picture with its folder and size, under the identifier the command printed for it.
-    const std::string dump = runTool("db dump '" + added + "'").output;
-    std::vector<std::string> lines = {"\tfolder\tstring\t" + testDataDir() + "/jpeg\n", "\twidth\tint\t640\n",
-                                      "\tfolder\tstring\t" + testDataDir() + "/bmp\n", "\twidth\tint\t119\n",
-                                      "\tfilename\tstring\tclip.AVI\n"};
-    for (const std::string name :
-         {"canon-ixus-640x480.jpg\t", "rgb24-photo-119x96-pad3.bmp\t", "clip.AVI\t"}) {
-        const std::size_t at = run.output.find(name);
-        ASSERT_NE(std::string::npos, at) << run.output;
-        lines.push_back(run.output.substr(at + name.size(), 36) + "\t");
-    }
-    for (const std::string& line : lines)
-        EXPECT_NE(dump.find(line), std::string::npos) << line << "\n" << dump;
-    // A catalogue as the library makes it: format version 2, grown by 100 blocks.
-    const std::string stats = runTool("db stats '" + added + "'").output;
-    EXPECT_NE(stats.find("format version\t2\nrecords\t3\n"), std::string::npos) << stats;
-    EXPECT_NE(stats.find("block count\t100\n"), std::string::npos) << stats;
+    for (const char* name : {"canon-ixus-640x480.jpg\t", "clip.AVI\t"})
+        EXPECT_NE(run.output.find(name), std::string::npos) << run.output;
 }

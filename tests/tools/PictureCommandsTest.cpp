@@ -115,12 +115,9 @@ TEST_F(PictureCommands, EachCommandPrintsWhatItDidOrFailsWithTheReason) {
         {"rotate '" + small + "' 90", "1: orvanta rotate: '" + small + "': only JPEG files turn"},
         {"rotate '" + damaged + "' 90",
          "1: orvanta rotate: '" + damaged + "' cannot be turned: the picture data is damaged"},
-        // Nothing written is a failure, with the system's reason, for a BMP, a TIFF, a JPEG that
-        // keeps the metadata, a copy and an edit.
-        {"convert '" + photo + missing + ".bmp'", "1: orvanta convert: cannot convert '"},
-        {"convert '" + photo + missing + ".tif'", "1: orvanta convert: cannot convert '"},
+        // Nothing written is a failure, with the system's reason (each writer's reason is the
+        // library's, checked there).
         {"convert '" + photo + missing + ".jpg' --max 320x320", "1: orvanta convert: cannot convert '"},
-        {"convert '" + photo + missing + ".jpg'", "1: orvanta convert: cannot convert '"},
         {"edit '" + small + missing + ".bmp' bw", "1: orvanta edit: cannot write '"},
         {"edit '" + dir.file("missing.bmp") + "' '" + out + ".bmp' bw", "1: orvanta edit: cannot read '"},
         {"edit '" + small + "' '" + out + ".xyz' bw", "1: orvanta edit: no codec for '"},
@@ -142,18 +139,6 @@ TEST_F(PictureCommands, EachCommandPrintsWhatItDidOrFailsWithTheReason) {
     }
     EXPECT_FALSE(fs::exists(out)) << "no folder is made for a batch refused";
     EXPECT_EQ(before, readFileBytes(damaged));
-}
-
-// A JPEG thumbnail of a JPEG photo that carries one fitting the box is the stored preview, byte for
-// byte as exiftool extracts it; a smaller box has it decoded and fitted.
-TEST_F(PictureCommands, TheEmbeddedThumbnailIsCopiedWhenItFitsTheBox) {
-    const ToolRun stored = runShell("exiftool -b -ThumbnailImage '" + photo + "'");
-    if (stored.status != 0 || stored.output.empty()) GTEST_SKIP() << "exiftool is not installed";
-    EXPECT_EQ(out + "1.jpg\t160\t120\tembedded\n", run("thumb '" + photo + "' '" + out + "1.jpg'"));
-    EXPECT_TRUE(stored.output == readFileBytes(out + "1.jpg"));
-    EXPECT_EQ(out + "2.jpg\t64\t48\tembedded\n", run("thumb '" + photo + "' '" + out + "2.jpg' --box 64x64"));
-    OwnedPtr<Dib> fitted(readPicture(out + "2.jpg"));
-    EXPECT_EQ(CSize(64, 48), fitted->getSize());
 }
 
 // The host loads a system library on the first call into it: a help text or a JPEG's header load
