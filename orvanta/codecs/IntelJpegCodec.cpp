@@ -34,6 +34,17 @@ using namespace Platform;
 
 namespace {
 
+// The encoder's quality setting for a quality of the codec.
+int encoderQuality(ImageQuality quality) {
+    return quality == ImageQualityDraft ? 65 : 85;
+}
+
+// The chroma sampling of a written file: finer for high quality.
+IJL_JPGSUBSAMPLING subsamplingFor(ImageQuality quality, int channels) {
+    if (channels == 3) return quality == ImageQualityHigh ? IJL_422 : IJL_411;
+    return quality == ImageQualityHigh ? IJL_4224 : IJL_4114;
+}
+
 // One record of the engine, set up for one call and freed at its end, whatever way it ends.
 class JpegRecord {
 public:
@@ -47,7 +58,7 @@ public:
             props.JPGBytes = static_cast<unsigned char*>(const_cast<void*>(data));
             props.JPGSizeBytes = size;
         }
-        props.jquality = quality == ImageQualityDraft ? 65 : 85;
+        props.jquality = encoderQuality(quality);
     }
     ~JpegRecord() { ijlFree(&props); }
     JpegRecord(const JpegRecord&) = delete;
@@ -353,10 +364,7 @@ int IntelJpegCodec::writeCommon(Dib* dib, const char16_t* path, void* buffer, in
         p.DIBHeight = p.JPGHeight = -header.biHeight;
         p.DIBPadBytes = Dib::strideFor(p.DIBWidth, p.DIBChannels) - p.DIBWidth * p.DIBChannels;
         p.JPGChannels = p.DIBChannels;
-        if (p.DIBChannels == 3)
-            p.JPGSubsampling = quality == ImageQualityHigh ? IJL_422 : IJL_411;
-        else
-            p.JPGSubsampling = quality == ImageQualityHigh ? IJL_4224 : IJL_4114;
+        p.JPGSubsampling = subsamplingFor(quality, p.DIBChannels);
         result = ijlWrite(&p, path ? IJL_JFILE_WRITEWHOLEIMAGE : IJL_JBUFF_WRITEWHOLEIMAGE);
         if (result == IJL_OK)
             result = p.JPGSizeBytes > 0 ? p.JPGSizeBytes : 1;
@@ -367,6 +375,19 @@ int IntelJpegCodec::writeCommon(Dib* dib, const char16_t* path, void* buffer, in
     }
     if (result == IJL_EXCEPTION_DETECTED) return writeWithLibjpeg(dib, path, buffer, size, quality);
     return result;
+}
+
+std::unique_ptr<JpegRowWriter> IntelJpegCodec::startRowWrite(const char16_t* path, int width, int height,
+                                                             ImageQuality quality, ReplacementFile::Kind kind) {
+    JpegRowWriter::Settings settings;
+    settings.width = width;
+    settings.height = height;
+    settings.blueFirst = false;
+    settings.quality = encoderQuality(quality);
+    settings.horizontalSampling = 2;
+    settings.verticalSampling = subsamplingFor(quality, 3) == IJL_422 ? 1 : 2;
+    auto writer = std::make_unique<JpegRowWriter>(CString(path).toUtf8(), kind);
+    return writer->start(settings) ? std::move(writer) : nullptr;
 }
 
 int IntelJpegCodec::writeWithLibjpeg(Dib* dib, const char16_t* path, void* buffer, int size,
@@ -405,7 +426,7 @@ int IntelJpegCodec::writeWithLibjpeg(Dib* dib, const char16_t* path, void* buffe
     e->info.input_components = 3;
     e->info.in_color_space = JCS_EXT_BGR;
     jpeg_set_defaults(&e->info);
-    jpeg_set_quality(&e->info, quality == ImageQualityDraft ? 65 : 85, TRUE);
+    jpeg_set_quality(&e->info, encoderQuality(quality), TRUE);
     jpeg_set_colorspace(&e->info, JCS_YCbCr);
     if (quality == ImageQualityHigh) {
         e->info.comp_info[1].h_samp_factor = 2;

@@ -14,9 +14,11 @@
 // Files are never reported as draft: the engine does not recover the quality a file was written
 // at, so getInfo reports ImageQualityHigh for every readable file.
 
+#include <memory>
 #include <vector>
 
 #include "orvanta/codecs/ImageCodec.h"
+#include "orvanta/platform/JpegRowWriter.h"
 
 namespace Orvanta {
 
@@ -68,6 +70,14 @@ public:
     // source may be path itself.
     int writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath,
                              ImageQuality quality);
+
+    // A write fed a band of rows at a time, for a picture whose rows arrive over time (a scanner's):
+    // width x height pixels of three bytes, red first. The file is byte for byte what write() makes
+    // of a 24-bit Dib of the same pixels at that quality, and takes its place only when finished.
+    // kind kDerived spares the flush to the device for a file that is only a step on the way.
+    static std::unique_ptr<Platform::JpegRowWriter> startRowWrite(const char16_t* path, int width, int height,
+                                                                  ImageQuality quality,
+                                                                  Platform::ReplacementFile::Kind kind);
 
 private:
     IntelJpegCodec();

@@ -1,5 +1,6 @@
 #include "orvanta/platform/JpegLibrary.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +10,7 @@
 
 #include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/JpegErrorJump.h"
+#include "orvanta/platform/JpegRowWriter.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta::Platform {
@@ -175,55 +177,81 @@ struct FixedDestination {
     bool overflow = false;
 };
 
-int encode(JPEG_CORE_PROPERTIES* props, jpeg_compress_struct& info, JpegErrorJump& errors,
-           unsigned char** grown, unsigned long* grownSize, FixedDestination* fixed) {
-    jpeg_create_compress(&info);
-    if (fixed) {
-        fixed->manager.next_output_byte = props->JPGBytes;
-        fixed->manager.free_in_buffer = static_cast<std::size_t>(props->JPGSizeBytes);
-        fixed->manager.init_destination = [](j_compress_ptr) {};
-        fixed->manager.empty_output_buffer = [](j_compress_ptr c) -> boolean {
-            reinterpret_cast<FixedDestination*>(c->dest)->overflow = true;
-            std::longjmp(reinterpret_cast<JpegErrorJump*>(c->err)->jump, 1);
-        };
-        fixed->manager.term_destination = [](j_compress_ptr) {};
-        info.dest = &fixed->manager;
-    } else {
-        jpeg_mem_dest(&info, grown, grownSize);
-    }
-    info.image_width = static_cast<JDIMENSION>(props->JPGWidth);
-    info.image_height = static_cast<JDIMENSION>(props->JPGHeight);
-    info.input_components = props->DIBChannels;
-    info.in_color_space = props->DIBChannels == 4 ? JCS_EXT_BGRX : JCS_EXT_BGR;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, props->jquality, TRUE);
-    jpeg_set_colorspace(&info, JCS_YCbCr);
-    int horizontal = 1, vertical = 1;
+JpegRowWriter::Settings settingsOf(const JPEG_CORE_PROPERTIES* props) {
+    JpegRowWriter::Settings settings;
+    settings.width = props->JPGWidth;
+    settings.height = props->JPGHeight;
+    settings.channels = props->DIBChannels;
+    settings.quality = props->jquality;
     switch (props->JPGSubsampling) {
         case IJL_411:
         case IJL_4114:
-            horizontal = vertical = 2;
+            settings.horizontalSampling = settings.verticalSampling = 2;
             break;
         case IJL_422:
         case IJL_4224:
-            horizontal = 2;
+            settings.horizontalSampling = 2;
             break;
         default:
             break;
     }
-    info.comp_info[0].h_samp_factor = horizontal;
-    info.comp_info[0].v_samp_factor = vertical;
-    jpeg_start_compress(&info, TRUE);
+    return settings;
+}
+
+// The rows of the record's picture from `first` on, at most 16 of them.
+int rowsOf(const JPEG_CORE_PROPERTIES* props, int first, const unsigned char** rows) {
     const int stride = props->DIBWidth * props->DIBChannels + props->DIBPadBytes;
-    JSAMPROW rows[16];
+    int count = 0;
+    for (; count < 16 && first + count < props->JPGHeight; ++count)
+        rows[count] = props->DIBBytes + static_cast<std::ptrdiff_t>(stride) * (first + count);
+    return count;
+}
+
+int encodeToBlock(JPEG_CORE_PROPERTIES* props) {
+    FixedDestination fixed;
+    JpegErrorJump errors;
+    jpeg_compress_struct info;
+    info.err = errors.install();
+    if (setjmp(errors.jump)) {
+        jpeg_destroy_compress(&info);
+        return fixed.overflow ? IJL_BUFFER_TOO_SMALL : IJL_EXCEPTION_DETECTED;
+    }
+    jpeg_create_compress(&info);
+    fixed.manager.next_output_byte = props->JPGBytes;
+    fixed.manager.free_in_buffer = static_cast<std::size_t>(props->JPGSizeBytes);
+    fixed.manager.init_destination = [](j_compress_ptr) {};
+    fixed.manager.empty_output_buffer = [](j_compress_ptr c) -> boolean {
+        reinterpret_cast<FixedDestination*>(c->dest)->overflow = true;
+        std::longjmp(reinterpret_cast<JpegErrorJump*>(c->err)->jump, 1);
+    };
+    fixed.manager.term_destination = [](j_compress_ptr) {};
+    info.dest = &fixed.manager;
+    JpegRowWriter::configure(&info, settingsOf(props));
+    jpeg_start_compress(&info, TRUE);
+    const unsigned char* rows[16];
     while (info.next_scanline < info.image_height) {
-        int count = 0;
-        for (; count < 16 && info.next_scanline + count < info.image_height; ++count)
-            rows[count] =
-                props->DIBBytes + static_cast<std::ptrdiff_t>(stride) * (info.next_scanline + count);
-        jpeg_write_scanlines(&info, rows, static_cast<JDIMENSION>(count));
+        const int count = rowsOf(props, static_cast<int>(info.next_scanline), rows);
+        jpeg_write_scanlines(&info, const_cast<JSAMPARRAY>(rows), static_cast<JDIMENSION>(count));
     }
     jpeg_finish_compress(&info);
+    props->JPGSizeBytes -= static_cast<int>(fixed.manager.free_in_buffer);
+    jpeg_destroy_compress(&info);
+    return IJL_OK;
+}
+
+// Straight into the file as the encoder makes it; the file is replaced only once it is whole.
+int encodeToFile(JPEG_CORE_PROPERTIES* props) {
+    JpegRowWriter writer(props->JPGFile, ReplacementFile::Kind::kOwned);
+    const auto failed = [&] { return writer.fileFailed() ? IJL_FILE_ERROR : IJL_EXCEPTION_DETECTED; };
+    if (!writer.start(settingsOf(props))) return failed();
+    const unsigned char* rows[16];
+    for (int first = 0; first < props->JPGHeight;) {
+        const int count = rowsOf(props, first, rows);
+        if (!writer.write(rows, count)) return failed();
+        first += count;
+    }
+    if (!writer.finish()) return failed();
+    props->JPGSizeBytes = static_cast<int>(std::min<long long>(writer.written(), INT_MAX));
     return IJL_OK;
 }
 
@@ -235,34 +263,9 @@ int writeImage(JPEG_CORE_PROPERTIES* props, int mode) {
     if (!((props->DIBColor == IJL_BGR && props->DIBChannels == 3) ||
           (props->DIBColor == IJL_RGBA_FPX && props->DIBChannels == 4)))
         return IJL_INVALID_JPEG_PROPERTIES;
-    const bool toFile = isFileMode(mode);
-    if (toFile ? !props->JPGFile : (!props->JPGBytes || props->JPGSizeBytes <= 0)) return IJL_NULL_POINTER;
-
-    FixedDestination fixed;
-    unsigned char* grown = nullptr;
-    unsigned long grownSize = 0;
-    JpegErrorJump errors;
-    jpeg_compress_struct info;
-    info.err = errors.install();
-    if (setjmp(errors.jump)) {
-        jpeg_destroy_compress(&info);
-        std::free(grown);
-        return fixed.overflow ? IJL_BUFFER_TOO_SMALL : IJL_EXCEPTION_DETECTED;
-    }
-    encode(props, info, errors, &grown, &grownSize, toFile ? nullptr : &fixed);
-    if (!toFile) {
-        props->JPGSizeBytes -= static_cast<int>(fixed.manager.free_in_buffer);
-        jpeg_destroy_compress(&info);
-        return IJL_OK;
-    }
-    jpeg_destroy_compress(&info);
-
-    ReplacementFile out(props->JPGFile);
-    const bool written = grownSize <= INT_MAX && out.open() && out.write(grown, grownSize) && out.commit();
-    std::free(grown);
-    if (!written) return IJL_FILE_ERROR;
-    props->JPGSizeBytes = static_cast<int>(grownSize);
-    return IJL_OK;
+    if (isFileMode(mode)) return props->JPGFile ? encodeToFile(props) : IJL_NULL_POINTER;
+    if (!props->JPGBytes || props->JPGSizeBytes <= 0) return IJL_NULL_POINTER;
+    return encodeToBlock(props);
 }
 
 }  // namespace

@@ -146,7 +146,8 @@ bool ReplacementFile::write(const void* data, std::size_t size) {
         done += static_cast<std::size_t>(n);
     }
     mWritten += static_cast<off_t>(size);
-    if (mWritten - mSentToDevice >= kWritebackStep) {
+    // Only a file flushed at commit gains by going to the device early.
+    if (mKind == Kind::kOwned && mWritten - mSentToDevice >= kWritebackStep) {
         FileSystem::current().startWriteback(mHandle, mSentToDevice, mWritten - mSentToDevice);
         mSentToDevice = mWritten;
     }

@@ -14,7 +14,7 @@
 // the device at once, so that the flush at commit waits for little more than the last of it.
 //
 // A derived file (a thumbnail made from a photo, which the photo can make again) is not flushed at
-// commit: the rename alone keeps readers from ever seeing it half-written, and a machine that stops
+// commit nor sent to the device as it is written: the rename alone keeps readers from ever seeing it half-written, and a machine that stops
 // may lose only what can be made again. The flush is what makes such a small write slow.
 //
 // A file with other hard links is refused (kErrorHardLinked): renaming over one name would split
