@@ -135,7 +135,10 @@ bool AcquireCopyTask::copyFile(Asset* asset, const CString& source) {
                                              : mBaseName + u"." + FilePath::getExtension(source);
     const CString target = makeTarget(name);
     int error = 0;
-    switch (Platform::FileCopy::copy(source.toUtf8(), target.toUtf8(), &error)) {
+    // A scanner's pictures are temporary files of ours, removed after the copy: they move into place.
+    const bool temporary = mSourceType == kSourceImagingDevice;
+    switch (temporary ? Platform::FileCopy::moveOrCopy(source.toUtf8(), target.toUtf8(), &error)
+                      : Platform::FileCopy::copy(source.toUtf8(), target.toUtf8(), &error)) {
         case Platform::FileCopy::kExists:
             ++mSkipped;
             return true;
@@ -145,7 +148,7 @@ bool AcquireCopyTask::copyFile(Asset* asset, const CString& source) {
         case Platform::FileCopy::kCopied:
             break;
     }
-    // A scanner's pictures are temporary files, which the wizard removes: only a drive's are deleted.
+    // Only a drive's files are deleted: a scanner's are the wizard's to remove.
     if (mDeleteAfterCopy && mSourceType == kSourceRemovableDrive) {
         if (!Platform::FileCopy::sameContents(source.toUtf8(), target.toUtf8())) {
             // The copy is not to be trusted: it goes, and the original stays.

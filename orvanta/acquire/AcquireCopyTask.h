@@ -10,7 +10,8 @@
 // mid-copy leaves no partial file. A copy keeps its source's times (a camera's file, the time the
 // camera gives it). With deleteAfterCopy, a source (a card's file, a camera's file) is deleted only
 // after its copy was read back and found equal to it; a mismatch keeps the source and counts as
-// failed. Sources of a scanner are the scan's temporary files, left to their owner. Events:
+// failed. Sources of a scanner are the scan's temporary files: each is moved into place when the
+// target is on the same file system, else copied and left to its owner to remove. Events:
 // started, one kItem per copy (its asset's id and its path), then finished, or stopped when
 // cancelled, when a drive can no longer be read, or when the camera stopped answering. The counts
 // are read once the task has ended.

@@ -17,16 +17,28 @@ const unsigned char* rowOf(const ScanFrames::Frame& frame, int y) {
            static_cast<std::size_t>(y) * frame.bytesPerLine;
 }
 
-bool fits(const ScanFrames::Frame& frame, int bytesPerPixelTimes8) {
+// Whether the rows are long enough for the width at that many bits a pixel.
+bool rowsFit(const ScanFrames::Frame& frame, int bitsPerPixel) {
     if (frame.pixelsPerLine <= 0 || frame.lines <= 0 || frame.bytesPerLine <= 0) return false;
-    if (static_cast<long long>(frame.bytesPerLine) * 8 <
-        static_cast<long long>(frame.pixelsPerLine) * bytesPerPixelTimes8)
-        return false;
-    return static_cast<long long>(frame.bytes.size()) >=
-           static_cast<long long>(frame.bytesPerLine) * frame.lines;
+    return static_cast<long long>(frame.bytesPerLine) * 8 >=
+           static_cast<long long>(frame.pixelsPerLine) * bitsPerPixel;
+}
+
+bool fits(const ScanFrames::Frame& frame, int bitsPerPixel) {
+    return rowsFit(frame, bitsPerPixel) && static_cast<long long>(frame.bytes.size()) >=
+                                               static_cast<long long>(frame.bytesPerLine) * frame.lines;
 }
 
 }  // namespace
+
+bool ScanFrames::isSinglePicture(const Frame& frame) {
+    if (frame.format == 1) return frame.depth == 8 && rowsFit(frame, 24);
+    return frame.format == 0 && (frame.depth == 1 || frame.depth == 8) && rowsFit(frame, frame.depth);
+}
+
+void ScanFrames::spreadGrey(const unsigned char* row, int width, int depth, unsigned char* out) {
+    for (int x = 0; x < width; ++x, out += 3) out[0] = out[1] = out[2] = greySample(row, x, depth);
+}
 
 Dib* ScanFrames::toDib(const std::vector<Frame>& frames) {
     if (frames.empty()) return nullptr;

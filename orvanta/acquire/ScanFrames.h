@@ -25,6 +25,11 @@ public:
     };
 
     static Dib* toDib(const std::vector<Frame>& frames);
+    // Whether a frame is a whole picture in itself whose rows can be taken one by one (grey of 1 or
+    // 8 bits, or 8-bit RGB, its length known), and the rows as long as the width needs.
+    static bool isSinglePicture(const Frame& frame);
+    // A grey row of 1 or 8 bits as three equal bytes a pixel.
+    static void spreadGrey(const unsigned char* row, int width, int depth, unsigned char* out);
 };
 
 }  // namespace Orvanta

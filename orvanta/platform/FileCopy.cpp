@@ -96,6 +96,12 @@ FileCopy::Result FileCopy::copy(const std::string& source, const std::string& ta
     return kCopied;
 }
 
+FileCopy::Result FileCopy::moveOrCopy(const std::string& source, const std::string& target, int* error) {
+    if (FileSystem::current().renameNoReplace(source.c_str(), target.c_str()) == 0) return kCopied;
+    if (errno == EEXIST) return kExists;
+    return copy(source, target, error);
+}
+
 bool FileCopy::sameContents(const std::string& a, const std::string& b) {
     FileSystem& fs = FileSystem::current();
     const int first = fs.open(a.c_str(), O_RDONLY | O_CLOEXEC, 0);

@@ -6,7 +6,10 @@
 // file has that name (renameNoReplace): kExists then, with nothing written. Any failure of reading
 // or writing (a card pulled out, a full disk) removes the temporary file: kFailed, with errno's
 // reason in *error. sameContents() reads both files again and compares them byte for byte, so that
-// a source is deleted only after its copy was seen to be whole. Through Platform::FileSystem.
+// a source is deleted only after its copy was seen to be whole. moveOrCopy() is for a source that
+// is no longer wanted where it is (a temporary file of ours): it is renamed to the target, under
+// the same rule, when both are on one file system, and copied as copy() does otherwise (and left
+// for its owner to remove). Through Platform::FileSystem.
 
 #include <string>
 
@@ -17,6 +20,7 @@ public:
     enum Result { kCopied, kExists, kFailed };
 
     static Result copy(const std::string& source, const std::string& target, int* error);
+    static Result moveOrCopy(const std::string& source, const std::string& target, int* error);
     static bool sameContents(const std::string& a, const std::string& b);
 };
 

@@ -1,23 +1,19 @@
 #include "orvanta/platform/SaneHelper.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <link.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/mman.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <deque>
-#include <memory>
 #include <sstream>
 
 #include "orvanta/platform/Process.h"
@@ -29,6 +25,8 @@ namespace Orvanta::Platform {
 namespace {
 
 constexpr int kDefaultTimeout = 60000;
+// The most a piece of rows may hold: the helper sends what one read gave, and a row at most twice.
+constexpr long long kMaxPiece = 64LL << 20;
 std::atomic<int> gTimeout{kDefaultTimeout};
 
 std::vector<std::string> splitTabs(const std::string& line) {
@@ -73,61 +71,39 @@ public:
     // The next line, or false at the end, on a timeout (the helper is then killed) or a broken socket.
     bool readLine(std::string* line) {
         for (;;) {
-            const std::size_t newline = mPending.find('\n');
+            const std::size_t newline = mPending.find('\n', mPendingStart);
             if (newline != std::string::npos) {
-                *line = mPending.substr(0, newline);
-                mPending.erase(0, newline + 1);
+                line->assign(mPending, mPendingStart, newline - mPendingStart);
+                mPendingStart = newline + 1;
                 return true;
             }
-            pollfd waiting = {mSocket, POLLIN, 0};
-            const int ready = poll(&waiting, 1, gTimeout.load());
-            if (ready == 0) {
-                mHung = true;
-                kill(mPid, SIGKILL);
-                return false;
-            }
-            if (ready < 0) {
-                if (errno == EINTR) continue;
-                return false;
-            }
+            mPending.erase(0, mPendingStart);
+            mPendingStart = 0;
             char buffer[4096];
-            iovec part = {buffer, sizeof buffer};
-            alignas(cmsghdr) char control[CMSG_SPACE(4 * sizeof(int))];
-            msghdr message = {};
-            message.msg_iov = &part;
-            message.msg_iovlen = 1;
-            message.msg_control = control;
-            message.msg_controllen = sizeof control;
-            const ssize_t got = recvmsg(mSocket, &message, MSG_CMSG_CLOEXEC);
-            if (got < 0 && errno == EINTR) continue;
+            const ssize_t got = receive(buffer, sizeof buffer);
             if (got <= 0) return false;
-            for (cmsghdr* h = CMSG_FIRSTHDR(&message); h; h = CMSG_NXTHDR(&message, h)) {
-                if (h->cmsg_level != SOL_SOCKET || h->cmsg_type != SCM_RIGHTS) continue;
-                const std::size_t count = (h->cmsg_len - CMSG_LEN(0)) / sizeof(int);
-                for (std::size_t i = 0; i < count; ++i) {
-                    int fd;
-                    std::memcpy(&fd, CMSG_DATA(h) + i * sizeof(int), sizeof fd);
-                    mFds.push_back(fd);
-                }
-            }
             mPending.append(buffer, static_cast<std::size_t>(got));
         }
     }
 
-    void send(const char* line) { ::send(mSocket, line, std::strlen(line), MSG_NOSIGNAL); }
-
-    // The oldest file descriptor that came with the lines, or -1; the caller closes it.
-    int takeFd() {
-        if (mFds.empty()) return -1;
-        const int fd = mFds.front();
-        mFds.pop_front();
-        return fd;
+    // Exactly size bytes into the caller's buffer: what came behind the last line first, then
+    // straight from the socket. False as readLine.
+    bool readBytes(unsigned char* into, std::size_t size) {
+        const std::size_t buffered = std::min(size, mPending.size() - mPendingStart);
+        std::memcpy(into, mPending.data() + mPendingStart, buffered);
+        mPendingStart += buffered;
+        for (std::size_t done = buffered; done < size;) {
+            const ssize_t got = receive(into + done, size - done);
+            if (got <= 0) return false;
+            done += static_cast<std::size_t>(got);
+        }
+        return true;
     }
+
+    void send(const char* line) { ::send(mSocket, line, std::strlen(line), MSG_NOSIGNAL); }
 
     // Waits for the helper to end (killing it first with kill), and answers whether it was hung.
     bool finish(bool killFirst) {
-        for (const int fd : mFds) close(fd);
-        mFds.clear();
         if (mSocket >= 0) {
             close(mSocket);
             mSocket = -1;
@@ -143,44 +119,30 @@ public:
     }
 
 private:
+    // Whatever the socket has, waiting at most the hang timeout: the count, or 0 at its end, on a
+    // timeout (the helper is then killed) or an error.
+    ssize_t receive(void* into, std::size_t size) {
+        for (;;) {
+            pollfd waiting = {mSocket, POLLIN, 0};
+            const int ready = poll(&waiting, 1, gTimeout.load());
+            if (ready == 0) {
+                mHung = true;
+                kill(mPid, SIGKILL);
+                return 0;
+            }
+            if (ready < 0 && errno == EINTR) continue;
+            if (ready < 0) return 0;
+            const ssize_t got = recv(mSocket, into, size, 0);
+            if (got < 0 && errno == EINTR) continue;
+            return got < 0 ? 0 : got;
+        }
+    }
+
     pid_t mPid = -1;
     int mSocket = -1;
     bool mHung = false;
-    std::string mPending;
-    std::deque<int> mFds;
-};
-
-// A frame's memory file mapped for reading, if it is sealed against shrinking: a helper that cut it
-// short after sending would otherwise fault the host when it reads.
-class FrameMapping {
-public:
-    FrameMapping(int fd, std::size_t size) {
-        struct stat info;
-        const int seals = fd >= 0 ? fcntl(fd, F_GET_SEALS) : -1;
-        if (seals >= 0 && (seals & F_SEAL_SHRINK) && fstat(fd, &info) == 0 &&
-            static_cast<std::size_t>(info.st_size) == size) {
-            void* map = size ? mmap(nullptr, size, PROT_READ, MAP_SHARED, fd, 0) : nullptr;
-            if (map != MAP_FAILED) {
-                mData = static_cast<const char*>(map);
-                mSize = size;
-                mOk = true;
-            }
-        }
-        if (fd >= 0) close(fd);
-    }
-    ~FrameMapping() {
-        if (mData) munmap(const_cast<char*>(mData), mSize);
-    }
-    FrameMapping(const FrameMapping&) = delete;
-    FrameMapping& operator=(const FrameMapping&) = delete;
-
-    bool ok() const { return mOk; }
-    std::string_view bytes() const { return std::string_view(mData, mSize); }
-
-private:
-    const char* mData = nullptr;
-    std::size_t mSize = 0;
-    bool mOk = false;
+    std::string mPending;  // bytes received and not yet taken, from mPendingStart on
+    std::size_t mPendingStart = 0;
 };
 
 }  // namespace
@@ -224,36 +186,41 @@ SaneHelper::Outcome SaneHelper::listDevices(std::vector<Device>* devices) {
 }
 
 SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::vector<std::string>& options,
-                                     const ImageSink& onImage, int* status) {
+                                     Sink* sink, int* status) {
     std::vector<std::string> arguments = {"scan", device};
     arguments.insert(arguments.end(), options.begin(), options.end());
     Conversation helper(arguments);
     if (!helper.started()) return kFailed;
-    std::vector<Frame> frames;
-    std::vector<std::unique_ptr<FrameMapping>> mappings;
+    std::vector<unsigned char> rows;
+    bool inFrame = false;
+    int bytesPerLine = 0;
     std::string line;
     while (helper.readLine(&line)) {
         const std::vector<std::string> fields = splitTabs(line);
         if (fields.empty()) continue;
-        if (fields[0] == "frame" && fields.size() == 8) {
-            mappings.push_back(std::make_unique<FrameMapping>(
-                helper.takeFd(), static_cast<std::size_t>(std::strtoull(fields[1].c_str(), nullptr, 10))));
-            // A frame that cannot be read is a helper that broke its word.
-            if (!mappings.back()->ok()) break;
+        if (fields[0] == "frame" && fields.size() == 7) {
             Frame frame;
-            frame.bytes = mappings.back()->bytes();
-            frame.format = std::atoi(fields[2].c_str());
-            frame.last = fields[3] == "1";
-            frame.bytesPerLine = std::atoi(fields[4].c_str());
-            frame.pixelsPerLine = std::atoi(fields[5].c_str());
-            frame.lines = std::atoi(fields[6].c_str());
-            frame.depth = std::atoi(fields[7].c_str());
-            frames.push_back(frame);
+            frame.format = std::atoi(fields[1].c_str());
+            frame.last = fields[2] == "1";
+            frame.bytesPerLine = std::atoi(fields[3].c_str());
+            frame.pixelsPerLine = std::atoi(fields[4].c_str());
+            frame.lines = std::atoi(fields[5].c_str());
+            frame.depth = std::atoi(fields[6].c_str());
+            bytesPerLine = frame.bytesPerLine;
+            inFrame = true;
+            sink->beginFrame(frame);
+        } else if (fields[0] == "rows" && fields.size() == 2 && inFrame && bytesPerLine > 0) {
+            // A piece no larger than the helper ever sends; anything else is a helper gone wrong.
+            const long long count = std::atoll(fields[1].c_str());
+            if (count <= 0 || count * bytesPerLine > kMaxPiece) break;
+            rows.resize(static_cast<std::size_t>(count * bytesPerLine));
+            if (!helper.readBytes(rows.data(), rows.size())) break;
+            sink->addRows(rows.data(), static_cast<int>(count));
+        } else if (fields[0] == "end" && fields.size() == 2 && inFrame) {
+            sink->endFrame(std::atoi(fields[1].c_str()));
+            inFrame = false;
         } else if (fields[0] == "image") {
-            const bool more = onImage(frames);
-            frames.clear();
-            mappings.clear();
-            helper.send(more ? "next\n" : "stop\n");
+            helper.send(sink->endImage() ? "next\n" : "stop\n");
         } else if (fields[0] == "status" && fields.size() == 3) {
             *status = std::atoi(fields[1].c_str());
             helper.finish(false);

@@ -4,23 +4,22 @@
 // host.
 //
 // Contract: each operation starts a helper (posix_spawn), talks to it over a socket pair and waits
-// for it to end. The helper sends text lines; a scanned frame travels as a sealed memory file of raw
-// SANE bytes (memfd, passed along the socket), which the host maps for the time of onImage: nothing
-// is written to disk, and a helper that dies in the middle of a frame leaves nothing behind, nor
-// can it shrink a frame under the host's mapping. An operation answers kCrashed when the helper
-// ended without its closing line (a signal, a sanitizer's report, an exit in the middle), sent a
-// frame that cannot be mapped, or sent nothing for the hang timeout, after which it is killed by its
-// pid.
+// for it to end. The helper sends text lines, and a frame's bytes as whole rows behind the lines
+// that announce them, as the device delivers them: a picture can be written while it is scanned,
+// and nothing of it is written to disk or held whole in memory on the way. An operation answers
+// kCrashed when the helper ended without its closing line (a signal, a sanitizer's report, an exit
+// in the middle), sent what the protocol does not allow, or sent nothing for the hang timeout, after
+// which it is killed by its pid.
 // listDevices() gives SANE's devices. scan() sets each option given as NAME=VALUE, then scans
-// pictures: after each whole picture (one frame, or the three of a three-pass scanner) onImage is
-// called with its frames and answers whether to scan another; the helper goes on while the device
-// has more documents (a sheet feeder), else ends after one. status is SANE's status of the end.
+// pictures into the sink: each frame's parameters, its rows, its end; after each whole picture (one
+// frame, or the three of a three-pass scanner) the sink answers whether to scan another. The helper
+// goes on while the device has more documents (a sheet feeder), else ends after one. A frame that
+// has not ended when scan() returns was cut short (a jam, a crash) and is the sink's to drop.
+// status is SANE's status of the end.
 // The helper is found by $ORVANTA_SANE_HELPER, else beside the library's own folder (../bin,
 // ../libexec/orvanta).
 
-#include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace Orvanta::Platform {
@@ -34,16 +33,26 @@ public:
         std::string name, vendor, model, type;
     };
     struct Frame {
-        std::string_view bytes;  // mapped until onImage returns
         int format = kGray;
         bool last = true;
+        // lines is -1 when the device does not know before the end (a hand scanner).
         int bytesPerLine = 0, pixelsPerLine = 0, lines = 0, depth = 8;
     };
-    using ImageSink = std::function<bool(const std::vector<Frame>& frames)>;
+    class Sink {
+    public:
+        virtual ~Sink() = default;
+        virtual void beginFrame(const Frame& frame) = 0;
+        // The frame's next rows, bytesPerLine bytes each, top row first; valid for the call.
+        virtual void addRows(const unsigned char* rows, int count) = 0;
+        // The frame came whole, with this many rows.
+        virtual void endFrame(int lines) = 0;
+        // A whole picture has come: whether to scan another.
+        virtual bool endImage() = 0;
+    };
 
     static Outcome listDevices(std::vector<Device>* devices);
     static Outcome scan(const std::string& device, const std::vector<std::string>& options,
-                        const ImageSink& onImage, int* status);
+                        Sink* sink, int* status);
 
     static std::string helperPath();
     // How long the helper may stay silent before it counts as hung; 0 restores the default (60 s).

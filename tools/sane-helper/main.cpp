@@ -7,22 +7,22 @@
 // It talks on file descriptor 3, a socket the host holds the other end of, in lines of tab-separated
 // fields:
 //   device NAME VENDOR MODEL TYPE          one per device (list), then "end"
-//   frame SIZE FORMAT LAST BYTES_PER_LINE PIXELS_PER_LINE LINES DEPTH
-//                                          a frame of SIZE raw bytes, in a sealed memory file
-//                                          passed with the line (SCM_RIGHTS)
+//   frame FORMAT LAST BYTES_PER_LINE PIXELS_PER_LINE LINES DEPTH
+//                                          a frame begins (LINES -1: not known before its end)
+//   rows COUNT                             followed by COUNT whole rows of raw bytes, as they came
+//   end LINES                              the frame came whole, with LINES rows
 //   image                                  a whole picture has been sent; the host answers
 //                                          "next" or "stop", which only a feeder waits for
 //   status CODE ok|failed                  the last line: SANE's status at the end
 // A host that sees the socket close before the last line knows the driver died.
 
-#include <fcntl.h>
 #include <sane/sane.h>
 #include <sane/saneopts.h>
-#include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -32,29 +32,31 @@
 namespace {
 
 constexpr int kSocket = 3;
+// What one read asks the device for: a few dozen rows of a page, small enough to stay in the cache.
+constexpr std::size_t kReadSize = 256 * 1024;
 
-// Sends a line, with fd passed along with its first byte when there is one.
-void sendLine(const std::string& line, int fd = -1) {
-    const std::string text = line + "\n";
-    for (std::size_t done = 0; done < text.size();) {
-        iovec part = {const_cast<char*>(text.data() + done), text.size() - done};
+// Sends everything in the pieces, or ends the helper: the host is gone and nothing is left to do.
+void sendAll(iovec* pieces, int count) {
+    while (count > 0) {
         msghdr message = {};
-        message.msg_iov = &part;
-        message.msg_iovlen = 1;
-        alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))];
-        if (fd >= 0 && done == 0) {
-            message.msg_control = control;
-            message.msg_controllen = sizeof control;
-            cmsghdr* header = CMSG_FIRSTHDR(&message);
-            header->cmsg_level = SOL_SOCKET;
-            header->cmsg_type = SCM_RIGHTS;
-            header->cmsg_len = CMSG_LEN(sizeof(int));
-            std::memcpy(CMSG_DATA(header), &fd, sizeof(int));
+        message.msg_iov = pieces;
+        message.msg_iovlen = static_cast<std::size_t>(count);
+        ssize_t wrote = sendmsg(kSocket, &message, MSG_NOSIGNAL);
+        if (wrote < 0 && errno == EINTR) continue;
+        if (wrote <= 0) std::_Exit(2);
+        for (; count > 0 && static_cast<std::size_t>(wrote) >= pieces->iov_len; ++pieces, --count)
+            wrote -= static_cast<ssize_t>(pieces->iov_len);
+        if (count > 0) {
+            pieces->iov_base = static_cast<char*>(pieces->iov_base) + wrote;
+            pieces->iov_len -= static_cast<std::size_t>(wrote);
         }
-        const ssize_t wrote = sendmsg(kSocket, &message, MSG_NOSIGNAL);
-        if (wrote <= 0) std::_Exit(2);  // the host is gone: nothing left to do
-        done += static_cast<std::size_t>(wrote);
     }
+}
+
+void sendLine(const std::string& line) {
+    const std::string text = line + "\n";
+    iovec piece = {const_cast<char*>(text.data()), text.size()};
+    sendAll(&piece, 1);
 }
 
 std::string readLine() {
@@ -137,97 +139,35 @@ bool hasFeeder(SANE_Handle handle) {
     }
 }
 
-// A frame's bytes in a memory file, read straight into its mapping. It starts a little larger than
-// the frame the device announced, so that the read that finds the end needs no more room, and grows
-// by doubling when the device does not know its length (a hand scanner).
-class FrameMemory {
-public:
-    explicit FrameMemory(std::size_t expected) {
-        mFd = memfd_create("orvanta-frame", MFD_CLOEXEC | MFD_ALLOW_SEALING);
-        if (mFd >= 0 && !resize(expected + (1 << 16))) {
-            close(mFd);
-            mFd = -1;
-        }
-    }
-    ~FrameMemory() {
-        if (mMap) munmap(mMap, mCapacity);
-        if (mFd >= 0) close(mFd);
-    }
-    FrameMemory(const FrameMemory&) = delete;
-    FrameMemory& operator=(const FrameMemory&) = delete;
-
-    bool ok() const { return mFd >= 0; }
-    // Where the next bytes go, with spare() bytes of room there; null when it cannot grow.
-    SANE_Byte* next() {
-        if (mSize == mCapacity && !resize(mCapacity * 2)) return nullptr;
-        return mMap + mSize;
-    }
-    std::size_t spare() const { return mCapacity - mSize; }
-    void filled(std::size_t count) { mSize += count; }
-    std::size_t size() const { return mSize; }
-
-    // The file cut to what was filled and sealed, so that the host can map it without fear of its
-    // shrinking under the mapping; -1 on failure. Ownership passes to the caller.
-    int seal() {
-        munmap(mMap, mCapacity);
-        mMap = nullptr;
-        const int fd = mFd;
-        mFd = -1;
-        if (ftruncate(fd, static_cast<off_t>(mSize)) != 0 ||
-            fcntl(fd, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE | F_SEAL_SEAL) != 0) {
-            close(fd);
-            return -1;
-        }
-        return fd;
-    }
-
-private:
-    bool resize(std::size_t capacity) {
-        if (ftruncate(mFd, static_cast<off_t>(capacity)) != 0) return false;
-        void* map = mMap ? mremap(mMap, mCapacity, capacity, MREMAP_MAYMOVE)
-                         : mmap(nullptr, capacity, PROT_READ | PROT_WRITE, MAP_SHARED, mFd, 0);
-        if (map == MAP_FAILED) return false;
-        mMap = static_cast<SANE_Byte*>(map);
-        mCapacity = capacity;
-        return true;
-    }
-
-    int mFd = -1;
-    SANE_Byte* mMap = nullptr;
-    std::size_t mCapacity = 0;
-    std::size_t mSize = 0;
-};
-
-// Reads one frame and sends it; SANE's status at its end (EOF when whole).
+// Reads one frame and sends it as it comes: whole rows after each read, the part of a row that
+// has come kept for the next. SANE's status at its end (EOF when whole).
 SANE_Status readFrame(SANE_Handle handle, const SANE_Parameters& parameters) {
-    const bool known = parameters.lines > 0 && parameters.bytes_per_line > 0;
-    FrameMemory frame(known ? static_cast<std::size_t>(parameters.bytes_per_line) * parameters.lines : 0);
-    if (!frame.ok()) return SANE_STATUS_NO_MEM;
+    sendLine("frame\t" + std::to_string(parameters.format) + "\t" + (parameters.last_frame ? "1" : "0") + "\t" +
+             std::to_string(parameters.bytes_per_line) + "\t" + std::to_string(parameters.pixels_per_line) +
+             "\t" + std::to_string(parameters.lines) + "\t" + std::to_string(parameters.depth));
+    const std::size_t rowSize = parameters.bytes_per_line > 0 ? static_cast<std::size_t>(parameters.bytes_per_line) : 0;
+    std::vector<SANE_Byte> buffer(std::max<std::size_t>(kReadSize, 2 * rowSize));
+    std::size_t filled = 0;
+    long long lines = 0;
     SANE_Status status;
     for (;;) {
-        SANE_Byte* into = frame.next();
-        if (!into) return SANE_STATUS_NO_MEM;
         SANE_Int got = 0;
-        status = sane_read(handle, into, static_cast<SANE_Int>(std::min<std::size_t>(frame.spare(), 1 << 30)),
-                           &got);
+        status = sane_read(handle, buffer.data() + filled, static_cast<SANE_Int>(buffer.size() - filled), &got);
         if (status != SANE_STATUS_GOOD) break;
-        frame.filled(static_cast<std::size_t>(got));
+        filled += static_cast<std::size_t>(got);
+        // A frame without rows to speak of is read to its end and its bytes dropped.
+        const std::size_t whole = rowSize ? filled / rowSize : 0;
+        if (!rowSize) filled = 0;
+        if (whole == 0) continue;
+        const std::string header = "rows\t" + std::to_string(whole) + "\n";
+        iovec pieces[2] = {{const_cast<char*>(header.data()), header.size()}, {buffer.data(), whole * rowSize}};
+        sendAll(pieces, 2);
+        lines += static_cast<long long>(whole);
+        filled -= whole * rowSize;
+        std::memmove(buffer.data(), buffer.data() + whole * rowSize, filled);
     }
-    if (status != SANE_STATUS_EOF) return status;
-    // A hand scanner does not know its length before the end: count the lines that came.
-    const int lines = parameters.lines >= 0 || parameters.bytes_per_line <= 0
-                          ? parameters.lines
-                          : static_cast<int>(frame.size() / parameters.bytes_per_line);
-    const std::size_t size = frame.size();
-    const int fd = frame.seal();
-    if (fd < 0) return SANE_STATUS_NO_MEM;
-    sendLine("frame\t" + std::to_string(size) + "\t" + std::to_string(parameters.format) + "\t" +
-                 (parameters.last_frame ? "1" : "0") + "\t" + std::to_string(parameters.bytes_per_line) +
-                 "\t" + std::to_string(parameters.pixels_per_line) + "\t" + std::to_string(lines) + "\t" +
-                 std::to_string(parameters.depth),
-             fd);
-    close(fd);
-    return SANE_STATUS_EOF;
+    if (status == SANE_STATUS_EOF) sendLine("end\t" + std::to_string(lines));
+    return status;
 }
 
 int scan(const std::string& device, const std::vector<std::string>& options) {
