@@ -1,6 +1,7 @@
 // orvanta import, run as a user runs it, on the directory camera and on a folder taken as a card:
 // the summary line, copies identical with their sources and carrying their times, a second run that
-// skips everything, the copies in the catalogue, and delete-after-copy emptying the source.
+// skips everything, the copies in the catalogue, and delete-after-copy emptying the source; and a
+// page of SANE's test scanner.
 
 #include <gtest/gtest.h>
 
@@ -81,7 +82,7 @@ TEST_F(ImportCommand, CameraCopiedOnceThenSkippedAndCataloguedThenEmptied) {
     EXPECT_EQ(catalogued(dir.file("catalog.db")).size(), 16u);
 }
 
-TEST_F(ImportCommand, FolderIsACardAndBadArgumentsAndSourcesFail) {
+TEST_F(ImportCommand, FolderIsACardAScannerGivesAPageAndBadArgumentsAndSourcesFail) {
     const DirectoryCamera drivers(0, false);  // libgphoto2 limited to the test camera's drivers
     TempDir dir;
     fs::create_directories(dir.file("card/DCIM/sub"));
@@ -94,6 +95,20 @@ TEST_F(ImportCommand, FolderIsACardAndBadArgumentsAndSourcesFail) {
     EXPECT_EQ(lastLine(run.output), "copied 2, skipped 0, failed 0");
     EXPECT_FALSE(fs::exists(dir.file("card/DCIM/a.jpg")));
     EXPECT_EQ(readFileBytes(dir.file("out/b.jpg")), readFileBytes(photos[1]));
+
+    {
+        // SANE's test scanner alone: its page lands in the folder, and the temporary file is gone.
+        const PrivateTemp temp;
+        writeFileBytes(dir.file("dll.conf"), "test\n");
+        setenv("SANE_CONFIG_DIR", dir.path().c_str(), 1);
+        const ToolRun scan = runTool("import 'Noname|frontend-tester|test:0' --scan-option resolution=50 --to '" +
+                                     dir.file("scans") + "' --catalog '" + dir.file("c.db") + "'");
+        unsetenv("SANE_CONFIG_DIR");
+        EXPECT_EQ(scan.status, 0) << scan.errors;
+        EXPECT_EQ(lastLine(scan.output), "copied 1, skipped 0, failed 0");
+        EXPECT_EQ(readFileBytes(dir.file("scans/twainImage.jpg")).substr(0, 2), "\xff\xd8");
+        EXPECT_EQ(temp.count(), 0u);
+    }
 
     EXPECT_EQ(runTool("import").status, 2);
     EXPECT_EQ(runTool("import a b").status, 2);
