@@ -78,14 +78,17 @@ void ScanWriter::endFrame(int lines) {
 
 bool ScanWriter::endImage() {
     CString path;
-    if (!finishPicture(&path)) return false;
+    if (!finishPicture(&path)) {
+        mWriteFailed = true;
+        return false;
+    }
     return path.isEmpty() || mOnPicture(path);
 }
 
 bool ScanWriter::finishPicture(CString* path) {
     if (mStreaming) {
         mStreaming = false;
-        std::unique_ptr<Platform::JpegRowWriter> stream = std::move(mStream);
+        std::unique_ptr<Platform::JpegBandWriter> stream = std::move(mStream);
         // Rows other than the frame promised: a picture not taken, like those ScanFrames turns down.
         if (!mFailed && mStreamRows != mStreamFrame.lines) return true;
         if (mFailed || !stream->finish()) return false;

@@ -55,7 +55,7 @@ bool TwainCameraUnloader::unload(TwainCameraUnloaderListener* listener) {
     const Platform::SaneHelper::Outcome outcome =
         Platform::SaneHelper::scan(device, mOptions, &writer, &mLastStatus);
     if (outcome == Platform::SaneHelper::kCrashed) TwainSupport::setTwainCrashed();
-    return outcome == Platform::SaneHelper::kDone;
+    return outcome == Platform::SaneHelper::kDone && !writer.failed();
 }
 
 }  // namespace Orvanta

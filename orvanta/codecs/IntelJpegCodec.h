@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "orvanta/codecs/ImageCodec.h"
-#include "orvanta/platform/JpegRowWriter.h"
+#include "orvanta/platform/JpegBandWriter.h"
 
 namespace Orvanta {
 
@@ -71,13 +71,14 @@ public:
     int writeKeepingMetadata(Dib* dib, const char16_t* path, const char16_t* sourcePath,
                              ImageQuality quality);
 
-    // A write fed a band of rows at a time, for a picture whose rows arrive over time (a scanner's):
-    // width x height pixels of three bytes, red first. The file is byte for byte what write() makes
-    // of a 24-bit Dib of the same pixels at that quality, and takes its place only when finished.
-    // kind kDerived spares the flush to the device for a file that is only a step on the way.
-    static std::unique_ptr<Platform::JpegRowWriter> startRowWrite(const char16_t* path, int width, int height,
-                                                                  ImageQuality quality,
-                                                                  Platform::ReplacementFile::Kind kind);
+    // A write fed rows as they come, for a picture whose rows arrive over time (a scanner's):
+    // width x height pixels of three bytes, red first, encoded by bands on the machine's cores. The
+    // file has the quality and chroma sampling of write(), and decodes to exactly the pixels write()'s
+    // file of a 24-bit Dib of the same pixels decodes to; it takes the target's place only when
+    // finished. kind kDerived spares the flush to the device for a file that is a step on the way.
+    static std::unique_ptr<Platform::JpegBandWriter> startRowWrite(const char16_t* path, int width, int height,
+                                                                   ImageQuality quality,
+                                                                   Platform::ReplacementFile::Kind kind);
 
 private:
     IntelJpegCodec();

@@ -44,6 +44,10 @@ int compareUnits(const char16_t* a, const char16_t* b) {
 
 }  // namespace
 
+void prepareTextCompare() {
+    threadCollator();
+}
+
 std::string textSortKey(const char16_t* text) {
     if (!text) text = u"";
     UCollator* collator = threadCollator();

@@ -15,6 +15,10 @@ int compareText(const char16_t* a, const char16_t* b);
 // compares their texts, so that sorting many texts makes one key each rather than a comparison's work
 // at every step. Same thread rule as compareText.
 std::string textSortKey(const char16_t* text);
+// Makes this thread's collation ready now (the first comparison loads it, which takes about a
+// millisecond), for a thread with time to spare before its first comparison: a host waiting on a
+// device.
+void prepareTextCompare();
 
 // An ordering for containers keyed by text in this order.
 struct TextOrder {

@@ -13,6 +13,7 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 #include "orvanta/acquire/AcquireChooser.h"
@@ -28,6 +29,7 @@
 #include "orvanta/pixels/Dib.h"
 #include "orvanta/platform/SaneHelper.h"
 #include "tests/acquire/AcquireFixtures.h"
+#include "tests/support/FaultyFileSystem.h"
 
 using namespace Orvanta;
 using namespace OrvantaTest;
@@ -149,9 +151,9 @@ struct Gathered : Platform::SaneHelper::Sink {
 
 }  // namespace
 
-// Each kind of picture crosses the helper unchanged, and the unloader's JPEG (written row by row as
-// the scan comes for single frames, from the whole picture otherwise) is byte for byte the codec's
-// write of the frames libsane gives.
+// Each kind of picture crosses the helper unchanged, and the unloader's JPEG (written by bands as the
+// scan comes for single frames, from the whole picture otherwise) decodes exactly as the codec's
+// write of the frames libsane gives; a full disk stops the scan and leaves nothing.
 TEST_F(ScannerTest, PicturesEqualTheFramesReadThroughLibsane) {
     auto* codec = dynamic_cast<ImageCodec*>(CodecManager::getCodec(u"jpg"));
     const TempDir folder;
@@ -185,14 +187,31 @@ TEST_F(ScannerTest, PicturesEqualTheFramesReadThroughLibsane) {
             }
         EXPECT_EQ(differing, 0) << options[0] << " " << options.back();
 
-        const std::string expected = folder.file("expected.jpg");
-        ASSERT_GT(codec->write(scanned, CString::fromUtf8(expected), ImageQualityHigh), 0);
+        const CString expected = folder.wide("expected.jpg");
+        ASSERT_GT(codec->write(scanned, expected, ImageQualityHigh), 0);
         OwnedPtr<TwainCameraUnloader> scanner = TwainCameraUnloader::create(kTestKey, false);
         scanner->setOptions(options);
         Collected got;
         ASSERT_TRUE(scanner->unload(&got));
         ASSERT_EQ(got.paths.size(), 1u);
-        EXPECT_TRUE(readFileBytes(got.paths[0]) == readFileBytes(expected)) << options[0] << " " << options.back();
+        CSize size;
+        OwnedPtr<Dib> fromScan = codec->read(CString::fromUtf8(got.paths[0]), &size, 0, 0);
+        OwnedPtr<Dib> fromWrite = codec->read(expected, &size, 0, 0);
+        ASSERT_TRUE(fromScan && fromWrite);
+        EXPECT_EQ(0, std::memcmp(fromScan->getBits(), fromWrite->getBits(), fromWrite->getBitsSize()))
+            << options[0] << " " << options.back();
+    }
+    // A disk that fills up during the scan: the unload fails, and no file is left.
+    {
+        const PrivateTemp temp;
+        FaultyFileSystem full;
+        full.failWritesAfter(20000);
+        OwnedPtr<TwainCameraUnloader> scanner = TwainCameraUnloader::create(kTestKey, false);
+        scanner->setOptions({"mode=Color", "test-picture=Color pattern", "resolution=75"});
+        Collected got;
+        EXPECT_FALSE(scanner->unload(&got));
+        EXPECT_TRUE(got.paths.empty());
+        EXPECT_EQ(temp.count(), 0u);
     }
 }
 
