@@ -63,9 +63,11 @@ bool writePng(const std::string& path, Dib* dib, const std::string& uri, const s
     png_set_IHDR(png, info, size.cx, size.cy, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_text text[2] = {};
-    text[0] = {PNG_TEXT_COMPRESSION_NONE, const_cast<char*>("Thumb::URI"), const_cast<char*>(uri.c_str())};
-    text[1] = {PNG_TEXT_COMPRESSION_NONE, const_cast<char*>("Thumb::MTime"),
-               const_cast<char*>(mtime.c_str())};
+    text[0].compression = text[1].compression = PNG_TEXT_COMPRESSION_NONE;
+    text[0].key = const_cast<char*>("Thumb::URI");
+    text[0].text = const_cast<char*>(uri.c_str());
+    text[1].key = const_cast<char*>("Thumb::MTime");
+    text[1].text = const_cast<char*>(mtime.c_str());
     png_set_text(png, info, text, 2);
     png_set_bgr(png);
     png_write_info(png, info);

@@ -24,6 +24,7 @@
 #include "orvanta/codecs/OrvantaIU.h"
 #include "orvanta/foundation/EventListener.h"
 #include "orvanta/foundation/FilePath.h"
+#include "orvanta/platform/TextCompare.h"
 #include "orvanta/store/PropertyList.h"
 
 using namespace Orvanta;
@@ -162,6 +163,8 @@ int runImport(const Arguments& arguments) {
     scan->setSource(type, id);
     scan->setScanOptions(options.scanOptions);
     scan->beginTask();
+    // While the device is being read: the catalogue's comparisons, which this thread makes later.
+    Platform::prepareTextCompare();
     runner.waitFor({scan.get()}, [&] { scan->killTask(); });
     // What a source that failed half-way gave is still copied; the run then ends in failure.
     if (progress.scanStopped)
