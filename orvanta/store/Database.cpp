@@ -415,8 +415,18 @@ bool Database::grow(int size) {
     // No allowance for the record head: a size within 40 bytes of a multiple of the block size can
     // leave the new run one block short, and the search after growing then fails.
     if (blockSize * blocks < size) blocks = size / blockSize + 1;
-    const long long count = getBlockCount() + blocks;
-    const long long fileSize = kDatabaseHeaderSize + count * blockSize;
+    long long count = getBlockCount() + blocks;
+    long long fileSize = kDatabaseHeaderSize + count * blockSize;
+    // From one large page on, the file ends on a large-page boundary, with as many blocks as fit
+    // (the bytes after the last block, fewer than a block, stay zero and outside the database).
+    // The growth then starts on a boundary too and writes only whole pieces: the whole file is
+    // cached, and mapped, in large pages rather than only the pieces one growth happened to cover.
+    constexpr long long kPiece = File::kLargePiece;
+    const long long pieces = (fileSize + kPiece - 1) / kPiece * kPiece;
+    if (fileSize >= kPiece && pieces <= INT_MAX) {
+        fileSize = pieces;
+        count = (fileSize - kDatabaseHeaderSize) / blockSize;
+    }
     if (fileSize > INT_MAX) return false;
     const int endOffset = getBlockCount() * static_cast<int>(blockSize);
     mFile->unmap();
@@ -432,7 +442,7 @@ bool Database::grow(int size) {
         return false;
     }
     if (!grown) return false;
-    initBlocks(offsetToBlock(endOffset), static_cast<int>(blocks));
+    initBlocks(offsetToBlock(endOffset), static_cast<int>(count - getBlockCount()));
     keepOrder();
     getHeader()->blockCount = static_cast<std::int32_t>(count);
     return true;
