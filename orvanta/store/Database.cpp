@@ -277,9 +277,10 @@ bool Database::scanRecords() {
     const long long total = static_cast<long long>(getBlockCount()) * blockSize;
     const unsigned char* blocks = reinterpret_cast<unsigned char*>(firstBlock());
     std::vector<IdIndex::Entry> entries;
-    // At most one record per block; the guess saves regrowing both lists on a large file.
-    entries.reserve(static_cast<std::size_t>(getBlockCount()) / 2);
-    mPositions.reserve(static_cast<std::size_t>(getBlockCount()) / 2);
+    // At most one record per block: room for that takes address space rather than memory, and
+    // saves regrowing (and copying) both lists.
+    entries.reserve(static_cast<std::size_t>(getBlockCount()));
+    mPositions.reserve(static_cast<std::size_t>(getBlockCount()));
     long long offset = 0;
     // Heads lie a block or more apart, each on its own cache line: asking for the line some blocks
     // ahead keeps the walk from waiting on memory at every step.

@@ -13,8 +13,10 @@
 // An insertion right after a lookup of the same key (the way a Database adds a record) reuses the
 // place the lookup found.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -26,7 +28,15 @@ public:
     struct Key {
         std::uint64_t hi;
         std::uint64_t lo;
-        static Key fromBytes(const void* bytes);
+        static Key fromBytes(const void* bytes) {
+            std::uint64_t halves[2];
+            std::memcpy(halves, bytes, sizeof halves);
+            if constexpr (std::endian::native == std::endian::little) {
+                halves[0] = __builtin_bswap64(halves[0]);
+                halves[1] = __builtin_bswap64(halves[1]);
+            }
+            return Key{halves[0], halves[1]};
+        }
         void toBytes(void* bytes) const;
         friend bool operator==(const Key& a, const Key& b) { return a.hi == b.hi && a.lo == b.lo; }
         friend bool operator<(const Key& a, const Key& b) { return a.hi != b.hi ? a.hi < b.hi : a.lo < b.lo; }
