@@ -122,7 +122,7 @@ Database::Record* Database::Iterator::current() {
     if (mDone) return nullptr;
     resync();
     if (mDatabase->mIds.atEnd(mPosition) || !mDatabase->mBase) return nullptr;
-    return static_cast<Record*>(mDatabase->offsetToBlock(mDatabase->mIds.at(mPosition).offset));
+    return mDatabase->recordAt(mDatabase->mIds.offsetAt(mPosition));
 }
 
 Database::Record* Database::Iterator::next() {
@@ -133,16 +133,21 @@ Database::Record* Database::Iterator::next() {
     }
     Record* record = current();
     if (!record) return nullptr;
-    mPosition = mDatabase->mIds.next(mPosition);
-    if (mDatabase->mIds.atEnd(mPosition)) {
+    const IdIndex& ids = mDatabase->mIds;
+    mPosition = ids.next(mPosition);
+    if (ids.atEnd(mPosition)) {
         mDone = true;
     } else {
-        mKey = mDatabase->mIds.at(mPosition).key;
+        mKey = ids.keyAt(mPosition);
         // Records in id order lie anywhere in the file: the head some records on is asked for now,
         // so that the memory reads of several records are under way while the caller reads this one.
-        const IdIndex::Position ahead = mDatabase->mIds.advance(mPosition, kPrefetchAhead);
-        if (!mDatabase->mIds.atEnd(ahead))
-            __builtin_prefetch(mDatabase->offsetToBlock(mDatabase->mIds.at(ahead).offset));
+        const IdIndex::Position ahead = ids.advance(mPosition, kPrefetchAhead);
+        if (!ids.atEnd(ahead)) {
+            // A head may straddle two cache lines and the payload start a third: all are asked for.
+            const unsigned char* head = mDatabase->recordAt(ids.offsetAt(ahead))->getBytePtr();
+            __builtin_prefetch(head);
+            __builtin_prefetch(head + kRecordHeadSize);
+        }
     }
     return record;
 }

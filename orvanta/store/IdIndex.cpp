@@ -178,7 +178,15 @@ void IdIndex::build(std::vector<Entry> entries) {
     bool repeated = false;
     std::uint32_t from = 0;
     for (const std::uint32_t to : ends) {
-        if (to - from > 1) {
+        if (to - from == 2) {
+            // The usual crowded bucket.
+            const Entry first = get(from), second = get(from + 1);
+            if (entryBefore(second, first)) {
+                put(from, second);
+                put(from + 1, first);
+            }
+            repeated |= first.key == second.key;
+        } else if (to - from > 2) {
             entries.clear();
             for (std::uint32_t at = from; at < to; ++at) entries.push_back(get(at));
             std::sort(entries.begin(), entries.end(), entryBefore);
@@ -211,15 +219,6 @@ IdIndex::Position IdIndex::lowerBound(const Key& key) const {
     const int i = indexIn(*mChunks[position.chunk], key);
     if (i == mChunks[position.chunk]->count) return Position{position.chunk + 1, 0};
     position.index = static_cast<std::size_t>(i);
-    return position;
-}
-
-IdIndex::Position IdIndex::next(Position position) const {
-    if (atEnd(position)) return position;
-    if (++position.index >= static_cast<std::size_t>(mChunks[position.chunk]->count)) {
-        ++position.chunk;
-        position.index = 0;
-    }
     return position;
 }
 

@@ -74,7 +74,21 @@ public:
         const Chunk& chunk = *mChunks[position.chunk];
         return Entry{Key{chunk.hi[position.index], chunk.lo[position.index]}, chunk.offsets[position.index]};
     }
-    Position next(Position position) const;
+    Key keyAt(const Position& position) const {
+        const Chunk& chunk = *mChunks[position.chunk];
+        return Key{chunk.hi[position.index], chunk.lo[position.index]};
+    }
+    std::int32_t offsetAt(const Position& position) const {
+        return mChunks[position.chunk]->offsets[position.index];
+    }
+    Position next(Position position) const {
+        if (!atEnd(position) &&
+            ++position.index >= static_cast<std::size_t>(mChunks[position.chunk]->count)) {
+            ++position.chunk;
+            position.index = 0;
+        }
+        return position;
+    }
     // The position count steps on, or the end.
     Position advance(Position position, std::size_t count) const;
     // The position before; returns false at the first one.
