@@ -184,13 +184,12 @@ bool File::allocate(int size) {
     // boundary of the file, so that every whole 2 MiB piece is one write, which the page cache keeps
     // as one large page: a mapping of a large file (a catalogue opened, whose walk touches every
     // block) then costs a few dozen page table entries instead of tens of thousands.
-    constexpr int kPiece = 2 * 1024 * 1024;
     // Not const, so that it lies in the zero-filled part of the library rather than in its file:
     // never written, its pages are the kernel's one page of zeros.
-    static unsigned char zeros[kPiece];
+    static unsigned char zeros[kLargePiece];
     bool ok = seek(old);
     for (int at = old; ok && at < size;) {
-        const int count = std::min(size - at, kPiece - at % kPiece);
+        const int count = std::min(size - at, kLargePiece - at % kLargePiece);
         ok = write(zeros, count);
         at += count;
     }

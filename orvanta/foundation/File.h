@@ -49,8 +49,10 @@ public:
 
     // Sets the size like setSize, but writes zeros into any new part, so that its disk space is taken
     // at once and writing through a mapping of it cannot fail later for want of space (a full disk
-    // fails here instead). On failure the size is left as it was.
+    // fails here instead). On failure the size is left as it was. Each whole kLargePiece-aligned
+    // piece of the new part is written at once, which the page cache keeps as one large page.
     bool allocate(int size);
+    static constexpr int kLargePiece = 2 * 1024 * 1024;
     const CString& getPath() const { return mPath; }
 
     static int getSize(const char16_t* path);

@@ -122,7 +122,7 @@ Database::Record* Database::Iterator::current() {
     if (mDone) return nullptr;
     resync();
     if (mDatabase->mIds.atEnd(mPosition) || !mDatabase->mBase) return nullptr;
-    return static_cast<Record*>(mDatabase->offsetToBlock(mDatabase->mIds.at(mPosition).offset));
+    return mDatabase->recordAt(mDatabase->mIds.offsetAt(mPosition));
 }
 
 Database::Record* Database::Iterator::next() {
@@ -133,16 +133,21 @@ Database::Record* Database::Iterator::next() {
     }
     Record* record = current();
     if (!record) return nullptr;
-    mPosition = mDatabase->mIds.next(mPosition);
-    if (mDatabase->mIds.atEnd(mPosition)) {
+    const IdIndex& ids = mDatabase->mIds;
+    mPosition = ids.next(mPosition);
+    if (ids.atEnd(mPosition)) {
         mDone = true;
     } else {
-        mKey = mDatabase->mIds.at(mPosition).key;
+        mKey = ids.keyAt(mPosition);
         // Records in id order lie anywhere in the file: the head some records on is asked for now,
         // so that the memory reads of several records are under way while the caller reads this one.
-        const IdIndex::Position ahead = mDatabase->mIds.advance(mPosition, kPrefetchAhead);
-        if (!mDatabase->mIds.atEnd(ahead))
-            __builtin_prefetch(mDatabase->offsetToBlock(mDatabase->mIds.at(ahead).offset));
+        const IdIndex::Position ahead = ids.advance(mPosition, kPrefetchAhead);
+        if (!ids.atEnd(ahead)) {
+            // A head may straddle two cache lines and the payload start a third: all are asked for.
+            const unsigned char* head = mDatabase->recordAt(ids.offsetAt(ahead))->getBytePtr();
+            __builtin_prefetch(head);
+            __builtin_prefetch(head + kRecordHeadSize);
+        }
     }
     return record;
 }
@@ -277,9 +282,10 @@ bool Database::scanRecords() {
     const long long total = static_cast<long long>(getBlockCount()) * blockSize;
     const unsigned char* blocks = reinterpret_cast<unsigned char*>(firstBlock());
     std::vector<IdIndex::Entry> entries;
-    // At most one record per block; the guess saves regrowing both lists on a large file.
-    entries.reserve(static_cast<std::size_t>(getBlockCount()) / 2);
-    mPositions.reserve(static_cast<std::size_t>(getBlockCount()) / 2);
+    // At most one record per block: room for that takes address space rather than memory, and
+    // saves regrowing (and copying) both lists.
+    entries.reserve(static_cast<std::size_t>(getBlockCount()));
+    mPositions.reserve(static_cast<std::size_t>(getBlockCount()));
     long long offset = 0;
     // Heads lie a block or more apart, each on its own cache line: asking for the line some blocks
     // ahead keeps the walk from waiting on memory at every step.
@@ -415,8 +421,18 @@ bool Database::grow(int size) {
     // No allowance for the record head: a size within 40 bytes of a multiple of the block size can
     // leave the new run one block short, and the search after growing then fails.
     if (blockSize * blocks < size) blocks = size / blockSize + 1;
-    const long long count = getBlockCount() + blocks;
-    const long long fileSize = kDatabaseHeaderSize + count * blockSize;
+    long long count = getBlockCount() + blocks;
+    long long fileSize = kDatabaseHeaderSize + count * blockSize;
+    // From one large page on, the file ends on a large-page boundary, with as many blocks as fit
+    // (the bytes after the last block, fewer than a block, stay zero and outside the database).
+    // The growth then starts on a boundary too and writes only whole pieces: the whole file is
+    // cached, and mapped, in large pages rather than only the pieces one growth happened to cover.
+    constexpr long long kPiece = File::kLargePiece;
+    const long long pieces = (fileSize + kPiece - 1) / kPiece * kPiece;
+    if (fileSize >= kPiece && pieces <= INT_MAX) {
+        fileSize = pieces;
+        count = (fileSize - kDatabaseHeaderSize) / blockSize;
+    }
     if (fileSize > INT_MAX) return false;
     const int endOffset = getBlockCount() * static_cast<int>(blockSize);
     mFile->unmap();
@@ -432,7 +448,7 @@ bool Database::grow(int size) {
         return false;
     }
     if (!grown) return false;
-    initBlocks(offsetToBlock(endOffset), static_cast<int>(blocks));
+    initBlocks(offsetToBlock(endOffset), static_cast<int>(count - getBlockCount()));
     keepOrder();
     getHeader()->blockCount = static_cast<std::int32_t>(count);
     return true;

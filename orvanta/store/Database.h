@@ -212,6 +212,10 @@ private:
     // Writes the free type into the run's blocks under the journal.
     void freeRunInFile(int offset, int blocks);
     bool isBlockAddress(const void* address);
+    // The record at a block offset the id map holds, for the iterator's loop (no virtual call).
+    Record* recordAt(std::int32_t offset) {
+        return reinterpret_cast<Record*>(mBase + StoreFormat::kDatabaseHeaderSize + offset);
+    }
     void keepOrder();
 
     OwnedPtr<File> mFile;

@@ -1,17 +1,12 @@
 #include "orvanta/store/IdIndex.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace Orvanta {
 
 namespace {
-
-std::uint64_t loadBigEndian(const unsigned char* p) {
-    std::uint64_t value = 0;
-    for (int i = 0; i < 8; ++i) value = (value << 8) | p[i];
-    return value;
-}
 
 void storeBigEndian(std::uint64_t value, unsigned char* p) {
     for (int i = 7; i >= 0; --i) {
@@ -25,33 +20,7 @@ bool entryBefore(const IdIndex::Entry& a, const IdIndex::Entry& b) {
     return a.key < b.key;
 }
 
-// Sorts by key, and by offset among equal keys. Ids are random, so one counting pass on the first
-// 16 bits leaves buckets of one or two entries; only those are compared.
-void sortEntries(std::vector<IdIndex::Entry>& entries) {
-    constexpr std::size_t kBuckets = 1 << 16;
-    if (entries.size() < 4096) {
-        std::sort(entries.begin(), entries.end(), entryBefore);
-        return;
-    }
-    std::vector<std::uint32_t> starts(kBuckets + 1, 0);
-    for (const auto& entry : entries) ++starts[(entry.key.hi >> 48) + 1];
-    for (std::size_t i = 1; i <= kBuckets; ++i) starts[i] += starts[i - 1];
-    std::vector<IdIndex::Entry> sorted(entries.size());
-    std::vector<std::uint32_t> fill(starts.begin(), starts.end() - 1);
-    for (const auto& entry : entries) sorted[fill[entry.key.hi >> 48]++] = entry;
-    for (std::size_t b = 0; b < kBuckets; ++b) {
-        const std::uint32_t from = starts[b], to = starts[b + 1];
-        if (to - from > 1) std::sort(sorted.begin() + from, sorted.begin() + to, entryBefore);
-    }
-    entries.swap(sorted);
-}
-
 }  // namespace
-
-IdIndex::Key IdIndex::Key::fromBytes(const void* bytes) {
-    const auto* p = static_cast<const unsigned char*>(bytes);
-    return Key{loadBigEndian(p), loadBigEndian(p + 8)};
-}
 
 void IdIndex::Key::toBytes(void* bytes) const {
     auto* p = static_cast<unsigned char*>(bytes);
@@ -181,23 +150,67 @@ bool IdIndex::erase(const Key& key) {
 
 void IdIndex::build(std::vector<Entry> entries) {
     clear();
-    sortEntries(entries);
-    std::unique_ptr<Chunk> chunk;
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        // Of equal keys, sorted by offset, only the last is kept.
-        if (i + 1 < entries.size() && entries[i + 1].key == entries[i].key) continue;
-        if (!chunk) chunk = std::make_unique<Chunk>();
-        chunk->put(chunk->count++, entries[i]);
-        ++mSize;
-        if (chunk->count == kChunkSize) {
-            mFirstKeys.push_back(chunk->key(0));
-            mChunks.push_back(std::move(chunk));
+    std::size_t size = entries.size();
+    if (size == 0) return;
+    for (std::size_t i = 0; i < size; i += kChunkSize) mChunks.push_back(std::make_unique<Chunk>());
+    const auto put = [this](std::size_t at, const Entry& entry) {
+        mChunks[at / kChunkSize]->put(static_cast<int>(at % kChunkSize), entry);
+    };
+    const auto get = [this](std::size_t at) {
+        const Chunk& chunk = *mChunks[at / kChunkSize];
+        const int i = static_cast<int>(at % kChunkSize);
+        return Entry{chunk.key(i), chunk.offsets[i]};
+    };
+    // A counting sort on the leading bits, written straight into the chunks. The ids of a database
+    // are random, so there are about as many buckets as entries and most hold one; only those with
+    // more are sorted, by key and then offset.
+    const int bits = std::max(1, static_cast<int>(std::bit_width(size)) - 1);
+    const int shift = 64 - bits;
+    std::vector<std::uint32_t> ends(std::size_t(1) << bits, 0);  // counts, then where each bucket ends
+    for (const Entry& entry : entries) ++ends[entry.key.hi >> shift];
+    std::uint32_t total = 0;
+    for (std::uint32_t& end : ends) {
+        total += end;
+        end = total - end;
+    }
+    for (const Entry& entry : entries) put(ends[entry.key.hi >> shift]++, entry);
+    entries.clear();  // from here on the scratch space of a bucket being sorted
+    bool repeated = false;
+    std::uint32_t from = 0;
+    for (const std::uint32_t to : ends) {
+        if (to - from == 2) {
+            // The usual crowded bucket.
+            const Entry first = get(from), second = get(from + 1);
+            if (entryBefore(second, first)) {
+                put(from, second);
+                put(from + 1, first);
+            }
+            repeated |= first.key == second.key;
+        } else if (to - from > 2) {
+            entries.clear();
+            for (std::uint32_t at = from; at < to; ++at) entries.push_back(get(at));
+            std::sort(entries.begin(), entries.end(), entryBefore);
+            for (std::uint32_t at = from; at < to; ++at) {
+                const Entry& entry = entries[at - from];
+                repeated |= at > from && entry.key == entries[at - from - 1].key;
+                put(at, entry);
+            }
         }
+        from = to;
     }
-    if (chunk) {
-        mFirstKeys.push_back(chunk->key(0));
-        mChunks.push_back(std::move(chunk));
+    // Of equal keys, sorted by offset, only the last is kept.
+    if (repeated) {
+        std::size_t kept = 0;
+        for (std::size_t at = 0; at < size; ++at)
+            if (at + 1 == size || !(get(at + 1).key == get(at).key)) put(kept++, get(at));
+        size = kept;
+        mChunks.resize((size + kChunkSize - 1) / kChunkSize);
     }
+    for (std::size_t c = 0; c < mChunks.size(); ++c) {
+        mChunks[c]->count = static_cast<int>(std::min<std::size_t>(kChunkSize, size - c * kChunkSize));
+        mFirstKeys.push_back(mChunks[c]->key(0));
+    }
+    mSize = size;
 }
 
 IdIndex::Position IdIndex::lowerBound(const Key& key) const {
@@ -206,15 +219,6 @@ IdIndex::Position IdIndex::lowerBound(const Key& key) const {
     const int i = indexIn(*mChunks[position.chunk], key);
     if (i == mChunks[position.chunk]->count) return Position{position.chunk + 1, 0};
     position.index = static_cast<std::size_t>(i);
-    return position;
-}
-
-IdIndex::Position IdIndex::next(Position position) const {
-    if (atEnd(position)) return position;
-    if (++position.index >= static_cast<std::size_t>(mChunks[position.chunk]->count)) {
-        ++position.chunk;
-        position.index = 0;
-    }
     return position;
 }
 

@@ -13,8 +13,10 @@
 // An insertion right after a lookup of the same key (the way a Database adds a record) reuses the
 // place the lookup found.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -26,7 +28,15 @@ public:
     struct Key {
         std::uint64_t hi;
         std::uint64_t lo;
-        static Key fromBytes(const void* bytes);
+        static Key fromBytes(const void* bytes) {
+            std::uint64_t halves[2];
+            std::memcpy(halves, bytes, sizeof halves);
+            if constexpr (std::endian::native == std::endian::little) {
+                halves[0] = __builtin_bswap64(halves[0]);
+                halves[1] = __builtin_bswap64(halves[1]);
+            }
+            return Key{halves[0], halves[1]};
+        }
         void toBytes(void* bytes) const;
         friend bool operator==(const Key& a, const Key& b) { return a.hi == b.hi && a.lo == b.lo; }
         friend bool operator<(const Key& a, const Key& b) { return a.hi != b.hi ? a.hi < b.hi : a.lo < b.lo; }
@@ -64,7 +74,21 @@ public:
         const Chunk& chunk = *mChunks[position.chunk];
         return Entry{Key{chunk.hi[position.index], chunk.lo[position.index]}, chunk.offsets[position.index]};
     }
-    Position next(Position position) const;
+    Key keyAt(const Position& position) const {
+        const Chunk& chunk = *mChunks[position.chunk];
+        return Key{chunk.hi[position.index], chunk.lo[position.index]};
+    }
+    std::int32_t offsetAt(const Position& position) const {
+        return mChunks[position.chunk]->offsets[position.index];
+    }
+    Position next(Position position) const {
+        if (!atEnd(position) &&
+            ++position.index >= static_cast<std::size_t>(mChunks[position.chunk]->count)) {
+            ++position.chunk;
+            position.index = 0;
+        }
+        return position;
+    }
     // The position count steps on, or the end.
     Position advance(Position position, std::size_t count) const;
     // The position before; returns false at the first one.

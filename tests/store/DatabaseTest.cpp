@@ -134,6 +134,15 @@ TEST_F(DatabaseTest, BlockRuleGrowthAndFirstFit) {
     db = make(64, 2, "eighth");
     for (int i = 0; i < 40; ++i) ASSERT_TRUE(db->addRecord(idFor(i), "x", 1));
     EXPECT_EQ(db->getBlockCount(), 41);
+    // From 2 MiB on, the file ends on a 2 MiB boundary with as many blocks as fit; the zeros after
+    // the last block do not keep it from opening.
+    db = make(1000, 2100, "large");
+    ASSERT_TRUE(db->addRecord(idFor(1), "x", 1));
+    EXPECT_EQ(fs::file_size(dir.file("large")), 4u << 20);
+    EXPECT_EQ(db->getBlockCount(), ((4 << 20) - 44) / 1000);
+    db = nullptr;
+    db = Database::create(dir.wide("large"), 1);
+    EXPECT_TRUE(db->hasRecord(idFor(1)));
     // First fit, within a word of 64 blocks and across words: with free runs of blocks 1-2, 4-8, 62-121
     // and 130-199, each allocation takes the lowest run long enough; a replaced record's blocks are
     // free for the very allocation that replaces it.
