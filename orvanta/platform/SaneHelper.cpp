@@ -1,11 +1,14 @@
 #include "orvanta/platform/SaneHelper.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <link.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,6 +17,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
+#include <memory>
 #include <sstream>
 
 #include "orvanta/platform/Process.h"
@@ -25,8 +30,10 @@ namespace Orvanta::Platform {
 namespace {
 
 constexpr int kDefaultTimeout = 60000;
-// The most a piece of rows may hold: the helper sends what one read gave, and a row at most twice.
-constexpr long long kMaxPiece = 64LL << 20;
+// The most slots, and bytes in all, a frame's memory file may have: a few slots of about half a
+// megabyte each, or of one row where rows are longer.
+constexpr int kMostSlots = 16;
+constexpr long long kMostSlotBytes = 256LL << 20;
 std::atomic<int> gTimeout{kDefaultTimeout};
 
 std::vector<std::string> splitTabs(const std::string& line) {
@@ -86,24 +93,20 @@ public:
         }
     }
 
-    // Exactly size bytes into the caller's buffer: what came behind the last line first, then
-    // straight from the socket. False as readLine.
-    bool readBytes(unsigned char* into, std::size_t size) {
-        const std::size_t buffered = std::min(size, mPending.size() - mPendingStart);
-        std::memcpy(into, mPending.data() + mPendingStart, buffered);
-        mPendingStart += buffered;
-        for (std::size_t done = buffered; done < size;) {
-            const ssize_t got = receive(into + done, size - done);
-            if (got <= 0) return false;
-            done += static_cast<std::size_t>(got);
-        }
-        return true;
-    }
+    void send(const std::string& line) { ::send(mSocket, line.data(), line.size(), MSG_NOSIGNAL); }
 
-    void send(const char* line) { ::send(mSocket, line, std::strlen(line), MSG_NOSIGNAL); }
+    // The oldest file descriptor that came with the lines, or -1; the caller closes it.
+    int takeFd() {
+        if (mFds.empty()) return -1;
+        const int fd = mFds.front();
+        mFds.pop_front();
+        return fd;
+    }
 
     // Waits for the helper to end (killing it first with kill), and answers whether it was hung.
     bool finish(bool killFirst) {
+        for (const int fd : mFds) close(fd);
+        mFds.clear();
         if (mSocket >= 0) {
             close(mSocket);
             mSocket = -1;
@@ -132,8 +135,24 @@ private:
             }
             if (ready < 0 && errno == EINTR) continue;
             if (ready < 0) return 0;
-            const ssize_t got = recv(mSocket, into, size, 0);
+            iovec part = {into, size};
+            alignas(cmsghdr) char control[CMSG_SPACE(4 * sizeof(int))];
+            msghdr message = {};
+            message.msg_iov = &part;
+            message.msg_iovlen = 1;
+            message.msg_control = control;
+            message.msg_controllen = sizeof control;
+            const ssize_t got = recvmsg(mSocket, &message, MSG_CMSG_CLOEXEC);
             if (got < 0 && errno == EINTR) continue;
+            for (cmsghdr* h = CMSG_FIRSTHDR(&message); h; h = CMSG_NXTHDR(&message, h)) {
+                if (h->cmsg_level != SOL_SOCKET || h->cmsg_type != SCM_RIGHTS) continue;
+                const std::size_t count = (h->cmsg_len - CMSG_LEN(0)) / sizeof(int);
+                for (std::size_t i = 0; i < count; ++i) {
+                    int fd;
+                    std::memcpy(&fd, CMSG_DATA(h) + i * sizeof(int), sizeof fd);
+                    mFds.push_back(fd);
+                }
+            }
             return got < 0 ? 0 : got;
         }
     }
@@ -143,6 +162,44 @@ private:
     bool mHung = false;
     std::string mPending;  // bytes received and not yet taken, from mPendingStart on
     std::size_t mPendingStart = 0;
+    std::deque<int> mFds;
+};
+
+// A frame's slots, mapped for reading, if their memory file is sealed against shrinking: a helper
+// that cut it short would otherwise fault the host when it reads.
+class SlotMapping {
+public:
+    SlotMapping(int fd, std::size_t slotBytes, int slots) : mSlotBytes(slotBytes), mSlots(slots) {
+        const std::size_t size = slotBytes * static_cast<std::size_t>(slots);
+        struct stat info;
+        const int seals = fd >= 0 ? fcntl(fd, F_GET_SEALS) : -1;
+        if (size > 0 && seals >= 0 && (seals & F_SEAL_SHRINK) && fstat(fd, &info) == 0 &&
+            static_cast<std::size_t>(info.st_size) == size) {
+            void* map = mmap(nullptr, size, PROT_READ, MAP_SHARED, fd, 0);
+            if (map != MAP_FAILED) {
+                mData = static_cast<const unsigned char*>(map);
+                mSize = size;
+            }
+        }
+        if (fd >= 0) close(fd);
+    }
+    ~SlotMapping() {
+        if (mData) munmap(const_cast<unsigned char*>(mData), mSize);
+    }
+    SlotMapping(const SlotMapping&) = delete;
+    SlotMapping& operator=(const SlotMapping&) = delete;
+
+    bool ok() const { return mData != nullptr; }
+    // The slot's rows, or null for a slot the frame does not have.
+    const unsigned char* slot(int index) const {
+        return index >= 0 && index < mSlots ? mData + mSlotBytes * static_cast<std::size_t>(index) : nullptr;
+    }
+
+private:
+    const unsigned char* mData = nullptr;
+    std::size_t mSize = 0;
+    std::size_t mSlotBytes;
+    int mSlots;
 };
 
 }  // namespace
@@ -191,14 +248,14 @@ SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::vecto
     arguments.insert(arguments.end(), options.begin(), options.end());
     Conversation helper(arguments);
     if (!helper.started()) return kFailed;
-    std::vector<unsigned char> rows;
-    bool inFrame = false;
-    int bytesPerLine = 0;
+    std::unique_ptr<SlotMapping> slots;  // of the frame under way
+    int slotRows = 0;
     std::string line;
     while (helper.readLine(&line)) {
         const std::vector<std::string> fields = splitTabs(line);
         if (fields.empty()) continue;
-        if (fields[0] == "frame" && fields.size() == 7) {
+        if (fields[0] == "frame") {
+            if (fields.size() != 9 || slots) break;
             Frame frame;
             frame.format = std::atoi(fields[1].c_str());
             frame.last = fields[2] == "1";
@@ -206,19 +263,24 @@ SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::vecto
             frame.pixelsPerLine = std::atoi(fields[4].c_str());
             frame.lines = std::atoi(fields[5].c_str());
             frame.depth = std::atoi(fields[6].c_str());
-            bytesPerLine = frame.bytesPerLine;
-            inFrame = true;
+            slotRows = std::atoi(fields[7].c_str());
+            const long long slotBytes = static_cast<long long>(std::max(frame.bytesPerLine, 1)) * slotRows;
+            const int count = std::atoi(fields[8].c_str());
+            // Slots no larger than the helper ever makes; anything else is a helper gone wrong.
+            if (slotRows <= 0 || count <= 0 || count > kMostSlots || slotBytes * count > kMostSlotBytes) break;
+            slots = std::make_unique<SlotMapping>(helper.takeFd(), static_cast<std::size_t>(slotBytes), count);
+            if (!slots->ok()) break;
             sink->beginFrame(frame);
-        } else if (fields[0] == "rows" && fields.size() == 2 && inFrame && bytesPerLine > 0) {
-            // A piece no larger than the helper ever sends; anything else is a helper gone wrong.
-            const long long count = std::atoll(fields[1].c_str());
-            if (count <= 0 || count * bytesPerLine > kMaxPiece) break;
-            rows.resize(static_cast<std::size_t>(count * bytesPerLine));
-            if (!helper.readBytes(rows.data(), rows.size())) break;
-            sink->addRows(rows.data(), static_cast<int>(count));
-        } else if (fields[0] == "end" && fields.size() == 2 && inFrame) {
+        } else if (fields[0] == "slot" && fields.size() == 3 && slots) {
+            const int index = std::atoi(fields[1].c_str());
+            const int count = std::atoi(fields[2].c_str());
+            const unsigned char* rows = slots->slot(index);
+            if (!rows || count <= 0 || count > slotRows) break;
+            sink->addRows(rows, count);
+            helper.send("free\t" + fields[1] + "\n");
+        } else if (fields[0] == "end" && fields.size() == 2 && slots) {
+            slots.reset();
             sink->endFrame(std::atoi(fields[1].c_str()));
-            inFrame = false;
         } else if (fields[0] == "image") {
             helper.send(sink->endImage() ? "next\n" : "stop\n");
         } else if (fields[0] == "status" && fields.size() == 3) {

@@ -4,12 +4,13 @@
 // host.
 //
 // Contract: each operation starts a helper (posix_spawn), talks to it over a socket pair and waits
-// for it to end. The helper sends text lines, and a frame's bytes as whole rows behind the lines
-// that announce them, as the device delivers them: a picture can be written while it is scanned,
-// and nothing of it is written to disk or held whole in memory on the way. An operation answers
-// kCrashed when the helper ended without its closing line (a signal, a sanitizer's report, an exit
-// in the middle), sent what the protocol does not allow, or sent nothing for the hang timeout, after
-// which it is killed by its pid.
+// for it to end. The helper sends text lines; a frame's rows come as the device delivers them,
+// through a few slots of a memory file the helper shares with the host (sealed, so that it cannot
+// shrink under the host's mapping), each given back once the sink has taken its rows: a picture
+// can be written while it is scanned, and nothing of it is written to disk, copied through the
+// socket or held whole in memory on the way. An operation answers kCrashed when the helper ended
+// without its closing line (a signal, a sanitizer's report, an exit in the middle), sent what the
+// protocol does not allow, or sent nothing for the hang timeout, after which it is killed by its pid.
 // listDevices() gives SANE's devices. scan() sets each option given as NAME=VALUE, then scans
 // pictures into the sink: each frame's parameters, its rows, its end; after each whole picture (one
 // frame, or the three of a three-pass scanner) the sink answers whether to scan another. The helper

@@ -7,17 +7,25 @@
 // It talks on file descriptor 3, a socket the host holds the other end of, in lines of tab-separated
 // fields:
 //   device NAME VENDOR MODEL TYPE          one per device (list), then "end"
-//   frame FORMAT LAST BYTES_PER_LINE PIXELS_PER_LINE LINES DEPTH
-//                                          a frame begins (LINES -1: not known before its end)
-//   rows COUNT                             followed by COUNT whole rows of raw bytes, as they came
-//   end LINES                              the frame came whole, with LINES rows
+//   frame FORMAT LAST BYTES_PER_LINE PIXELS_PER_LINE LINES DEPTH SLOT_ROWS SLOTS
+//                                          a frame begins (LINES -1: not known before its end);
+//                                          with it comes a sealed memory file (SCM_RIGHTS) of
+//                                          SLOTS slots of SLOT_ROWS rows each, through which
+//                                          the rows travel
+//   slot INDEX COUNT                       that slot holds the frame's next COUNT rows; the host
+//                                          answers "free INDEX" once it has taken them, and the
+//                                          slot is filled again only then
+//   end LINES                              the frame came whole, with LINES rows (every slot has
+//                                          been given back)
 //   image                                  a whole picture has been sent; the host answers
 //                                          "next" or "stop", which only a feeder waits for
 //   status CODE ok|failed                  the last line: SANE's status at the end
 // A host that sees the socket close before the last line knows the driver died.
 
+#include <fcntl.h>
 #include <sane/sane.h>
 #include <sane/saneopts.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -32,8 +40,10 @@
 namespace {
 
 constexpr int kSocket = 3;
-// What one read asks the device for: a few dozen rows of a page, small enough to stay in the cache.
-constexpr std::size_t kReadSize = 256 * 1024;
+// A slot holds about this many bytes of whole rows; a frame has kSlots of them, so that the device
+// can run that far ahead of the host.
+constexpr std::size_t kSlotSize = 512 * 1024;
+constexpr int kSlots = 4;
 
 // Sends everything in the pieces, or ends the helper: the host is gone and nothing is left to do.
 void sendAll(iovec* pieces, int count) {
@@ -53,10 +63,31 @@ void sendAll(iovec* pieces, int count) {
     }
 }
 
-void sendLine(const std::string& line) {
+// A line, with fd passed along with it when there is one.
+void sendLine(const std::string& line, int fd = -1) {
     const std::string text = line + "\n";
-    iovec piece = {const_cast<char*>(text.data()), text.size()};
-    sendAll(&piece, 1);
+    if (fd < 0) {
+        iovec piece = {const_cast<char*>(text.data()), text.size()};
+        sendAll(&piece, 1);
+        return;
+    }
+    // The descriptor rides on the first byte; the rest of the line follows as any other.
+    iovec first = {const_cast<char*>(text.data()), 1};
+    msghdr message = {};
+    message.msg_iov = &first;
+    message.msg_iovlen = 1;
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))];
+    message.msg_control = control;
+    message.msg_controllen = sizeof control;
+    cmsghdr* header = CMSG_FIRSTHDR(&message);
+    header->cmsg_level = SOL_SOCKET;
+    header->cmsg_type = SCM_RIGHTS;
+    header->cmsg_len = CMSG_LEN(sizeof(int));
+    std::memcpy(CMSG_DATA(header), &fd, sizeof(int));
+    while (sendmsg(kSocket, &message, MSG_NOSIGNAL) != 1)
+        if (errno != EINTR) std::_Exit(2);
+    iovec rest = {const_cast<char*>(text.data()) + 1, text.size() - 1};
+    sendAll(&rest, 1);
 }
 
 std::string readLine() {
@@ -139,34 +170,113 @@ bool hasFeeder(SANE_Handle handle) {
     }
 }
 
-// Reads one frame and sends it as it comes: whole rows after each read, the part of a row that
-// has come kept for the next. SANE's status at its end (EOF when whole).
-SANE_Status readFrame(SANE_Handle handle, const SANE_Parameters& parameters) {
-    sendLine("frame\t" + std::to_string(parameters.format) + "\t" + (parameters.last_frame ? "1" : "0") + "\t" +
-             std::to_string(parameters.bytes_per_line) + "\t" + std::to_string(parameters.pixels_per_line) +
-             "\t" + std::to_string(parameters.lines) + "\t" + std::to_string(parameters.depth));
-    const std::size_t rowSize = parameters.bytes_per_line > 0 ? static_cast<std::size_t>(parameters.bytes_per_line) : 0;
-    std::vector<SANE_Byte> buffer(std::max<std::size_t>(kReadSize, 2 * rowSize));
-    std::size_t filled = 0;
-    long long lines = 0;
-    SANE_Status status;
-    for (;;) {
-        SANE_Int got = 0;
-        status = sane_read(handle, buffer.data() + filled, static_cast<SANE_Int>(buffer.size() - filled), &got);
-        if (status != SANE_STATUS_GOOD) break;
-        filled += static_cast<std::size_t>(got);
-        // A frame without rows to speak of is read to its end and its bytes dropped.
-        const std::size_t whole = rowSize ? filled / rowSize : 0;
-        if (!rowSize) filled = 0;
-        if (whole == 0) continue;
-        const std::string header = "rows\t" + std::to_string(whole) + "\n";
-        iovec pieces[2] = {{const_cast<char*>(header.data()), header.size()}, {buffer.data(), whole * rowSize}};
-        sendAll(pieces, 2);
-        lines += static_cast<long long>(whole);
-        filled -= whole * rowSize;
-        std::memmove(buffer.data(), buffer.data() + whole * rowSize, filled);
+// The slots a frame's rows travel through: a memory file shared with the host, sealed so that it
+// can neither shrink nor grow under the host's mapping.
+class SlotRing {
+public:
+    SlotRing(std::size_t slotBytes, int slots) : mSlotBytes(slotBytes), mFree(static_cast<std::size_t>(slots), true) {
+        const std::size_t size = slotBytes * static_cast<std::size_t>(slots);
+        mFd = memfd_create("orvanta-frame", MFD_CLOEXEC | MFD_ALLOW_SEALING);
+        if (mFd < 0) return;
+        void* map = MAP_FAILED;
+        if (ftruncate(mFd, static_cast<off_t>(size)) == 0 &&
+            fcntl(mFd, F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0)
+            map = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, mFd, 0);
+        if (map == MAP_FAILED) {
+            close(mFd);
+            mFd = -1;
+            return;
+        }
+        mMap = static_cast<SANE_Byte*>(map);
+        mSize = size;
     }
-    if (status == SANE_STATUS_EOF) sendLine("end\t" + std::to_string(lines));
+    ~SlotRing() {
+        if (mMap) munmap(mMap, mSize);
+        if (mFd >= 0) close(mFd);
+    }
+    SlotRing(const SlotRing&) = delete;
+    SlotRing& operator=(const SlotRing&) = delete;
+
+    bool ok() const { return mMap != nullptr; }
+    int fd() const { return mFd; }
+    SANE_Byte* slot(int index) { return mMap + mSlotBytes * static_cast<std::size_t>(index); }
+
+    // A free slot, waiting for the host to give one back if need be; -1 when the host is gone.
+    int take() {
+        for (;;) {
+            for (std::size_t i = 0; i < mFree.size(); ++i)
+                if (mFree[i]) {
+                    mFree[i] = false;
+                    return static_cast<int>(i);
+                }
+            if (!giveBack()) return -1;
+        }
+    }
+    void release(int index) { mFree[static_cast<std::size_t>(index)] = true; }
+    // Waits for every slot to come back.
+    bool drain() {
+        while (std::find(mFree.begin(), mFree.end(), false) != mFree.end())
+            if (!giveBack()) return false;
+        return true;
+    }
+
+private:
+    bool giveBack() {
+        const std::string line = readLine();
+        if (line.rfind("free\t", 0) != 0) return false;
+        const std::size_t index = static_cast<std::size_t>(std::atoi(line.c_str() + 5));
+        if (index < mFree.size()) mFree[index] = true;
+        return true;
+    }
+
+    std::size_t mSlotBytes;
+    std::vector<bool> mFree;
+    int mFd = -1;
+    SANE_Byte* mMap = nullptr;
+    std::size_t mSize = 0;
+};
+
+// Reads one frame and sends it as it comes, a slot of whole rows at a time (the part of a row past
+// the slot's last whole one cannot be: a slot is read only up to its end). SANE's status at its end
+// (EOF when whole).
+SANE_Status readFrame(SANE_Handle handle, const SANE_Parameters& parameters) {
+    const std::size_t rowSize = parameters.bytes_per_line > 0 ? static_cast<std::size_t>(parameters.bytes_per_line) : 0;
+    const std::size_t slotRows = rowSize ? std::max<std::size_t>(1, kSlotSize / rowSize) : 1;
+    SlotRing ring(std::max<std::size_t>(rowSize, 1) * slotRows, kSlots);
+    if (!ring.ok()) return SANE_STATUS_NO_MEM;
+    sendLine("frame\t" + std::to_string(parameters.format) + "\t" + (parameters.last_frame ? "1" : "0") + "\t" +
+                 std::to_string(parameters.bytes_per_line) + "\t" + std::to_string(parameters.pixels_per_line) +
+                 "\t" + std::to_string(parameters.lines) + "\t" + std::to_string(parameters.depth) + "\t" +
+                 std::to_string(slotRows) + "\t" + std::to_string(kSlots),
+             ring.fd());
+    const std::size_t slotBytes = rowSize * slotRows;
+    long long lines = 0;
+    SANE_Status status = SANE_STATUS_GOOD;
+    while (status == SANE_STATUS_GOOD) {
+        const int slot = ring.take();
+        if (slot < 0) std::_Exit(2);  // the host is gone
+        std::size_t filled = 0;
+        SANE_Byte* into = ring.slot(slot);
+        // A frame without rows to speak of is read to its end into the first slot, and dropped.
+        const std::size_t room = rowSize ? slotBytes : 1;
+        while (filled < room) {
+            SANE_Int got = 0;
+            status = sane_read(handle, into + (rowSize ? filled : 0),
+                               static_cast<SANE_Int>(rowSize ? room - filled : 1), &got);
+            if (status != SANE_STATUS_GOOD) break;
+            if (rowSize) filled += static_cast<std::size_t>(got);
+        }
+        const std::size_t whole = rowSize ? filled / rowSize : 0;
+        if (whole == 0) {
+            ring.release(slot);
+            continue;
+        }
+        sendLine("slot\t" + std::to_string(slot) + "\t" + std::to_string(whole));
+        lines += static_cast<long long>(whole);
+    }
+    if (status != SANE_STATUS_EOF) return status;
+    if (!ring.drain()) std::_Exit(2);
+    sendLine("end\t" + std::to_string(lines));
     return status;
 }
 
