@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <csetjmp>
 #include <cstring>
+#include <system_error>
 
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/ParallelBands.h"
@@ -59,9 +60,13 @@ struct JpegBandWriter::Band {
     jpeg_compress_struct info;
     JpegErrorJump errors;
     Destination destination;
+    enum State { kFree, kFilling, kQueued, kEncoding, kDone };
+
     std::vector<unsigned char> pixels;
     std::vector<unsigned char> compressed;
     int rows = 0;
+    int index = -1;  // its place in the picture, from the top
+    State state = kFree;
     bool encoded = false;
 
     Band() {
@@ -115,7 +120,19 @@ struct JpegBandWriter::Band {
 
 JpegBandWriter::JpegBandWriter(std::string path, ReplacementFile::Kind kind) : mFile(std::move(path), kind) {}
 
-JpegBandWriter::~JpegBandWriter() = default;
+JpegBandWriter::~JpegBandWriter() {
+    stopWorkers();
+}
+
+void JpegBandWriter::stopWorkers() {
+    {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mStopping = true;
+    }
+    mChanged.notify_all();
+    for (std::thread& worker : mWorkers) worker.join();
+    mWorkers.clear();
+}
 
 bool JpegBandWriter::fail(bool fileFailed) {
     mFailed = true;
@@ -137,11 +154,21 @@ bool JpegBandWriter::start(const JpegRowWriter::Settings& settings) {
     const int mcuRows = std::max(1, std::min(kMcuRowsPerBand, 65535 / mcusPerRow));
     mBandRows = mcuRows * mcuHeight;
     mRestartInterval = mcuRows * mcusPerRow;
-    const std::size_t cores = ParallelBands::bandCount(ParallelBands::kMostBands, 1);
+    // A picture of one band is encoded by the caller; more get a worker per core, and one band more
+    // than the workers take, for the caller to fill meanwhile.
+    const int bandsInPicture = (settings.height + mBandRows - 1) / mBandRows;
+    const std::size_t cores = bandsInPicture > 1 ? ParallelBands::bandCount(ParallelBands::kMostBands, 1) : 0;
+    const int bands = std::min(static_cast<int>(cores) + 1, bandsInPicture);
+    for (int i = 0; i < bands; ++i) mBands.push_back(std::make_unique<Band>());
     for (std::size_t i = 0; i < cores; ++i) {
-        mBands.push_back(std::make_unique<Band>());
-        mBands.back()->pixels.resize(static_cast<std::size_t>(mBandRows) * settings.width * settings.channels);
+        try {
+            mWorkers.emplace_back([this] { work(); });
+        } catch (const std::system_error&) {
+            break;  // no thread to be had: the caller encodes
+        }
     }
+    mFilling = mBands[0].get();
+    mFilling->state = Band::kFilling;
     return true;
 }
 
@@ -149,30 +176,87 @@ bool JpegBandWriter::write(const unsigned char* const* rows, int count) {
     if (!mStarted || mFailed || count < 0 || count > mSettings.height - mRowsTaken) return fail(false);
     const std::size_t stride = static_cast<std::size_t>(mSettings.width) * mSettings.channels;
     for (int i = 0; i < count; ++i) {
-        Band& band = *mBands[mFilling];
+        Band& band = *mFilling;
+        if (band.pixels.empty()) band.pixels.resize(stride * mBandRows);
         std::memcpy(band.pixels.data() + stride * band.rows, rows[i], stride);
         ++mRowsTaken;
         // A band is full at its height, or at the picture's end.
         if (++band.rows < mBandRows && mRowsTaken < mSettings.height) continue;
-        if (++mFilling == mBands.size() || mRowsTaken == mSettings.height) {
-            if (!encodeGathered()) return false;
-        }
+        if (!passOn()) return false;
     }
     return true;
 }
 
-bool JpegBandWriter::encodeGathered() {
-    const std::size_t count = mFilling;
+void JpegBandWriter::work() {
     const int stride = mSettings.width * mSettings.channels;
-    ParallelBands::forEachBand(count, 1, [&](std::size_t, std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; ++i) mBands[i]->encode(mSettings, stride);
-    });
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!mBands[i]->encoded) return fail(false);
-        if (!put(*mBands[i])) return false;
-        mBands[i]->rows = 0;
+    std::unique_lock<std::mutex> lock(mMutex);
+    for (;;) {
+        Band* next = nullptr;
+        for (const auto& band : mBands)
+            if (band->state == Band::kQueued && (!next || band->index < next->index)) next = band.get();
+        if (!next) {
+            if (mStopping) return;
+            mChanged.wait(lock);
+            continue;
+        }
+        next->state = Band::kEncoding;
+        lock.unlock();
+        next->encode(mSettings, stride);
+        lock.lock();
+        next->state = Band::kDone;
+        mChanged.notify_all();
     }
-    mFilling = 0;
+}
+
+bool JpegBandWriter::passOn() {
+    Band* band = mFilling;
+    mFilling = nullptr;
+    if (mWorkers.empty()) {
+        band->index = mBandsPassed++;
+        band->encode(mSettings, mSettings.width * mSettings.channels);
+        band->state = Band::kDone;
+    } else {
+        std::lock_guard<std::mutex> lock(mMutex);
+        band->index = mBandsPassed++;
+        band->state = Band::kQueued;
+        mChanged.notify_all();
+    }
+    if (mRowsTaken == mSettings.height) return true;  // finish writes the rest
+    // The next band to fill: a free one, once the bands done before it are in the file.
+    for (;;) {
+        if (!putDone(false)) return false;
+        std::unique_lock<std::mutex> lock(mMutex);
+        for (const auto& candidate : mBands)
+            if (candidate->state == Band::kFree) {
+                mFilling = candidate.get();
+                mFilling->state = Band::kFilling;
+                mFilling->rows = 0;
+                return true;
+            }
+        mChanged.wait(lock);
+    }
+}
+
+bool JpegBandWriter::putDone(bool wait) {
+    while (mBandsPut < mBandsPassed) {
+        Band* next = nullptr;
+        {
+            std::unique_lock<std::mutex> lock(mMutex);
+            for (const auto& band : mBands)
+                if (band->index == mBandsPut) next = band.get();
+            if (next->state != Band::kDone) {
+                if (!wait) return true;
+                mChanged.wait(lock);
+                continue;
+            }
+        }
+        if (!next->encoded) return fail(false);
+        if (!put(*next)) return false;
+        ++mBandsPut;
+        std::lock_guard<std::mutex> lock(mMutex);
+        next->state = Band::kFree;
+        next->index = -1;
+    }
     return true;
 }
 
@@ -190,8 +274,8 @@ bool JpegBandWriter::put(const Band& band) {
     HeaderPlaces places;
     if (!findHeaders(bytes, &places) || bytes.size() < places.data + 2) return fail(false);
     const bool single = band.rows == mSettings.height;
-    const bool last = mRowsTaken == mSettings.height && &band == mBands[mFilling - 1].get();
-    if (mBandsPut == 0 && !single) {
+    const bool last = mRowsTaken == mSettings.height && band.index == mBandsPassed - 1;
+    if (band.index == 0 && !single) {
         std::vector<unsigned char> header(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(places.scan));
         header[places.frame + 5] = static_cast<unsigned char>(mSettings.height >> 8);
         header[places.frame + 6] = static_cast<unsigned char>(mSettings.height);
@@ -201,21 +285,17 @@ bool JpegBandWriter::put(const Band& band) {
         header.insert(header.end(), interval, interval + 6);
         if (!put(header.data(), header.size())) return false;
     }
-    const std::size_t from = mBandsPut == 0 ? (single ? 0 : places.scan) : places.data;
-    if (last) {
-        if (!put(bytes.data() + from, bytes.size() - from)) return false;
-    } else {
-        // The band's end of image becomes the restart marker that leads to the next band.
-        if (!put(bytes.data() + from, bytes.size() - 2 - from)) return false;
-        const unsigned char restart[2] = {kMarker, static_cast<unsigned char>(kRestart0 + mBandsPut % 8)};
-        if (!put(restart, 2)) return false;
-    }
-    ++mBandsPut;
-    return true;
+    const std::size_t from = band.index == 0 ? (single ? 0 : places.scan) : places.data;
+    if (last) return put(bytes.data() + from, bytes.size() - from);
+    // The band's end of image becomes the restart marker that leads to the next band.
+    const unsigned char restart[2] = {kMarker, static_cast<unsigned char>(kRestart0 + band.index % 8)};
+    return put(bytes.data() + from, bytes.size() - 2 - from) && put(restart, 2);
 }
 
 bool JpegBandWriter::finish() {
-    if (!mStarted || mFailed || mRowsTaken != mSettings.height || mFilling != 0) return fail(false);
+    if (!mStarted || mFailed || mRowsTaken != mSettings.height) return fail(false);
+    if (!putDone(true)) return false;
+    stopWorkers();
     if (!mFile.commit()) return fail(true);
     return true;
 }
