@@ -22,6 +22,7 @@
 #include "orvanta/pixels/PixelHeap.h"
 #include "orvanta/pixels/StaticDib.h"
 #include "orvanta/platform/FileContents.h"
+#include "orvanta/platform/JpegBandWriter.h"
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/JpegLibrary.h"
 #include "orvanta/platform/JpegTransform.h"

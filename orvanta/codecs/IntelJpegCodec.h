@@ -18,7 +18,11 @@
 #include <vector>
 
 #include "orvanta/codecs/ImageCodec.h"
-#include "orvanta/platform/JpegBandWriter.h"
+#include "orvanta/platform/ReplacementFile.h"
+
+namespace Orvanta::Platform {
+class JpegBandWriter;
+}
 
 namespace Orvanta {
 
