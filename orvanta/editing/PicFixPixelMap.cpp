@@ -28,32 +28,34 @@ void fillRow(unsigned char* __restrict row, int top, int chroma, double k, doubl
     }
 }
 
-// The pixels of a row go by chunks: first the table positions of a whole chunk's channels, a loop
-// of plain arithmetic on neighbouring bytes that the compiler turns into vector steps, then the
-// lookups, which are all that is left to do one byte at a time. The positions are taken before any
-// byte of the chunk is written, so dst may be src itself.
+// The pixels of a row go by chunks, in three loops: the largest channel and the chroma of each
+// pixel, byte arithmetic on neighbouring bytes; the start of each pixel's row of results, arithmetic
+// on 32-bit lanes; and the lookups, all that is left to do a pixel at a time. The compiler turns the
+// first two into vector steps, which the lookups could not share. Each pixel's bytes are read before
+// its results are written, so dst may be src itself.
 constexpr int kChunk = 64;
 
 ORVANTA_AVX2_CLONE
 void mapPackedRow(const unsigned char* results, const unsigned char* src, unsigned char* dst, int dstDeltaX,
                   int width) {
-    unsigned blue[kChunk], green[kChunk], red[kChunk];
+    unsigned char tops[kChunk], chromas[kChunk];
+    unsigned rows[kChunk];
     for (int x = 0; x < width; x += kChunk) {
         const int n = std::min(kChunk, width - x);
         const unsigned char* s = src + 3 * static_cast<ptrdiff_t>(x);
         for (int i = 0; i < n; ++i) {
-            const unsigned b = s[3 * i], g = s[3 * i + 1], r = s[3 * i + 2];
-            const unsigned top = std::max(std::max(r, g), b);
-            const unsigned row = PicFixPixelMap::resultIndex(top, top - std::min(std::min(r, g), b), 0);
-            blue[i] = row - b;
-            green[i] = row - g;
-            red[i] = row - r;
+            const unsigned char b = s[3 * i], g = s[3 * i + 1], r = s[3 * i + 2];
+            tops[i] = std::max(std::max(r, g), b);
+            chromas[i] = tops[i] - std::min(std::min(r, g), b);
         }
+        for (int i = 0; i < n; ++i) rows[i] = PicFixPixelMap::resultIndex(tops[i], chromas[i], 0);
         unsigned char* d = dst + static_cast<ptrdiff_t>(dstDeltaX) * x;
-        for (int i = 0; i < n; ++i, d += dstDeltaX) {
-            d[0] = results[blue[i]];
-            d[1] = results[green[i]];
-            d[2] = results[red[i]];
+        for (int i = 0; i < n; ++i, s += 3, d += dstDeltaX) {
+            const unsigned char* row = results + rows[i];
+            const unsigned b = s[0], g = s[1], r = s[2];
+            d[0] = *(row - b);
+            d[1] = *(row - g);
+            d[2] = *(row - r);
         }
     }
 }
