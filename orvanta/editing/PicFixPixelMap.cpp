@@ -32,7 +32,8 @@ void fillRow(unsigned char* __restrict row, int top, int chroma, double k, doubl
 // pixel, byte arithmetic on neighbouring bytes; the start of each pixel's row of results, arithmetic
 // on 32-bit lanes; and the lookups, all that is left to do a pixel at a time. The compiler turns the
 // first two into vector steps, which the lookups could not share. Each pixel's bytes are read before
-// its results are written, so dst may be src itself.
+// its results are written, so dst may be src itself. A black pixel's row is the table's first entry,
+// black: written like any other.
 constexpr int kChunk = 64;
 
 ORVANTA_AVX2_CLONE
