@@ -6,21 +6,44 @@
 #include <cstddef>
 
 #include "orvanta/editing/DibPoint.h"
+#include "orvanta/platform/TargetClones.h"
 
 namespace Orvanta {
 
+namespace {
+
+// The largest channels of a chunk of packed pixels are found first, a loop on neighbouring bytes that
+// the compiler turns into vector steps; the counting that follows is all that goes a pixel at a time.
+// Four interleaved tables, so that neighbouring pixels of one brightness (the common case) do not
+// wait on each other's increments.
+constexpr int kChunk = 64;
+
+ORVANTA_AVX2_CLONE
+void countPackedRow(const unsigned char* row, int width, std::array<PicFixCurve::Histogram, 4>& parts) {
+    unsigned char tops[kChunk];
+    for (int x = 0; x < width; x += kChunk) {
+        const int n = std::min(kChunk, width - x);
+        const unsigned char* p = row + 3 * static_cast<ptrdiff_t>(x);
+        for (int i = 0; i < n; ++i) tops[i] = std::max(std::max(p[3 * i], p[3 * i + 1]), p[3 * i + 2]);
+        int i = 0;
+        for (; i + 4 <= n; i += 4)
+            for (int j = 0; j < 4; ++j) ++parts[j][tops[i + j]];
+        for (; i < n; ++i) ++parts[0][tops[i]];
+    }
+}
+
+}  // namespace
+
 PicFixCurve::Histogram PicFixCurve::brightnessHistogram(const unsigned char* buffer, int width, int height,
                                                         int deltaX, int deltaY) {
-    // Four interleaved tables, so that neighbouring pixels of one brightness (the common case) do not
-    // wait on each other's increments; they are summed at the end.
     std::array<Histogram, 4> parts{};
     for (int y = 0; y < height; ++y) {
         const unsigned char* p = buffer + static_cast<ptrdiff_t>(deltaY) * y;
-        int x = 0;
-        for (; x + 4 <= width; x += 4) {
-            for (int j = 0; j < 4; ++j, p += deltaX) ++parts[j][std::max({p[0], p[1], p[2]})];
+        if (deltaX == 3) {
+            countPackedRow(p, width, parts);
+            continue;
         }
-        for (; x < width; ++x, p += deltaX) ++parts[0][std::max({p[0], p[1], p[2]})];
+        for (int x = 0; x < width; ++x, p += deltaX) ++parts[x % 4][std::max({p[0], p[1], p[2]})];
     }
     Histogram hist{};
     for (int i = 0; i < 256; ++i) hist[i] = parts[0][i] + parts[1][i] + parts[2][i] + parts[3][i];

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "orvanta/platform/ParallelBands.h"
 #include "orvanta/platform/TargetClones.h"
 
 namespace Orvanta {
@@ -27,6 +28,39 @@ void fillRow(unsigned char* __restrict row, int top, int chroma, double k, doubl
     }
 }
 
+// The pixels of a row go by chunks, in three loops: the largest channel and the chroma of each
+// pixel, byte arithmetic on neighbouring bytes; the start of each pixel's row of results, arithmetic
+// on 32-bit lanes; and the lookups, all that is left to do a pixel at a time. The compiler turns the
+// first two into vector steps, which the lookups could not share. Each pixel's bytes are read before
+// its results are written, so dst may be src itself. A black pixel's row is the table's first entry,
+// black: written like any other.
+constexpr int kChunk = 64;
+
+ORVANTA_AVX2_CLONE
+void mapPackedRow(const unsigned char* results, const unsigned char* src, unsigned char* dst, int dstDeltaX,
+                  int width) {
+    unsigned char tops[kChunk], chromas[kChunk];
+    unsigned rows[kChunk];
+    for (int x = 0; x < width; x += kChunk) {
+        const int n = std::min(kChunk, width - x);
+        const unsigned char* s = src + 3 * static_cast<ptrdiff_t>(x);
+        for (int i = 0; i < n; ++i) {
+            const unsigned char b = s[3 * i], g = s[3 * i + 1], r = s[3 * i + 2];
+            tops[i] = std::max(std::max(r, g), b);
+            chromas[i] = tops[i] - std::min(std::min(r, g), b);
+        }
+        for (int i = 0; i < n; ++i) rows[i] = PicFixPixelMap::resultIndex(tops[i], chromas[i], 0);
+        unsigned char* d = dst + static_cast<ptrdiff_t>(dstDeltaX) * x;
+        for (int i = 0; i < n; ++i, s += 3, d += dstDeltaX) {
+            const unsigned char* row = results + rows[i];
+            const unsigned b = s[0], g = s[1], r = s[2];
+            d[0] = *(row - b);
+            d[1] = *(row - g);
+            d[2] = *(row - r);
+        }
+    }
+}
+
 }  // namespace
 
 PicFixPixelMap::PicFixPixelMap(const PicFixCurve& curve) : mResults(new unsigned char[kResultCount]) {
@@ -38,15 +72,23 @@ PicFixPixelMap::PicFixPixelMap(const PicFixCurve& curve) : mResults(new unsigned
         mS[d] = d / 255.0;
         mOneMinusS[d] = 1 - mS[d];
     }
-    for (unsigned m = 0; m < 256; ++m) {
-        mRowStarts[m] = resultIndex(m, 0, 0);
-        mChromaStarts[m] = m * (m + 1) / 2;
-    }
     // Brightness 0 is black, whose one entry is black too.
     mResults[0] = 0;
-    for (int m = 1; m < 256; ++m)
-        for (int d = 0; d <= m; ++d)
-            fillRow(&mResults[resultIndex(m, d, m)], m, d, mK[m], mV[m], mS[d], mOneMinusS[d]);
+    // The table is a few megabytes of arithmetic, filled on every core: each band takes the
+    // brightnesses whose results start in its share of the table, so the shares are near equal.
+    const auto firstBrightnessFrom = [](std::size_t entry) {
+        unsigned m = 1;
+        while (m < 256 && resultIndex(m, 0, m) < entry) ++m;
+        return m;
+    };
+    Platform::ParallelBands::forEachBand(
+        kResultCount, kResultCount / Platform::ParallelBands::kMostBands,
+        [&](std::size_t, std::size_t begin, std::size_t end) {
+            for (unsigned m = firstBrightnessFrom(begin), last = firstBrightnessFrom(end); m < last; ++m)
+                for (unsigned d = 0; d <= m; ++d)
+                    fillRow(&mResults[resultIndex(m, d, m)], static_cast<int>(m), static_cast<int>(d), mK[m],
+                            mV[m], mS[d], mOneMinusS[d]);
+        });
 }
 
 bool PicFixPixelMap::mapPixel(unsigned char& r, unsigned char& g, unsigned char& b) const {
@@ -63,7 +105,6 @@ bool PicFixPixelMap::mapPixel(unsigned char& r, unsigned char& g, unsigned char&
 
 void PicFixPixelMap::mapView(const unsigned char* src, int srcDeltaX, int srcDeltaY, unsigned char* dst,
                              int dstDeltaX, int dstDeltaY, int width, int height) const {
-    const unsigned char* results = mResults.get();
     std::vector<unsigned char> packed;
     for (int y = 0; y < height; ++y) {
         const unsigned char* s = src + static_cast<ptrdiff_t>(srcDeltaY) * y;
@@ -75,15 +116,7 @@ void PicFixPixelMap::mapView(const unsigned char* src, int srcDeltaX, int srcDel
                 std::copy_n(s + static_cast<ptrdiff_t>(srcDeltaX) * x, 3, &packed[3 * x]);
             s = packed.data();
         }
-        // A black pixel's results are the table's first entry, black: written like any other.
-        for (int x = 0; x < width; ++x, s += 3, d += dstDeltaX) {
-            const unsigned b = s[0], g = s[1], r = s[2];
-            const unsigned top = std::max(std::max(r, g), b);
-            const unsigned row = mRowStarts[top] + mChromaStarts[top - std::min(std::min(r, g), b)];
-            d[0] = results[row - b];
-            d[1] = results[row - g];
-            d[2] = results[row - r];
-        }
+        mapPackedRow(mResults.get(), s, d, dstDeltaX, width);
     }
 }
 

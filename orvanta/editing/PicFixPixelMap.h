@@ -45,9 +45,6 @@ private:
     std::array<double, 256> mS{};
     std::array<double, 256> mOneMinusS{};
     std::unique_ptr<unsigned char[]> mResults;
-    // resultIndex(M, d, c) as mRowStarts[M] + mChromaStarts[d] - c.
-    std::array<unsigned, 256> mRowStarts{};
-    std::array<unsigned, 256> mChromaStarts{};
 };
 
 }  // namespace Orvanta
