@@ -88,7 +88,7 @@ bool ScanWriter::endImage() {
 bool ScanWriter::finishPicture(CString* path) {
     if (mStreaming) {
         mStreaming = false;
-        std::unique_ptr<Platform::JpegBandWriter> stream = std::move(mStream);
+        std::unique_ptr<Platform::JpegRowWriter> stream = std::move(mStream);
         // Rows other than the frame promised: a picture not taken, like those ScanFrames turns down.
         if (!mFailed && mStreamRows != mStreamFrame.lines) return true;
         if (mFailed || !stream->finish()) return false;

@@ -3,9 +3,8 @@
 // after "twainImage.jpg" (never over another file), at the codec's high quality.
 //
 // Contract: a SaneHelper sink. A picture of one frame whose length is known (grey, 1-bit or RGB) is
-// encoded while it is scanned, a band of rows at a time on every core, by the JPEG codec's row
-// writer: the file decodes to exactly what the codec's write of the picture as a Dib decodes to,
-// and the picture is never held whole. Other
+// encoded row by row while it is scanned, by the JPEG codec's row writer: the file is byte for byte
+// what the codec's write makes of the picture as a Dib, and the picture is never held whole. Other
 // pictures (the three frames of a three-pass scanner, a hand scanner's frame of unknown length) are
 // gathered and then turned into a Dib by ScanFrames. After each picture the callback gets its file's
 // path and answers whether to scan another; a picture ScanFrames does not take (16 bits a sample) is
@@ -19,7 +18,7 @@
 
 #include "orvanta/acquire/ScanFrames.h"
 #include "orvanta/platform/CString.h"
-#include "orvanta/platform/JpegBandWriter.h"
+#include "orvanta/platform/JpegRowWriter.h"
 #include "orvanta/platform/SaneHelper.h"
 
 namespace Orvanta {
@@ -44,7 +43,7 @@ private:
     PictureCallback mOnPicture;
     // The picture being encoded as it comes, its path and rows so far, and a spread grey row.
     bool mStreaming = false;
-    std::unique_ptr<Platform::JpegBandWriter> mStream;
+    std::unique_ptr<Platform::JpegRowWriter> mStream;
     CString mStreamPath;
     ScanFrames::Frame mStreamFrame;
     int mStreamRows = 0;

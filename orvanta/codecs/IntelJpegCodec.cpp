@@ -22,9 +22,9 @@
 #include "orvanta/pixels/PixelHeap.h"
 #include "orvanta/pixels/StaticDib.h"
 #include "orvanta/platform/FileContents.h"
-#include "orvanta/platform/JpegBandWriter.h"
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/JpegLibrary.h"
+#include "orvanta/platform/JpegRowWriter.h"
 #include "orvanta/platform/JpegTransform.h"
 #include "orvanta/platform/ReplacementFile.h"
 #include "orvanta/platform/RewriteLock.h"
@@ -378,8 +378,8 @@ int IntelJpegCodec::writeCommon(Dib* dib, const char16_t* path, void* buffer, in
     return result;
 }
 
-std::unique_ptr<JpegBandWriter> IntelJpegCodec::startRowWrite(const char16_t* path, int width, int height,
-                                                              ImageQuality quality, ReplacementFile::Kind kind) {
+std::unique_ptr<JpegRowWriter> IntelJpegCodec::startRowWrite(const char16_t* path, int width, int height,
+                                                             ImageQuality quality, ReplacementFile::Kind kind) {
     JpegRowWriter::Settings settings;
     settings.width = width;
     settings.height = height;
@@ -387,7 +387,7 @@ std::unique_ptr<JpegBandWriter> IntelJpegCodec::startRowWrite(const char16_t* pa
     settings.quality = encoderQuality(quality);
     settings.horizontalSampling = 2;
     settings.verticalSampling = subsamplingFor(quality, 3) == IJL_422 ? 1 : 2;
-    auto writer = std::make_unique<JpegBandWriter>(CString(path).toUtf8(), kind);
+    auto writer = std::make_unique<JpegRowWriter>(CString(path).toUtf8(), kind);
     return writer->start(settings) ? std::move(writer) : nullptr;
 }
 

@@ -21,7 +21,7 @@
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta::Platform {
-class JpegBandWriter;
+class JpegRowWriter;
 }
 
 namespace Orvanta {
@@ -76,13 +76,12 @@ public:
                              ImageQuality quality);
 
     // A write fed rows as they come, for a picture whose rows arrive over time (a scanner's):
-    // width x height pixels of three bytes, red first, encoded by bands on the machine's cores. The
-    // file has the quality and chroma sampling of write(), and decodes to exactly the pixels write()'s
-    // file of a 24-bit Dib of the same pixels decodes to; it takes the target's place only when
+    // width x height pixels of three bytes, red first. The file is byte for byte what write() makes
+    // of a 24-bit Dib of the same pixels at that quality, and takes the target's place only when
     // finished. kind kDerived spares the flush to the device for a file that is a step on the way.
-    static std::unique_ptr<Platform::JpegBandWriter> startRowWrite(const char16_t* path, int width, int height,
-                                                                   ImageQuality quality,
-                                                                   Platform::ReplacementFile::Kind kind);
+    static std::unique_ptr<Platform::JpegRowWriter> startRowWrite(const char16_t* path, int width, int height,
+                                                                  ImageQuality quality,
+                                                                  Platform::ReplacementFile::Kind kind);
 
 private:
     IntelJpegCodec();

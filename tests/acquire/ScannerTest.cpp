@@ -13,7 +13,6 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 
 #include "orvanta/acquire/AcquireChooser.h"
@@ -151,8 +150,8 @@ struct Gathered : Platform::SaneHelper::Sink {
 
 }  // namespace
 
-// Each kind of picture crosses the helper unchanged, and the unloader's JPEG (written by bands as the
-// scan comes for single frames, from the whole picture otherwise) decodes exactly as the codec's
+// Each kind of picture crosses the helper unchanged, and the unloader's JPEG (written row by row as
+// the scan comes for single frames, from the whole picture otherwise) is byte for byte the codec's
 // write of the frames libsane gives; a full disk stops the scan and leaves nothing.
 TEST_F(ScannerTest, PicturesEqualTheFramesReadThroughLibsane) {
     auto* codec = dynamic_cast<ImageCodec*>(CodecManager::getCodec(u"jpg"));
@@ -187,19 +186,14 @@ TEST_F(ScannerTest, PicturesEqualTheFramesReadThroughLibsane) {
             }
         EXPECT_EQ(differing, 0) << options[0] << " " << options.back();
 
-        const CString expected = folder.wide("expected.jpg");
-        ASSERT_GT(codec->write(scanned, expected, ImageQualityHigh), 0);
+        const std::string expected = folder.file("expected.jpg");
+        ASSERT_GT(codec->write(scanned, CString::fromUtf8(expected), ImageQualityHigh), 0);
         OwnedPtr<TwainCameraUnloader> scanner = TwainCameraUnloader::create(kTestKey, false);
         scanner->setOptions(options);
         Collected got;
         ASSERT_TRUE(scanner->unload(&got));
         ASSERT_EQ(got.paths.size(), 1u);
-        CSize size;
-        OwnedPtr<Dib> fromScan = codec->read(CString::fromUtf8(got.paths[0]), &size, 0, 0);
-        OwnedPtr<Dib> fromWrite = codec->read(expected, &size, 0, 0);
-        ASSERT_TRUE(fromScan && fromWrite);
-        EXPECT_EQ(0, std::memcmp(fromScan->getBits(), fromWrite->getBits(), fromWrite->getBitsSize()))
-            << options[0] << " " << options.back();
+        EXPECT_TRUE(readFileBytes(got.paths[0]) == readFileBytes(expected)) << options[0] << " " << options.back();
     }
     // A disk that fills up during the scan: the unload fails, and no file is left.
     {
