@@ -56,7 +56,9 @@ TEST(LocaleCalendarTest, AMonthIsTheLocalesOwnCalendarsMonth) {
     for (const Case& c : cases) {
         Platform::LocaleCalendar calendar(c.locale);
         const Platform::LocaleCalendar::Month month = calendar.month(date(2026, 3, 15));
-        if (!c.title.empty()) EXPECT_EQ(month.title.str(), c.title) << c.locale;
+        if (!c.title.empty()) {
+            EXPECT_EQ(month.title.str(), c.title) << c.locale;
+        }
         EXPECT_EQ(ymd(month.first), c.first) << c.locale;
         EXPECT_EQ(month.days, c.days) << c.locale;
         EXPECT_EQ(month.firstColumn, c.firstColumn) << c.locale;

@@ -100,14 +100,19 @@ TEST_F(CatalogImport, CataloguesEveryReadablePictureAndVideoOfTheTestDataAndSays
         if (!entry.is_regular_file()) continue;
         const std::string path = entry.path().string(), extension = entry.path().extension().string();
         ASSERT_TRUE(fate.count(path)) << path << " is neither catalogued nor skipped";
-        if (path.find("/video/") != std::string::npos) EXPECT_EQ("added", fate[path]) << path;
-        if (extension == ".txt" || extension == ".tsv" || extension == ".md" || extension == ".mpo")
+        if (path.find("/video/") != std::string::npos) {
+            EXPECT_EQ("added", fate[path]) << path;
+        }
+        if (extension == ".txt" || extension == ".tsv" || extension == ".md" || extension == ".mpo") {
             EXPECT_EQ("not a picture or video", fate[path]);
+        }
         // A picture is left out exactly when the flat interface cannot read it either.
-        if (fate[path] != "added" && fate[path] != "not a picture or video")
+        if (fate[path] != "added" && fate[path] != "not a picture or video") {
             EXPECT_EQ("not a readable picture", fate[path]) << path;
-        if (fate[path] == "not a readable picture")
+        }
+        if (fate[path] == "not a readable picture") {
             EXPECT_NE(runTool("info '" + path + "'").output.find("unreadable"), std::string::npos) << path;
+        }
     }
     // Each added file has a thumbnail that decodes, or a line saying why it has none.
     EXPECT_EQ(static_cast<int>(found["added"].size() - found["no thumbnail"].size()),
