@@ -47,13 +47,12 @@ Dib* ScanFrames::toDib(const std::vector<Frame>& frames) {
     const int height = first.lines;
     for (const Frame& frame : frames)
         if (frame.depth != 1 && frame.depth != 8) return nullptr;
-    // Which grey frame fills each of the Dib's channels (blue, green, red); an RGB frame fills all.
+    // Which grey frame of a three-pass picture fills each of the Dib's channels (blue, green, red).
     const Frame* sources[3] = {};
     if (first.format == 1) {
         if (first.depth != 8 || !fits(first, 24)) return nullptr;
     } else if (first.format == 0) {
         if (!fits(first, first.depth)) return nullptr;
-        sources[0] = sources[1] = sources[2] = &first;
     } else {
         for (const Frame& frame : frames) {
             if (frame.format < 2 || frame.format > 4 || frame.pixelsPerLine != width ||
@@ -76,6 +75,10 @@ Dib* ScanFrames::toDib(const std::vector<Frame>& frames) {
                 out[1] = in[1];
                 out[2] = in[0];
             }
+            continue;
+        }
+        if (first.format == 0) {
+            spreadGrey(rowOf(first, y), width, first.depth, out);
             continue;
         }
         for (int c = 0; c < 3; ++c) {

@@ -55,13 +55,13 @@ void ScanWriter::addRows(const unsigned char* rows, int count) {
     const int width = mStreamFrame.pixelsPerLine;
     const std::size_t spread = static_cast<std::size_t>(width) * 3;
     const unsigned char* band[kBand];
+    if (mStreamFrame.format == 0) mGreyRows.resize(spread * kBand);
     for (int first = 0; first < count && !mFailed; first += kBand) {
         const int n = std::min(kBand, count - first);
         for (int i = 0; i < n; ++i) {
             const unsigned char* row = rows + static_cast<std::size_t>(first + i) * mStreamFrame.bytesPerLine;
             if (mStreamFrame.format == 0) {
                 // Grey rows go to the encoder as three equal samples a pixel.
-                mGreyRows.resize(spread * kBand);
                 ScanFrames::spreadGrey(row, width, mStreamFrame.depth, mGreyRows.data() + spread * i);
                 row = mGreyRows.data() + spread * i;
             }
