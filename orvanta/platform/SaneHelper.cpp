@@ -1,6 +1,5 @@
 #include "orvanta/platform/SaneHelper.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <link.h>
 #include <poll.h>
@@ -175,7 +174,9 @@ public:
         const int seals = fd >= 0 ? fcntl(fd, F_GET_SEALS) : -1;
         if (size > 0 && seals >= 0 && (seals & F_SEAL_SHRINK) && fstat(fd, &info) == 0 &&
             static_cast<std::size_t>(info.st_size) == size) {
-            void* map = mmap(nullptr, size, PROT_READ, MAP_SHARED, fd, 0);
+            // Populated at once, while the host waits for the first rows anyway, rather than a
+            // page at a time by faults in the middle of encoding.
+            void* map = mmap(nullptr, size, PROT_READ, MAP_SHARED | MAP_POPULATE, fd, 0);
             if (map != MAP_FAILED) {
                 mData = static_cast<const unsigned char*>(map);
                 mSize = size;
@@ -211,14 +212,29 @@ void SaneHelper::setHangTimeout(int milliseconds) {
 std::string SaneHelper::helperPath() {
     if (const char* given = std::getenv("ORVANTA_SANE_HELPER"); given && *given) return given;
     // The folder of the object this code is in: the library, or a host linked with the library's
-    // objects, whose name the loader knows only as argv[0] (hence its path from the kernel).
-    Dl_info info;
-    link_map* object = nullptr;
-    if (!dladdr1(reinterpret_cast<void*>(&SaneHelper::helperPath), &info, reinterpret_cast<void**>(&object),
-                 RTLD_DL_LINKMAP) ||
-        !object)
-        return std::string();
-    std::string folder = object->l_name[0] ? object->l_name : executablePath();
+    // objects, whose name the loader knows only as argv[0] (hence its path from the kernel). Found
+    // by walking the loaded objects, not by dladdr: that waits for the loader's lock, which another
+    // thread of the host loading a library holds for milliseconds as a scan starts.
+    struct Search {
+        ElfW(Addr) code;
+        const char* name;
+    } search = {reinterpret_cast<ElfW(Addr)>(&SaneHelper::helperPath), nullptr};
+    dl_iterate_phdr(
+        [](dl_phdr_info* object, std::size_t, void* data) {
+            auto* s = static_cast<Search*>(data);
+            for (int i = 0; i < object->dlpi_phnum; ++i) {
+                const ElfW(Phdr)& segment = object->dlpi_phdr[i];
+                const ElfW(Addr) start = object->dlpi_addr + segment.p_vaddr;
+                if (segment.p_type == PT_LOAD && s->code >= start && s->code < start + segment.p_memsz) {
+                    s->name = object->dlpi_name;
+                    return 1;
+                }
+            }
+            return 0;
+        },
+        &search);
+    if (!search.name) return std::string();
+    std::string folder = search.name[0] ? search.name : executablePath();
     folder = folder.substr(0, folder.rfind('/') + 1);
     for (const char* relative : {"../bin/orvanta-sane-helper", "../libexec/orvanta/orvanta-sane-helper"})
         if (isExecutable(folder + relative)) return folder + relative;

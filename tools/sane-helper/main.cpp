@@ -34,6 +34,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,8 +42,9 @@ namespace {
 
 constexpr int kSocket = 3;
 // A slot holds about this many bytes of whole rows; a frame has kSlots of them, so that the device
-// can run that far ahead of the host.
-constexpr std::size_t kSlotSize = 512 * 1024;
+// can run that far ahead of the host. Small slots keep the two processes in step and cost little to
+// set up and give back; a larger ring measured no faster.
+constexpr std::size_t kSlotSize = 128 * 1024;
 constexpr int kSlots = 4;
 
 // Sends everything in the pieces, or ends the helper: the host is gone and nothing is left to do.
@@ -237,12 +239,15 @@ private:
 };
 
 // Reads one frame and sends it as it comes, a slot of whole rows at a time (the part of a row past
-// the slot's last whole one cannot be: a slot is read only up to its end). SANE's status at its end
-// (EOF when whole).
-SANE_Status readFrame(SANE_Handle handle, const SANE_Parameters& parameters) {
+// the slot's last whole one cannot be: a slot is read only up to its end), through a new ring that
+// the caller frees once the host is busy with the picture: giving back its memory takes a while.
+// SANE's status at its end (EOF when whole).
+SANE_Status readFrame(SANE_Handle handle, const SANE_Parameters& parameters, std::unique_ptr<SlotRing>* made) {
     const std::size_t rowSize = parameters.bytes_per_line > 0 ? static_cast<std::size_t>(parameters.bytes_per_line) : 0;
     const std::size_t slotRows = rowSize ? std::max<std::size_t>(1, kSlotSize / rowSize) : 1;
-    SlotRing ring(std::max<std::size_t>(rowSize, 1) * slotRows, kSlots);
+    made->reset();
+    *made = std::make_unique<SlotRing>(std::max<std::size_t>(rowSize, 1) * slotRows, kSlots);
+    SlotRing& ring = **made;
     if (!ring.ok()) return SANE_STATUS_NO_MEM;
     sendLine("frame\t" + std::to_string(parameters.format) + "\t" + (parameters.last_frame ? "1" : "0") + "\t" +
                  std::to_string(parameters.bytes_per_line) + "\t" + std::to_string(parameters.pixels_per_line) +
@@ -290,13 +295,14 @@ int scan(const std::string& device, const std::vector<std::string>& options) {
     for (const std::string& option : options) setOption(handle, option);
     const bool feeder = hasFeeder(handle);
     bool ok = true;
+    std::unique_ptr<SlotRing> ring;  // of the last frame
     for (bool more = true; more;) {
         // One picture: frames until the last one.
         for (bool last = false; !last;) {
             status = sane_start(handle);
             SANE_Parameters parameters;
             if (status == SANE_STATUS_GOOD) status = sane_get_parameters(handle, &parameters);
-            if (status == SANE_STATUS_GOOD) status = readFrame(handle, parameters);
+            if (status == SANE_STATUS_GOOD) status = readFrame(handle, parameters, &ring);
             if (status != SANE_STATUS_EOF) break;
             last = parameters.last_frame;
         }
@@ -306,6 +312,7 @@ int scan(const std::string& device, const std::vector<std::string>& options) {
             break;
         }
         sendLine("image");
+        ring.reset();
         // Only a feeder waits for the host's answer: any other device has given its one picture,
         // and is closed while the host is still busy with it.
         more = feeder && readLine() == "next";
