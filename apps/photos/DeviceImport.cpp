@@ -37,8 +37,9 @@ DeviceImport::Outcome DeviceImport::run(HWND owner, AssetDb* catalogue,
         return {source.name.toUtf8() +
                     " could not be read to its end; it may have been disconnected. Nothing was copied.",
                 ""};
-    if (wizard->getTotalPhotosCatalogued() == 0) return {};
-    return {"", std::to_string(wizard->getTotalPhotosCatalogued()) + " photos imported from " +
+    const int imported = wizard->getTotalPhotosCatalogued();
+    if (imported == 0) return {};
+    return {"", std::to_string(imported) + (imported == 1 ? " photo" : " photos") + " imported from " +
                     source.name.toUtf8()};
 }
 

@@ -158,15 +158,17 @@ void ImportWizard::onPageActivated(int page) {
 }
 
 void ImportWizard::chooseAll(bool chosen) {
-    AssetList* list = getAssetList();
-    AssetSelection* selection = mChooseGrid->getSelection();
     if (!chosen) {
-        selection->clear();
+        mChooseGrid->clearSelection();
         return;
     }
+    AssetList* list = getAssetList();
+    AssetSelection* selection = mChooseGrid->getSelection();
     AssetList::Lock lock(list);
     for (int i = 0, n = list->getCount(); i < n; ++i)
         if (OwnedPtr<Asset> asset = list->getAsset(i)) selection->select(asset->getID(), true);
+    // The grid draws what it selects itself; a selection made beside it is drawn by a repaint.
+    mChooseGrid->invalidate(false);
 }
 
 void ImportWizard::chosenChanged() {
@@ -254,8 +256,7 @@ void ImportWizard::populateSummaryPage() {
                 ", failed " + std::to_string(failed) + ".";
         if (skipped) text += " A photo is skipped when a file of its name is already in the folder.";
         if (mCatalogued < copied)
-            text += " " + std::to_string(copied - mCatalogued) +
-                    " of the copies could not be added to the catalogue.";
+            text += ' ' + std::to_string(copied - mCatalogued) + " of the copies could not be added to the catalogue.";
     }
     mSummary = CString::fromUtf8(text);
     mSummaryText->setText(mSummary);

@@ -118,12 +118,7 @@ bool Display::showWindow(Window* topLevel, bool visible) {
         auto* native = static_cast<SDL_Window*>(topLevel->getDisplayWindow());
         if (!native) return true;
         sdl().HideWindow(native);
-        // Without a window manager SDL hands the keyboard to every window it shows, pop-ups included;
-        // it goes back to the active window when the pop-up goes.
-        if (topLevel->getStyle() & WS_POPUP)
-            if (Window* active = Window::getActiveWindow())
-                if (auto* activeNative = static_cast<SDL_Window*>(active->getDisplayWindow()))
-                    sdl().SetWindowInputFocus(activeNative);
+        returnKeyboard(topLevel);
         return true;
     }
     if (!open() || !onOwnerThread()) return false;
@@ -171,7 +166,18 @@ void Display::destroyWindow(Window* topLevel) {
     if (!native) return;
     mWindows.erase(sdl().GetWindowID(native));
     topLevel->setDisplayWindow(nullptr);
-    if (mOpen) sdl().DestroyWindow(native);
+    if (!mOpen) return;
+    sdl().DestroyWindow(native);
+    returnKeyboard(topLevel);
+}
+
+// Without a window manager SDL hands the keyboard to every window it shows, pop-ups included, and
+// nobody takes it back when that window goes: the keys would go nowhere, so they go to the window
+// that is active now (the owner of a closed dialog, the window a pop-up stood over).
+void Display::returnKeyboard(Window* leaving) {
+    Window* active = Window::getActiveWindow();
+    if (!active || active == leaving || !active->isShown()) return;
+    if (auto* native = static_cast<SDL_Window*>(active->getDisplayWindow())) sdl().SetWindowInputFocus(native);
 }
 
 void Display::setTitle(Window* topLevel) {

@@ -85,6 +85,8 @@ private:
     Display() = default;
     void present(Window* topLevel);
     bool onOwnerThread() const;
+    // Gives the keyboard to the active window once the window leaving has gone from the screen.
+    void returnKeyboard(Window* leaving);
     // After Xlib found the server gone: forgets the SDL windows (whose connection is dead) and closes.
     void checkConnection();
 

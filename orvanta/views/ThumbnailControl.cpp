@@ -685,7 +685,9 @@ bool ThumbnailControl::onMouse(UINT message, CPoint point, WPARAM keys) {
                 }
                 mScrollTimer = startTimer(kAutoScrollInterval);
             }
-            mWindow->setCapture();
+            // Only a press that may become a drag keeps the mouse: a Ctrl or Shift click is over at
+            // once, and a capture it took would send the next click anywhere to the grid.
+            if (mDrag != DragNone) mWindow->setCapture();
             return true;
         }
         case WM_MOUSEMOVE:

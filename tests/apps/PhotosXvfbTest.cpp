@@ -1,6 +1,8 @@
 // Orvanta Photos end to end on a private X server: the real program, driven by xdotool as a user
 // would drive it. The photo on the screen is compared with an independent decoding of its file, and
 // the file the program saves after a red-eye click with what `orvanta edit` makes of the same click.
+// Import takes two photos of a directory camera through the wizard's windows into the catalogue,
+// the choice read back from the screen as it is made.
 
 #include <gtest/gtest.h>
 
@@ -10,16 +12,28 @@
 #include <string>
 #include <thread>
 
+#include "apps/photos/PhotoLibrary.h"
+#include "orvanta/assets/Asset.h"
+#include "orvanta/store/PropertyList.h"
+#include "tests/support/DirectoryCamera.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/TestData.h"
 #include "tests/support/ToolRunner.h"
 #include "tests/support/XvfbServer.h"
 
 using namespace OrvantaTest;
+namespace fs = std::filesystem;
 
 namespace {
 
 constexpr std::uint32_t kViewBackground = 0x303030;
+constexpr std::uint32_t kChosenFrame = 0xFFFF00;
+
+// The settings an application run keeps to itself, in the test's folder.
+std::string privateEnvironment(const TempDir& dir) {
+    return "XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" + dir.file("config") +
+           "' XDG_RUNTIME_DIR='" + dir.path() + "' FONTCONFIG_FILE='" ORVANTA_TEST_FONTS_CONF "'";
+}
 
 // The pixels of a file decoded by ImageMagick, as 0x00RRGGBB.
 std::vector<std::uint32_t> decoded(const std::string& path) {
@@ -43,9 +57,7 @@ TEST(PhotosXvfb, ARedEyeClickedOnTheScreenIsSavedAsTheHostMakesIt) {
     writeFileBytes(dir.file("photos/portrait.jpg"), readFileBytes(source));
     writeFileBytes(dir.file("twin.jpg"), readFileBytes(source));
 
-    const std::string environment = "XDG_DATA_HOME='" + dir.file("data") + "' XDG_CONFIG_HOME='" +
-                                    dir.file("config") + "' XDG_RUNTIME_DIR='" + dir.path() +
-                                    "' FONTCONFIG_FILE='" ORVANTA_TEST_FONTS_CONF "'";
+    const std::string environment = privateEnvironment(dir);
     std::thread app([&] {
         server.run(environment + " '" ORVANTA_PHOTOS "' --size 800x600 --catalog '" +
                    dir.file("catalogue.db") + "' '" + dir.file("photos") + "' 2>/dev/null");
@@ -87,6 +99,100 @@ TEST(PhotosXvfb, ARedEyeClickedOnTheScreenIsSavedAsTheHostMakesIt) {
     ASSERT_EQ(0, run.status) << run.errors;
     EXPECT_NE(readFileBytes(source), readFileBytes(dir.file("photos/portrait.jpg")));
     EXPECT_EQ(readFileBytes(dir.file("twin.jpg")), readFileBytes(dir.file("photos/portrait.jpg")));
+}
+
+// The wizard's window: where it stands on the screen, or false if it did not come.
+bool findWindow(const XvfbServer& server, const TempDir& dir, const std::string& name, int* x, int* y) {
+    const std::string answer = dir.file("geometry");
+    if (server.run("timeout 30 xdotool search --sync --name '" + name + "' getwindowgeometry --shell > '" + answer +
+                   "'") != 0)
+        return false;
+    const std::string text = readFileBytes(answer);
+    return std::sscanf(text.c_str() + text.find("X="), "X=%d\nY=%d", x, y) == 2;
+}
+
+TEST(PhotosXvfb, ImportTakesTheTwoPhotosChosenOnTheScreenIntoTheCatalogue) {
+    ORVANTA_REQUIRE_TESTDATA();
+    XvfbServer server(1024, 768);
+    if (!server.isRunning()) GTEST_SKIP() << "Xvfb, xdotool, xwd or ImageMagick is missing";
+    TempDir dir;
+    DirectoryCamera camera(6, false);
+    fs::create_directories(dir.file("sane"));
+    fs::create_directories(dir.file("tmp"));
+    int status = -1;
+    std::thread app([&] {
+        status = server.run(privateEnvironment(dir) + " SANE_CONFIG_DIR='" + dir.file("sane") + "' TMPDIR='" +
+                            dir.file("tmp") + "' timeout 120 '" ORVANTA_PHOTOS "' --size 800x600 --catalog '" +
+                            dir.file("catalogue.db") + "' --camera '" + camera.id() + "' 2>/dev/null");
+    });
+    const auto xdotool = [&](const std::string& arguments) { return server.run("xdotool " + arguments); };
+    ASSERT_EQ(server.run("timeout 30 xdotool search --sync --name 'Orvanta Photos' >/dev/null"), 0);
+    EXPECT_EQ(xdotool("mousemove 400 300 sleep 0.5 key ctrl+i"), 0);
+    int left = 0, top = 0;
+    ASSERT_TRUE(findWindow(server, dir, "Import from Directory Browse", &left, &top))
+        << "the wizard did not open (a device of this machine's own asks to be chosen first?)";
+    const auto click = [&](int x, int y, const std::string& keys = "") {
+        const std::string at = std::to_string(left + x) + " " + std::to_string(top + y);
+        return keys.empty() ? xdotool("mousemove " + at + " click 1 sleep 0.4")
+                            : xdotool("keydown " + keys + " mousemove " + at + " click 1 keyup " + keys + " sleep 0.4");
+    };
+    // Which of the first row's five cells wear the chosen frame, read down each cell's left edge,
+    // once the screen shows what is expected or ten seconds have passed.
+    const auto framed = [&](const std::string& expected) {
+        std::string cells;
+        for (int i = 0; i < 50 && cells != expected; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            std::vector<std::uint32_t> screen;
+            int width = 0, height = 0;
+            if (!server.screenshot(screen, width, height)) continue;
+            cells.clear();
+            for (int cell = 0; cell < 5; ++cell) {
+                int yellow = 0;
+                for (int y = 40; y < 140; ++y)
+                    yellow += screen[(top + y) * width + left + 13 + 120 * cell] == kChosenFrame;
+                cells += yellow > 90 ? 'X' : '.';
+            }
+        }
+        return cells;
+    };
+    // Once the camera has been looked through, everything is chosen.
+    ASSERT_EQ(framed("XXXXX"), "XXXXX");
+    EXPECT_EQ(click(149, 458), 0);  // Select none
+    EXPECT_EQ(framed("....."), ".....");
+    EXPECT_EQ(click(68, 90), 0);
+    EXPECT_EQ(click(308, 90, "ctrl"), 0);
+    EXPECT_EQ(framed("X.X.."), "X.X..");
+    EXPECT_EQ(click(530, 503), 0);  // Next
+    // The folder, typed over the one offered; Return starts the copy.
+    EXPECT_EQ(click(280, 57), 0);
+    EXPECT_EQ(xdotool("key ctrl+a type --delay 5 '" + dir.file("imported") + "'"), 0);
+    EXPECT_EQ(xdotool("key Return"), 0);
+    for (int i = 0; i < 100 && !(fs::is_directory(dir.file("imported")) &&
+                                 std::distance(fs::directory_iterator(dir.file("imported")), {}) == 2);
+         ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(click(530, 503), 0);  // Finish
+    // The keyboard is the main window's again once the wizard has gone.
+    EXPECT_EQ(xdotool("mousemove 400 300 sleep 0.3 key ctrl+q"), 0);
+    app.join();
+    EXPECT_EQ(status, 0) << "the program ended by itself";
+
+    OrvantaPhotos::PhotoLibrary library;
+    ASSERT_TRUE(library.open(dir.file("catalogue.db"))) << library.lastError();
+    ASSERT_EQ(library.catalogue()->getCount(), 2);
+    for (int i = 0; i < 2; ++i) {
+        Orvanta::OwnedPtr<Orvanta::Asset> asset = library.catalogue()->getAsset(i);
+        Orvanta::PropertyList* properties = asset->getProperties();
+        const fs::path copy = fs::path(properties->getValue(Orvanta::Asset::kPropFolder).asString().toUtf8()) /
+                              properties->getValue(Orvanta::Asset::kPropFilename).asString().toUtf8();
+        EXPECT_EQ(copy.parent_path(), fs::path(dir.file("imported")));
+        std::string original;
+        for (const std::string& file : camera.files())
+            if (fs::path(file).filename() == copy.filename()) original = readFileBytes(camera.localPath(file));
+        EXPECT_EQ(readFileBytes(copy), original) << copy;
+    }
+    EXPECT_TRUE(fs::is_empty(dir.file("tmp"))) << "no temporary file is left";
 }
 
 }  // namespace
