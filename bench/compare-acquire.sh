@@ -5,7 +5,9 @@
 #  - one 300-dpi colour page (200 x 200 mm) of SANE's test scanner: orvanta import of the scanner
 #    (scan in the helper process, JPEG, copy, catalogue) against scanimage writing the same page as
 #    JPEG; orvanta must be at least 0.9 times as fast.
-# The best of several rounds; the copies are checked byte for byte against gphoto2's.
+# The best of several rounds; the copies are checked byte for byte against gphoto2's. orvanta's first
+# round loads every libgphoto2 driver and remembers the camera's in the run's own cache folder; the
+# later ones load that one driver, as a user's second import from the same camera does.
 # Usage: compare-acquire.sh BUILD_DIR
 set -euo pipefail
 build=$1

@@ -158,6 +158,9 @@ int FileSystem::readDirectory(const char* path, std::vector<DirectoryEntry>* ent
 int FileSystem::makeTemporary(char* pattern, int suffixLength) {
     return retryOnInterrupt([&] { return ::mkostemps(pattern, suffixLength, O_CLOEXEC); });
 }
+int FileSystem::makeSymbolicLink(const char* target, const char* path) {
+    return ::symlink(target, path);
+}
 int FileSystem::readLink(const char* path, std::string* target) {
     char buffer[4096];
     const ssize_t n = ::readlink(path, buffer, sizeof buffer);

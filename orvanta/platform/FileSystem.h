@@ -72,6 +72,7 @@ public:
     virtual int makeTemporary(char* pattern, int suffixLength);
     // readlink into a string.
     virtual int readLink(const char* path, std::string* target);
+    virtual int makeSymbolicLink(const char* target, const char* path);
     virtual int changeOwner(int fd, uid_t owner, gid_t group);
     virtual int changeMode(int fd, mode_t mode);
     // flistxattr, fgetxattr, fsetxattr: the extended attributes of an open file (ACLs among them).

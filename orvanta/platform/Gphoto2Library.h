@@ -19,7 +19,7 @@ namespace Orvanta::Platform {
     F(gp_camera_autodetect)                                                                                  \
     F(gp_list_new)                                                                                           \
     F(gp_list_free) F(gp_list_count) F(gp_list_get_name) F(gp_list_get_value) F(gp_abilities_list_new)       \
-        F(gp_abilities_list_load) F(gp_abilities_list_free) F(gp_abilities_list_lookup_model)                \
+        F(gp_abilities_list_load) F(gp_abilities_list_load_dir) F(gp_abilities_list_free) F(gp_abilities_list_lookup_model)                \
             F(gp_abilities_list_get_abilities) F(gp_port_info_list_new) F(gp_port_info_list_load)            \
                 F(gp_port_info_list_free) F(gp_port_info_list_lookup_path) F(gp_port_info_list_get_info)     \
                     F(gp_camera_new) F(gp_camera_set_abilities) F(gp_camera_set_port_info) F(gp_camera_init) \

@@ -1,5 +1,6 @@
 #include "orvanta/platform/GphotoCamera.h"
 
+#include "orvanta/platform/CameraDriverCache.h"
 #include "orvanta/platform/Gphoto2Library.h"
 
 namespace Orvanta::Platform {
@@ -42,6 +43,19 @@ public:
     GPPortInfoList* ports = nullptr;
 };
 
+// A model's abilities: from its driver alone when the cache remembers which one it is, else from
+// every driver (remembered then for the next time).
+bool findAbilities(const std::string& model, CameraAbilities* abilities, GPContext* context) {
+    const CameraDriverCache cache = CameraDriverCache::user();
+    if (cache.find(model, abilities, context)) return true;
+    const Gphoto2Api& gp = gphoto2();
+    CameraAbilitiesList* cameras = knownCameras(context);
+    const int index = cameras ? gp.gp_abilities_list_lookup_model(cameras, model.c_str()) : -1;
+    if (index < 0 || gp.gp_abilities_list_get_abilities(cameras, index, abilities) < GP_OK) return false;
+    cache.remember(model, *abilities);
+    return true;
+}
+
 GPContextFeedback onCancel(GPContext*, void* data) {
     const auto* cancelled = static_cast<const std::function<bool()>*>(data);
     return *cancelled && (*cancelled)() ? GP_CONTEXT_FEEDBACK_CANCEL : GP_CONTEXT_FEEDBACK_OK;
@@ -78,16 +92,16 @@ std::unique_ptr<GphotoCamera> GphotoCamera::open(const std::string& id) {
     const std::string port = id.substr(at + 1);
     const Gphoto2Api& gp = gphoto2();
     GPContext* context = gp.gp_context_new();
-    CameraAbilitiesList* cameras = knownCameras(context);
+    CameraAbilities abilities;
+    if (!findAbilities(model, &abilities, context)) {
+        gp.gp_context_unref(context);
+        return nullptr;
+    }
     const PortList known;
     Camera* camera = nullptr;
-    CameraAbilities abilities;
     GPPortInfo portInfo;
-    const int modelIndex = cameras ? gp.gp_abilities_list_lookup_model(cameras, model.c_str()) : -1;
     const int portIndex = known.ports ? gp.gp_port_info_list_lookup_path(known.ports, port.c_str()) : -1;
-    if (modelIndex < 0 || portIndex < 0 ||
-        gp.gp_abilities_list_get_abilities(cameras, modelIndex, &abilities) < GP_OK ||
-        gp.gp_port_info_list_get_info(known.ports, portIndex, &portInfo) < GP_OK ||
+    if (portIndex < 0 || gp.gp_port_info_list_get_info(known.ports, portIndex, &portInfo) < GP_OK ||
         gp.gp_camera_new(&camera) < GP_OK) {
         gp.gp_context_unref(context);
         return nullptr;

@@ -70,6 +70,11 @@ std::string dataHome() {
     return set.empty() ? homeFolder() + "/.local/share" : set;
 }
 
+std::string cacheHome() {
+    const std::string set = absoluteVariable("XDG_CACHE_HOME");
+    return set.empty() ? homeFolder() + "/.cache" : set;
+}
+
 std::vector<std::string> dataDirs() {
     std::vector<std::string> folders;
     const char* value = std::getenv("XDG_DATA_DIRS");

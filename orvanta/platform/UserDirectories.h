@@ -4,7 +4,7 @@
 // $XDG_CONFIG_HOME/user-dirs.dirs, which the xdg-user-dirs tool writes.
 //
 // Contract: an environment variable counts only when it holds an absolute path; otherwise its
-// default stands: $HOME/.config, $HOME/.local/share, "/usr/local/share:/usr/share". The home folder
+// default stands: $HOME/.config, $HOME/.local/share, $HOME/.cache, "/usr/local/share:/usr/share". The home folder
 // is $HOME when absolute, else the password database's. A user directory the file does not name
 // validly is the XDG default, its English name under the home folder ("Pictures"). The file is read
 // on every call, through Platform::FileSystem; it is small and rarely asked for.
@@ -18,6 +18,7 @@ namespace Orvanta::Platform {
 std::string homeFolder();
 std::string configHome();
 std::string dataHome();
+std::string cacheHome();
 std::vector<std::string> dataDirs();
 
 // The folder of a user directory, by the key's middle part: "PICTURES" for XDG_PICTURES_DIR.

@@ -15,6 +15,9 @@
 #include "orvanta/acquire/WiaCameraWalkerListener.h"
 #include "orvanta/foundation/OwnedPtr.h"
 #include "orvanta/pixels/Dib.h"
+#include "orvanta/platform/CameraDriverCache.h"
+#include "orvanta/platform/Gphoto2Library.h"
+#include "orvanta/platform/GphotoCamera.h"
 #include "tests/acquire/AcquireFixtures.h"
 #include "tests/support/DirectoryCamera.h"
 #include "tests/support/ToolRunner.h"
@@ -94,6 +97,53 @@ TEST_F(CameraTest, ACopyWalksTheListingItsScanLeftAndAScanLooksAgain) {
     EXPECT_EQ(walked(OwnedPtr<WiaCameraWalker>(WiaCameraWalker::resume(id))), 2u) << "the scan's connection";
     EXPECT_EQ(walked(OwnedPtr<WiaCameraWalker>(WiaCameraWalker::resume(id))), 3u) << "taken once: a new one";
     EXPECT_EQ(walked(OwnedPtr<WiaCameraWalker>(WiaCameraWalker::create(id))), 3u);
+}
+
+// Whatever the cache holds for the model, the camera opens; afterwards the model's driver is read
+// from the cache's own folder.
+TEST_F(CameraTest, TheDriverCacheIsUsedWhenRightAndReplacedWhenNot) {
+    DirectoryCamera camera(1, false);
+    const std::string cacheFolder = std::string(std::getenv("XDG_CACHE_HOME")) + "/orvanta/camera-drivers";
+    const std::string model = "Directory Browse";
+    const auto remembered = [&] {
+        std::vector<std::string> links;
+        if (fs::is_directory(cacheFolder))
+            for (const auto& folder : fs::directory_iterator(cacheFolder))
+                for (const auto& link : fs::directory_iterator(folder)) links.push_back(link.path());
+        return links;
+    };
+    const auto readFromCache = [&] {
+        CameraAbilities abilities;
+        GPContext* context = Platform::gphoto2().gp_context_new();
+        const bool found = Platform::CameraDriverCache::user().find(model, &abilities, context);
+        Platform::gphoto2().gp_context_unref(context);
+        return found && std::string(abilities.library).rfind(cacheFolder, 0) == 0;
+    };
+    ASSERT_TRUE(Platform::loadGphoto2());
+    EXPECT_FALSE(readFromCache());
+    ASSERT_TRUE(Platform::GphotoCamera::open(camera.id()));
+    ASSERT_EQ(remembered().size(), 1u) << "the first open remembers the driver";
+    const std::string link = remembered()[0];
+    const fs::path driver = fs::read_symlink(link);
+    EXPECT_TRUE(readFromCache());
+    const std::string notADriver = std::string(std::getenv("HOME")) + "/not-a-driver";
+    writeFileBytes(notADriver, "not a driver");
+    const struct {
+        const char* what;
+        std::string name;
+        fs::path target;
+    } planted[] = {{"the driver itself", "directory.so", driver},
+                   {"a driver gone", "directory.so", "/nonexistent/directory.so"},
+                   {"a file that serves no camera", "other.so", notADriver}};
+    for (const auto& entry : planted) {
+        fs::remove_all(fs::path(link).parent_path());
+        fs::create_directories(fs::path(link).parent_path());
+        fs::create_symlink(entry.target, fs::path(link).parent_path() / entry.name);
+        EXPECT_TRUE(Platform::GphotoCamera::open(camera.id())) << entry.what;
+        ASSERT_EQ(remembered().size(), 1u) << entry.what;
+        EXPECT_EQ(fs::read_symlink(remembered()[0]), driver) << entry.what;
+        EXPECT_TRUE(readFromCache()) << entry.what;
+    }
 }
 
 TEST_F(CameraTest, DownloadIsWholeOrAbsentKeepsTheTimeAndNeverOverwrites) {

@@ -10,12 +10,14 @@ namespace fs = std::filesystem;
 namespace OrvantaTest {
 
 DirectoryCamera::DirectoryCamera(int photos, bool video) : mFolder(mDir.file("card")) {
-    if (const char* home = std::getenv("HOME")) {
-        mHadHome = true;
-        mOldHome = home;
-    }
+    // libgphoto2's settings and the library's cache of camera drivers go to the camera's folder.
     fs::create_directories(mDir.file("home"));
+    for (const char* name : {"HOME", "XDG_CACHE_HOME"}) {
+        const char* value = std::getenv(name);
+        mSaved.push_back({name, value ? value : "", value != nullptr});
+    }
     setenv("HOME", mDir.file("home").c_str(), 1);
+    setenv("XDG_CACHE_HOME", mDir.file("home/.cache").c_str(), 1);
     // libgphoto2 loads every camera and port driver of its folders, and unloads them again, which
     // leaves what some of them allocate as they load; the test camera needs two drivers.
     if (!std::getenv("CAMLIBS")) {
@@ -49,10 +51,11 @@ DirectoryCamera::DirectoryCamera(int photos, bool video) : mFolder(mDir.file("ca
 }
 
 DirectoryCamera::~DirectoryCamera() {
-    if (mHadHome)
-        setenv("HOME", mOldHome.c_str(), 1);
-    else
-        unsetenv("HOME");
+    for (const Saved& saved : mSaved)
+        if (saved.set)
+            setenv(saved.name.c_str(), saved.value.c_str(), 1);
+        else
+            unsetenv(saved.name.c_str());
 }
 
 std::string DirectoryCamera::id() const {

@@ -1,8 +1,8 @@
 #pragma once
 // DirectoryCamera: a camera for tests: libgphoto2's "Directory Browse" driver serving a temporary
 // folder on a disk: port, filled with photographs of the test data, a video, nested folders and an
-// empty one. HOME points into the camera's own folder while it lives, so that libgphoto2 keeps any
-// settings of its own there and the machine's are untouched.
+// empty one. HOME and XDG_CACHE_HOME point into the camera's own folder while it lives, so that
+// libgphoto2's settings and the library's camera driver cache go there and the machine's are untouched.
 
 #include <string>
 #include <vector>
@@ -29,8 +29,12 @@ public:
 private:
     TempDir mDir;
     std::string mFolder;
-    std::string mOldHome;
-    bool mHadHome = false;
+    struct Saved {
+        std::string name;
+        std::string value;
+        bool set;
+    };
+    std::vector<Saved> mSaved;  // the environment as it was
     std::vector<std::string> mFiles;
 };
 
