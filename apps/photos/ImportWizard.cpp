@@ -256,7 +256,8 @@ void ImportWizard::populateSummaryPage() {
                 ", failed " + std::to_string(failed) + ".";
         if (skipped) text += " A photo is skipped when a file of its name is already in the folder.";
         if (mCatalogued < copied)
-            text += ' ' + std::to_string(copied - mCatalogued) + " of the copies could not be added to the catalogue.";
+            text += ' ' + std::to_string(copied - mCatalogued) +
+                    " of the copies could not be added to the catalogue.";
     }
     mSummary = CString::fromUtf8(text);
     mSummaryText->setText(mSummary);

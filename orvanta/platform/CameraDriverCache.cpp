@@ -57,11 +57,10 @@ bool CameraDriverCache::find(const std::string& model, CameraAbilities* abilitie
     const Gphoto2Api& gp = gphoto2();
     CameraAbilitiesList* list = nullptr;
     if (gp.gp_abilities_list_new(&list) < GP_OK) return false;
-    const bool found = gp.gp_abilities_list_load_dir(list, folder.c_str(), context) >= GP_OK &&
-                       [&] {
-                           const int index = gp.gp_abilities_list_lookup_model(list, model.c_str());
-                           return index >= 0 && gp.gp_abilities_list_get_abilities(list, index, abilities) >= GP_OK;
-                       }();
+    const bool found = gp.gp_abilities_list_load_dir(list, folder.c_str(), context) >= GP_OK && [&] {
+        const int index = gp.gp_abilities_list_lookup_model(list, model.c_str());
+        return index >= 0 && gp.gp_abilities_list_get_abilities(list, index, abilities) >= GP_OK;
+    }();
     gp.gp_abilities_list_free(list);
     return found;
 }

@@ -177,7 +177,8 @@ void Display::destroyWindow(Window* topLevel) {
 void Display::returnKeyboard(Window* leaving) {
     Window* active = Window::getActiveWindow();
     if (!active || active == leaving || !active->isShown()) return;
-    if (auto* native = static_cast<SDL_Window*>(active->getDisplayWindow())) sdl().SetWindowInputFocus(native);
+    if (auto* native = static_cast<SDL_Window*>(active->getDisplayWindow()))
+        sdl().SetWindowInputFocus(native);
 }
 
 void Display::setTitle(Window* topLevel) {

@@ -11,22 +11,23 @@
 
 namespace Orvanta::Platform {
 
-#define ORVANTA_GPHOTO2_FUNCTIONS(F)                                                                         \
-    F(gp_context_new)                                                                                        \
-    F(gp_context_unref)                                                                                      \
-    F(gp_context_set_cancel_func)                                                                            \
-    F(gp_context_set_progress_funcs)                                                                         \
-    F(gp_camera_autodetect)                                                                                  \
-    F(gp_list_new)                                                                                           \
-    F(gp_list_free) F(gp_list_count) F(gp_list_get_name) F(gp_list_get_value) F(gp_abilities_list_new)       \
-        F(gp_abilities_list_load) F(gp_abilities_list_load_dir) F(gp_abilities_list_free) F(gp_abilities_list_lookup_model)                \
-            F(gp_abilities_list_get_abilities) F(gp_port_info_list_new) F(gp_port_info_list_load)            \
-                F(gp_port_info_list_free) F(gp_port_info_list_lookup_path) F(gp_port_info_list_get_info)     \
-                    F(gp_camera_new) F(gp_camera_set_abilities) F(gp_camera_set_port_info) F(gp_camera_init) \
-                        F(gp_camera_exit) F(gp_camera_unref) F(gp_camera_folder_list_files)                  \
-                            F(gp_camera_folder_list_folders) F(gp_camera_file_get_info)                      \
-                                F(gp_camera_file_get) F(gp_camera_file_delete) F(gp_file_new)                \
-                                    F(gp_file_new_from_handler) F(gp_file_unref)                             \
+#define ORVANTA_GPHOTO2_FUNCTIONS(F)                                                                      \
+    F(gp_context_new)                                                                                     \
+    F(gp_context_unref)                                                                                   \
+    F(gp_context_set_cancel_func)                                                                         \
+    F(gp_context_set_progress_funcs)                                                                      \
+    F(gp_camera_autodetect)                                                                               \
+    F(gp_list_new)                                                                                        \
+    F(gp_list_free)                                                                                       \
+    F(gp_list_count) F(gp_list_get_name) F(gp_list_get_value) F(gp_abilities_list_new)                    \
+        F(gp_abilities_list_load) F(gp_abilities_list_load_dir) F(gp_abilities_list_free)                 \
+            F(gp_abilities_list_lookup_model) F(gp_abilities_list_get_abilities) F(gp_port_info_list_new) \
+                F(gp_port_info_list_load) F(gp_port_info_list_free) F(gp_port_info_list_lookup_path)      \
+                    F(gp_port_info_list_get_info) F(gp_camera_new) F(gp_camera_set_abilities)             \
+                        F(gp_camera_set_port_info) F(gp_camera_init) F(gp_camera_exit) F(gp_camera_unref) \
+                            F(gp_camera_folder_list_files) F(gp_camera_folder_list_folders)               \
+                                F(gp_camera_file_get_info) F(gp_camera_file_get) F(gp_camera_file_delete) \
+                                    F(gp_file_new) F(gp_file_new_from_handler) F(gp_file_unref)           \
                                         F(gp_file_get_data_and_size)
 
 struct Gphoto2Api {

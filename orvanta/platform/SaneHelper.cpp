@@ -283,8 +283,10 @@ SaneHelper::Outcome SaneHelper::scan(const std::string& device, const std::vecto
             const long long slotBytes = static_cast<long long>(std::max(frame.bytesPerLine, 1)) * slotRows;
             const int count = std::atoi(fields[8].c_str());
             // Slots no larger than the helper ever makes; anything else is a helper gone wrong.
-            if (slotRows <= 0 || count <= 0 || count > kMostSlots || slotBytes * count > kMostSlotBytes) break;
-            slots = std::make_unique<SlotMapping>(helper.takeFd(), static_cast<std::size_t>(slotBytes), count);
+            if (slotRows <= 0 || count <= 0 || count > kMostSlots || slotBytes * count > kMostSlotBytes)
+                break;
+            slots =
+                std::make_unique<SlotMapping>(helper.takeFd(), static_cast<std::size_t>(slotBytes), count);
             if (!slots->ok()) break;
             sink->beginFrame(frame);
         } else if (fields[0] == "slot" && fields.size() == 3 && slots) {

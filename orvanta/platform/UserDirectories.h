@@ -4,8 +4,8 @@
 // $XDG_CONFIG_HOME/user-dirs.dirs, which the xdg-user-dirs tool writes.
 //
 // Contract: an environment variable counts only when it holds an absolute path; otherwise its
-// default stands: $HOME/.config, $HOME/.local/share, $HOME/.cache, "/usr/local/share:/usr/share". The home folder
-// is $HOME when absolute, else the password database's. A user directory the file does not name
+// default stands: $HOME/.config, $HOME/.local/share, $HOME/.cache, "/usr/local/share:/usr/share". The home
+// folder is $HOME when absolute, else the password database's. A user directory the file does not name
 // validly is the XDG default, its English name under the home folder ("Pictures"). The file is read
 // on every call, through Platform::FileSystem; it is small and rarely asked for.
 

@@ -104,8 +104,8 @@ TEST(PhotosXvfb, ARedEyeClickedOnTheScreenIsSavedAsTheHostMakesIt) {
 // The wizard's window: where it stands on the screen, or false if it did not come.
 bool findWindow(const XvfbServer& server, const TempDir& dir, const std::string& name, int* x, int* y) {
     const std::string answer = dir.file("geometry");
-    if (server.run("timeout 30 xdotool search --sync --name '" + name + "' getwindowgeometry --shell > '" + answer +
-                   "'") != 0)
+    if (server.run("timeout 30 xdotool search --sync --name '" + name + "' getwindowgeometry --shell > '" +
+                   answer + "'") != 0)
         return false;
     const std::string text = readFileBytes(answer);
     return std::sscanf(text.c_str() + text.find("X="), "X=%d\nY=%d", x, y) == 2;
@@ -121,9 +121,10 @@ TEST(PhotosXvfb, ImportTakesTheTwoPhotosChosenOnTheScreenIntoTheCatalogue) {
     fs::create_directories(dir.file("tmp"));
     int status = -1;
     std::thread app([&] {
-        status = server.run(privateEnvironment(dir) + " SANE_CONFIG_DIR='" + dir.file("sane") + "' TMPDIR='" +
-                            dir.file("tmp") + "' timeout 120 '" ORVANTA_PHOTOS "' --size 800x600 --catalog '" +
-                            dir.file("catalogue.db") + "' --camera '" + camera.id() + "' 2>/dev/null");
+        status =
+            server.run(privateEnvironment(dir) + " SANE_CONFIG_DIR='" + dir.file("sane") + "' TMPDIR='" +
+                       dir.file("tmp") + "' timeout 120 '" ORVANTA_PHOTOS "' --size 800x600 --catalog '" +
+                       dir.file("catalogue.db") + "' --camera '" + camera.id() + "' 2>/dev/null");
     });
     const auto xdotool = [&](const std::string& arguments) { return server.run("xdotool " + arguments); };
     ASSERT_EQ(server.run("timeout 30 xdotool search --sync --name 'Orvanta Photos' >/dev/null"), 0);
@@ -134,7 +135,8 @@ TEST(PhotosXvfb, ImportTakesTheTwoPhotosChosenOnTheScreenIntoTheCatalogue) {
     const auto click = [&](int x, int y, const std::string& keys = "") {
         const std::string at = std::to_string(left + x) + " " + std::to_string(top + y);
         return keys.empty() ? xdotool("mousemove " + at + " click 1 sleep 0.4")
-                            : xdotool("keydown " + keys + " mousemove " + at + " click 1 keyup " + keys + " sleep 0.4");
+                            : xdotool("keydown " + keys + " mousemove " + at + " click 1 keyup " + keys +
+                                      " sleep 0.4");
     };
     // Which of the first row's five cells wear the chosen frame, read down each cell's left edge,
     // once the screen shows what is expected or ten seconds have passed.
@@ -184,12 +186,14 @@ TEST(PhotosXvfb, ImportTakesTheTwoPhotosChosenOnTheScreenIntoTheCatalogue) {
     for (int i = 0; i < 2; ++i) {
         Orvanta::OwnedPtr<Orvanta::Asset> asset = library.catalogue()->getAsset(i);
         Orvanta::PropertyList* properties = asset->getProperties();
-        const fs::path copy = fs::path(properties->getValue(Orvanta::Asset::kPropFolder).asString().toUtf8()) /
-                              properties->getValue(Orvanta::Asset::kPropFilename).asString().toUtf8();
+        const fs::path copy =
+            fs::path(properties->getValue(Orvanta::Asset::kPropFolder).asString().toUtf8()) /
+            properties->getValue(Orvanta::Asset::kPropFilename).asString().toUtf8();
         EXPECT_EQ(copy.parent_path(), fs::path(dir.file("imported")));
         std::string original;
         for (const std::string& file : camera.files())
-            if (fs::path(file).filename() == copy.filename()) original = readFileBytes(camera.localPath(file));
+            if (fs::path(file).filename() == copy.filename())
+                original = readFileBytes(camera.localPath(file));
         EXPECT_EQ(readFileBytes(copy), original) << copy;
     }
     EXPECT_TRUE(fs::is_empty(dir.file("tmp"))) << "no temporary file is left";

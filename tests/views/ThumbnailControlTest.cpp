@@ -305,7 +305,8 @@ TEST(ThumbnailControl, SelectionFollowsTheAnchorAndTheCurrentCell) {
             EXPECT_EQ(table.steps[i].selected, grid.selected());
             EXPECT_EQ(table.steps[i].current, grid.control->cellIndex(grid.control->getCurrent()));
             EXPECT_EQ(table.steps[i].anchor, grid.control->cellIndex(grid.control->getAnchor()));
-            EXPECT_EQ(nullptr, Platform::Window::getCapture()) << "a click over is no drag: the mouse is free";
+            EXPECT_EQ(nullptr, Platform::Window::getCapture())
+                << "a click over is no drag: the mouse is free";
         }
         // The arrows reached the helper first; every change was heard after the fact.
         EXPECT_FALSE(grid.helper->arrows.empty());

@@ -176,7 +176,8 @@ bool hasFeeder(SANE_Handle handle) {
 // can neither shrink nor grow under the host's mapping.
 class SlotRing {
 public:
-    SlotRing(std::size_t slotBytes, int slots) : mSlotBytes(slotBytes), mFree(static_cast<std::size_t>(slots), true) {
+    SlotRing(std::size_t slotBytes, int slots)
+        : mSlotBytes(slotBytes), mFree(static_cast<std::size_t>(slots), true) {
         const std::size_t size = slotBytes * static_cast<std::size_t>(slots);
         mFd = memfd_create("orvanta-frame", MFD_CLOEXEC | MFD_ALLOW_SEALING);
         if (mFd < 0) return;
@@ -242,17 +243,20 @@ private:
 // the slot's last whole one cannot be: a slot is read only up to its end), through a new ring that
 // the caller frees once the host is busy with the picture: giving back its memory takes a while.
 // SANE's status at its end (EOF when whole).
-SANE_Status readFrame(SANE_Handle handle, const SANE_Parameters& parameters, std::unique_ptr<SlotRing>* made) {
-    const std::size_t rowSize = parameters.bytes_per_line > 0 ? static_cast<std::size_t>(parameters.bytes_per_line) : 0;
+SANE_Status readFrame(SANE_Handle handle, const SANE_Parameters& parameters,
+                      std::unique_ptr<SlotRing>* made) {
+    const std::size_t rowSize =
+        parameters.bytes_per_line > 0 ? static_cast<std::size_t>(parameters.bytes_per_line) : 0;
     const std::size_t slotRows = rowSize ? std::max<std::size_t>(1, kSlotSize / rowSize) : 1;
     made->reset();
     *made = std::make_unique<SlotRing>(std::max<std::size_t>(rowSize, 1) * slotRows, kSlots);
     SlotRing& ring = **made;
     if (!ring.ok()) return SANE_STATUS_NO_MEM;
-    sendLine("frame\t" + std::to_string(parameters.format) + "\t" + (parameters.last_frame ? "1" : "0") + "\t" +
-                 std::to_string(parameters.bytes_per_line) + "\t" + std::to_string(parameters.pixels_per_line) +
-                 "\t" + std::to_string(parameters.lines) + "\t" + std::to_string(parameters.depth) + "\t" +
-                 std::to_string(slotRows) + "\t" + std::to_string(kSlots),
+    sendLine("frame\t" + std::to_string(parameters.format) + "\t" + (parameters.last_frame ? "1" : "0") +
+                 "\t" + std::to_string(parameters.bytes_per_line) + "\t" +
+                 std::to_string(parameters.pixels_per_line) + "\t" + std::to_string(parameters.lines) + "\t" +
+                 std::to_string(parameters.depth) + "\t" + std::to_string(slotRows) + "\t" +
+                 std::to_string(kSlots),
              ring.fd());
     const std::size_t slotBytes = rowSize * slotRows;
     long long lines = 0;
