@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <vector>
@@ -22,14 +21,6 @@ std::string hashName(const std::string& text) {
     char name[17];
     std::snprintf(name, sizeof name, "%016llx", static_cast<unsigned long long>(hash));
     return name;
-}
-
-bool makeFolders(FileSystem& fs, const std::string& path) {
-    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-        const std::string part = path.substr(0, slash);
-        if (fs.makeDirectory(part.c_str(), 0700) != 0 && errno != EEXIST) return false;
-        if (slash == std::string::npos) return true;
-    }
 }
 
 }  // namespace
@@ -71,7 +62,7 @@ void CameraDriverCache::remember(const std::string& model, const CameraAbilities
     struct stat info;
     if (driver.front() != '/' || fs.stat(driver.c_str(), &info) != 0) return;
     const std::string folder = folderOf(model);
-    if (!makeFolders(fs, folder)) return;
+    if (fs.makeDirectories(folder, 0700) != 0) return;
     // The folder holds this one driver: whatever link it had goes first.
     std::vector<std::string> names;
     if (fs.listDirectory(folder.c_str(), &names) == 0)

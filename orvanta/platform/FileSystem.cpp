@@ -123,6 +123,20 @@ int FileSystem::linkStat(const char* path, struct stat* info) {
 int FileSystem::makeDirectory(const char* path, mode_t mode) {
     return ::mkdir(path, mode);
 }
+int FileSystem::makeDirectories(const std::string& path, mode_t mode) {
+    for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
+        const std::string folder = path.substr(0, slash);
+        if (!folder.empty() && makeDirectory(folder.c_str(), mode) != 0) {
+            struct stat info;
+            if (errno != EEXIST) return -1;
+            if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
+                errno = ENOTDIR;
+                return -1;
+            }
+        }
+        if (slash == std::string::npos) return 0;
+    }
+}
 int FileSystem::realPath(const char* path, std::string* resolved) {
     char* found = ::realpath(path, nullptr);
     if (!found) return -1;

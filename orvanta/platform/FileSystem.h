@@ -55,6 +55,9 @@ public:
     // stat of the link itself, not of what it points at.
     virtual int linkStat(const char* path, struct stat* info);
     virtual int makeDirectory(const char* path, mode_t mode);
+    // Makes a folder and whichever folders above it are missing, each through makeDirectory; 0, or
+    // -1 with errno (ENOTDIR when something other than a folder stands in the way).
+    int makeDirectories(const std::string& path, mode_t mode);
     // realpath: the absolute path with every symbolic link, "." and ".." resolved.
     virtual int realPath(const char* path, std::string* resolved);
     // The names in a folder, "." and ".." left out (opendir and readdir).

@@ -274,12 +274,9 @@ SettingsKey::KeyFile SettingsKey::readForRewrite() {
 }
 
 bool SettingsKey::makeFolders() {
-    FileSystem& fs = FileSystem::current();
-    for (std::size_t slash = mFile.find('/', 1); slash != std::string::npos;
-         slash = mFile.find('/', slash + 1)) {
-        const std::string folder = mFile.substr(0, slash);
-        if (fs.makeDirectory(folder.c_str(), 0700) != 0 && errno != EEXIST) return failWithErrno();
-    }
+    const std::size_t slash = mFile.rfind('/');
+    if (slash == std::string::npos || slash == 0) return true;
+    if (FileSystem::current().makeDirectories(mFile.substr(0, slash), 0700) != 0) return failWithErrno();
     return true;
 }
 

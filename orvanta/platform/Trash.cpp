@@ -47,17 +47,9 @@ std::string absolutePath(const std::string& path) {
     return absolute;
 }
 
-bool isFolder(const char* path) {
-    struct stat info;
-    return FileSystem::current().stat(path, &info) == 0 && S_ISDIR(info.st_mode);
-}
-
 // Makes a folder and the folders above it that are missing, private to the user.
 bool makeFolders(const std::string& path) {
-    if (path.empty() || isFolder(path.c_str())) return true;
-    if (!makeFolders(parentOf(path))) return false;
-    return FileSystem::current().makeDirectory(path.c_str(), 0700) == 0 ||
-           (errno == EEXIST && isFolder(path.c_str()));
+    return FileSystem::current().makeDirectories(path, 0700) == 0;
 }
 
 // The device of a path, or of the nearest folder above it that exists.

@@ -103,7 +103,8 @@ TEST_F(CameraTest, ACopyWalksTheListingItsScanLeftAndAScanLooksAgain) {
 // from the cache's own folder.
 TEST_F(CameraTest, TheDriverCacheIsUsedWhenRightAndReplacedWhenNot) {
     DirectoryCamera camera(1, false);
-    const std::string cacheFolder = std::string(std::getenv("XDG_CACHE_HOME")) + "/orvanta/camera-drivers";
+    const std::string cacheFolder =
+        std::string(std::getenv("XDG_CACHE_HOME")) + "/" + Platform::CameraDriverCache::kFolder;
     const std::string model = "Directory Browse";
     const auto remembered = [&] {
         std::vector<std::string> links;
