@@ -11,6 +11,7 @@
 #include "orvanta/platform/FileContents.h"
 #include "orvanta/platform/JpegErrorJump.h"
 #include "orvanta/platform/JpegRowWriter.h"
+#include "orvanta/platform/JpegStrips.h"
 #include "orvanta/platform/ReplacementFile.h"
 
 namespace Orvanta::Platform {
@@ -207,7 +208,34 @@ int rowsOf(const JPEG_CORE_PROPERTIES* props, int first, const unsigned char** r
     return count;
 }
 
+// A large picture into the block in strips, as a file of it is written; the same bytes.
+int encodeStripsToBlock(JPEG_CORE_PROPERTIES* props, const JpegRowWriter::Settings& settings) {
+    std::size_t used = 0;
+    const std::size_t room = static_cast<std::size_t>(props->JPGSizeBytes);
+    bool overflow = false;
+    JpegStrips strips(settings, [&](const unsigned char* bytes, std::size_t count) {
+        if (count > room - used) {
+            overflow = true;
+            return false;
+        }
+        std::memcpy(props->JPGBytes + used, bytes, count);
+        used += count;
+        return true;
+    });
+    const unsigned char* rows[16];
+    bool ok = true;
+    for (int first = 0; ok && first < props->JPGHeight;) {
+        const int count = rowsOf(props, first, rows);
+        ok = strips.add(rows, count);
+        first += count;
+    }
+    if (!ok || !strips.finish()) return overflow ? IJL_BUFFER_TOO_SMALL : IJL_EXCEPTION_DETECTED;
+    props->JPGSizeBytes = static_cast<int>(used);
+    return IJL_OK;
+}
+
 int encodeToBlock(JPEG_CORE_PROPERTIES* props) {
+    if (JpegStrips::suits(settingsOf(props))) return encodeStripsToBlock(props, settingsOf(props));
     FixedDestination fixed;
     JpegErrorJump errors;
     jpeg_compress_struct info;

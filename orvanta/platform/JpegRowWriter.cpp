@@ -2,6 +2,8 @@
 
 #include <csetjmp>
 
+#include "orvanta/platform/JpegStrips.h"
+
 namespace Orvanta::Platform {
 
 namespace {
@@ -34,12 +36,17 @@ JpegRowWriter::~JpegRowWriter() {
     if (mCreated) jpeg_destroy_compress(&mInfo);
 }
 
-bool JpegRowWriter::flush(std::size_t count) {
-    if (!mFile.write(mBlock.data(), count)) {
+bool JpegRowWriter::writeFile(const unsigned char* bytes, std::size_t count) {
+    if (!mFile.write(bytes, count)) {
         mFileFailed = true;
         return false;
     }
     mWritten += static_cast<long long>(count);
+    return true;
+}
+
+bool JpegRowWriter::flush(std::size_t count) {
+    if (!writeFile(mBlock.data(), count)) return false;
     mDestination.manager.next_output_byte = mBlock.data();
     mDestination.manager.free_in_buffer = mBlock.size();
     return true;
@@ -54,12 +61,20 @@ bool JpegRowWriter::end(bool ok) {
 }
 
 bool JpegRowWriter::start(const Settings& settings) {
-    if (mCreated || mFailed || settings.width <= 0 || settings.height <= 0 || settings.width > JPEG_MAX_DIMENSION ||
-        settings.height > JPEG_MAX_DIMENSION || (settings.channels != 3 && settings.channels != 4))
+    if (mCreated || mStrips || mFailed || settings.width <= 0 || settings.height <= 0 ||
+        settings.width > JPEG_MAX_DIMENSION || settings.height > JPEG_MAX_DIMENSION ||
+        (settings.channels != 3 && settings.channels != 4))
         return end(false);
     if (!mFile.open()) {
         mFileFailed = true;
         return end(false);
+    }
+    mHeight = settings.height;
+    if (JpegStrips::suits(settings)) {
+        mStrips = std::make_unique<JpegStrips>(
+            settings,
+            [this](const unsigned char* bytes, std::size_t count) { return writeFile(bytes, count); });
+        return true;
     }
     mBlock.resize(kBlockSize);
     if (setjmp(mErrors.jump)) return end(false);
@@ -86,7 +101,13 @@ bool JpegRowWriter::start(const Settings& settings) {
 }
 
 bool JpegRowWriter::write(const unsigned char* const* rows, int count) {
-    if (!mCreated || mFailed || count < 0 || mInfo.next_scanline + static_cast<JDIMENSION>(count) > mInfo.image_height)
+    if (mStrips) {
+        if (mFailed || count < 0 || mRows + count > mHeight) return end(false);
+        mRows += count;
+        return end(mStrips->add(rows, count));
+    }
+    if (!mCreated || mFailed || count < 0 ||
+        mInfo.next_scanline + static_cast<JDIMENSION>(count) > mInfo.image_height)
         return end(false);
     if (setjmp(mErrors.jump)) return end(false);
     jpeg_write_scanlines(&mInfo, const_cast<JSAMPARRAY>(rows), static_cast<JDIMENSION>(count));
@@ -94,6 +115,11 @@ bool JpegRowWriter::write(const unsigned char* const* rows, int count) {
 }
 
 bool JpegRowWriter::finish() {
+    if (mStrips) {
+        if (mFailed || mRows != mHeight || !mStrips->finish()) return end(false);
+        mFileFailed = !mFile.commit();
+        return end(!mFileFailed);
+    }
     if (!mCreated || mFailed || mInfo.next_scanline != mInfo.image_height) return end(false);
     if (setjmp(mErrors.jump)) return end(false);
     jpeg_finish_compress(&mInfo);

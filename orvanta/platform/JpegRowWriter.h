@@ -6,10 +6,12 @@
 // ReplacementFile (taking its lock); write() takes the next rows, top row first, each `width`
 // pixels of `channels` bytes in the order given; finish() completes the file and puts it in place.
 // The compressed bytes go to the file as they are made, a block at a time, so no copy of the whole
-// file is held in memory. Any failure (of the encoder, of a write: a full disk) makes every later
-// call answer false, and a writer destroyed without a successful finish() leaves the target as it
-// was. Not for use by two threads at once.
+// file is held in memory. A picture large enough (JpegStrips::suits) is encoded in strips on all the
+// machine's cores, and decodes to exactly the pixels a single encoder would make. Any failure (of the
+// encoder, of a write: a full disk) makes every later call answer false, and a writer destroyed without a
+// successful finish() leaves the target as it was. Not for use by two threads at once.
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,12 +21,14 @@
 
 namespace Orvanta::Platform {
 
+class JpegStrips;
+
 class JpegRowWriter {
 public:
     struct Settings {
         int width = 0, height = 0;
-        int channels = 3;        // 3, or 4 of which the fourth is not stored
-        bool blueFirst = true;   // the bytes of a pixel: blue, green, red (else red first)
+        int channels = 3;       // 3, or 4 of which the fourth is not stored
+        bool blueFirst = true;  // the bytes of a pixel: blue, green, red (else red first)
         int quality = 85;
         int horizontalSampling = 1, verticalSampling = 1;  // of luma against chroma: 2 halves chroma
     };
@@ -51,6 +55,7 @@ private:
         JpegRowWriter* owner;
     };
     bool flush(std::size_t count);
+    bool writeFile(const unsigned char* bytes, std::size_t count);
     bool end(bool ok);
 
     ReplacementFile mFile;
@@ -58,6 +63,9 @@ private:
     JpegErrorJump mErrors;
     Destination mDestination;
     std::vector<JOCTET> mBlock;
+    // A picture written in strips: those, and the rows it has taken so far.
+    std::unique_ptr<JpegStrips> mStrips;
+    int mHeight = 0, mRows = 0;
     long long mWritten = 0;
     bool mCreated = false;
     bool mFailed = false;

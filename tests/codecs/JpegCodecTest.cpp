@@ -358,6 +358,15 @@ TEST_F(JpegCodec, QualitiesChooseChromaSamplingAndAWrittenPictureIsWhatDjpegDeco
               codec->writeToMemory(picture, block.data(), static_cast<int>(block.size()), ImageQualityHigh));
     EXPECT_EQ(high, block.substr(0, high.size()));
     EXPECT_EQ(0, codec->writeToMemory(picture, block.data(), 100, ImageQualityNormal));
+    // So does a picture large enough to be encoded in strips.
+    OwnedPtr<Dib> large = makeGradient(1300, 900, 3);
+    const std::string largeFile = writeFile(large, ImageQualityHigh, "large.jpg");
+    std::string largeBlock(largeFile.size() + 4096, '\0');
+    EXPECT_EQ(static_cast<int>(largeFile.size()),
+              codec->writeToMemory(large, largeBlock.data(), static_cast<int>(largeBlock.size()),
+                                   ImageQualityHigh));
+    EXPECT_EQ(largeFile, largeBlock.substr(0, largeFile.size()));
+    EXPECT_EQ(0, codec->writeToMemory(large, largeBlock.data(), 5000, ImageQualityHigh));
     OwnedPtr<Dib> grey = ByteDib::create(8, 8);
     EXPECT_EQ(u"Unsupported bitcount",
               messageOf([&] { codec->write(grey, dir.wide("grey.jpg"), ImageQualityNormal); }));
