@@ -42,9 +42,12 @@ page=(mode=Color resolution=300 "test-picture=Color pattern" br-x=200 br-y=200)
 
 # Wall time from bash's microsecond clock (time's own is in hundredths, too coarse for runs of a
 # tenth of a second); CPU time and peak memory from time.
+# Each run starts with nothing left to write back, so that no command pays for the files of the one
+# before it (200 copied photographs are still being written out when the next command starts).
 run() {
   local name=$1
   shift
+  sync
   local start=$EPOCHREALTIME
   /usr/bin/time -f "%U %S %M" -o "$work/one" "$@" > /dev/null
   local end=$EPOCHREALTIME

@@ -240,8 +240,15 @@ void JpegStrips::submit(std::unique_ptr<Strip> strip) {
 void JpegStrips::encodeHere(Strip* strip) {
     const bool ok = mEncoder->encode(mSettings, strip);
     std::lock_guard<std::mutex> lock(mLock);
+    markDone(strip, ok);
+}
+
+void JpegStrips::markDone(Strip* strip, bool ok) {
     strip->ok = ok;
     strip->done = true;
+    // Its rows are not needed any more, though the strips before it may keep it from the sink a while.
+    mSparePixels.push_back(std::move(strip->pixels));
+    mStripDone.notify_all();
 }
 
 void JpegStrips::startWorker() {
@@ -271,9 +278,7 @@ void JpegStrips::work() {
         lock.unlock();
         const bool ok = encoder.encode(mSettings, strip);
         lock.lock();
-        strip->ok = ok;
-        strip->done = true;
-        mStripDone.notify_all();
+        markDone(strip, ok);
     }
 }
 
@@ -298,7 +303,6 @@ bool JpegStrips::emitDone(bool all) {
         lock.unlock();
         const bool ok = strip->ok && emit(*strip);
         lock.lock();
-        mSparePixels.push_back(std::move(strip->pixels));
         mSpareStreams.push_back(std::move(strip->stream));
         if (!ok) return false;
     }

@@ -58,6 +58,8 @@ private:
     // Hands a full strip to the workers, or encodes it here when they are behind.
     void submit(std::unique_ptr<Strip> strip);
     void encodeHere(Strip* strip);
+    // Under the lock: the strip is encoded (or failed), and its rows' buffer is free for another.
+    void markDone(Strip* strip, bool ok);
     // Passes the strips done at the head of the line to the sink. With `all`, waits for every one.
     bool emitDone(bool all);
     bool emit(const Strip& strip);
